@@ -1,0 +1,10 @@
+find_package(jsoncpp REQUIRED)
+find_package(fmt 9 REQUIRED)
+find_package(Boost 1.74 REQUIRED COMPONENTS thread log date_time)
+find_package(SQLite3 REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(Threads REQUIRED)
+
+find_program(ODB_COMPILER odb REQUIRED)
+find_library(ODB_LIBRARY odb REQUIRED)
+find_library(ODB_SQLITE_LIBRARY odb-sqlite REQUIRED)

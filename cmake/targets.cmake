@@ -1,0 +1,30 @@
+# What every target of ours is built with.
+add_library(vemora_build_options INTERFACE)
+target_compile_features(vemora_build_options INTERFACE cxx_std_17)
+target_compile_options(vemora_build_options INTERFACE -Wall -Wextra -Wpedantic
+                       $<$<BOOL:${VEMORA_WERROR}>:-Werror>)
+if(VEMORA_SANITIZE)
+  target_compile_options(vemora_build_options INTERFACE -fsanitize=${VEMORA_SANITIZE}
+                         -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(vemora_build_options INTERFACE -fsanitize=${VEMORA_SANITIZE})
+endif()
+
+# A shared library that shows only what is marked for it and knows all it needs.
+function(vemora_add_library name)
+  add_library(${name} SHARED ${ARGN})
+  add_library(vemora::${name} ALIAS ${name})
+  set_target_properties(${name} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:vemora_build_options>)
+  if(NOT VEMORA_SANITIZE)
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
+endfunction()
+
+function(vemora_add_executable name)
+  add_executable(${name} ${ARGN})
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
+  target_link_libraries(${name} PRIVATE vemora_build_options)
+endfunction()

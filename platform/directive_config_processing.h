@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kuv::vemora::Directive_Config_Processing {
+
+/// One failure met while a document was processed.
+struct Error {
+  enum class Category : std::int32_t {
+    rejected_document = 0,    ///< the document could not be read; nothing was applied
+    failed_processing = 1,  ///< the document was accepted, applying it failed in whole or in part
+  };
+
+  Category category = Category::rejected_document;
+  std::string message;  ///< for people, complete
+};
+
+/// The outcome of handing over a new document.
+struct Result {
+  bool success = false;       ///< the document was parsed, applied and stored
+  std::vector<Error> errors;  ///< on success the failures of single triggers, else exactly one
+};
+
+}  // namespace kuv::vemora::Directive_Config_Processing

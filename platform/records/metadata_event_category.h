@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kuv::vemora {
+
+/// A category that generic metadata events are filed under.
+struct metadata_event_category {
+  std::uint64_t id = 0;
+  std::string name;
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "vemora/platform/tags/tag_info.h"
+
+namespace kuv::vemora {
+
+/// One video-management server of the site.
+struct server {
+  std::uint64_t id = 0;
+  std::string name;
+  Tag_Map tags;  ///< matched by the server filters of triggers
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+
+#include "vemora/trigger_parser/trigger_config.h"
+
+namespace kuv::vemora {
+
+/// The stored form of one configured trigger.
+struct trigger {
+  std::uint64_t id = 0;  ///< the trigger's id in the configuration; identity of the record
+  std::string name;
+  std::set<Trigger_Mapping_Entry> schedules;  ///< when it is active
+  std::set<Trigger_Source> sources;           ///< what fires it
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "vemora/platform/export.h"
+#include "vemora/platform/records/camera.h"
+#include "vemora/platform/tags/tag_search_term.h"
+
+namespace kuv::vemora {
+
+/// The cameras of the site. Every list comes in ascending order of camera id, without duplicates.
+/// Every operation may throw what the persistence library throws.
+class VEMORA_API Camera_Repository {
+ public:
+  using Camera_List = std::vector<std::shared_ptr<camera>>;
+
+  virtual ~Camera_Repository() = default;
+
+  /// The cameras whose tags satisfy at least one of `terms`; with no terms, all.
+  virtual Camera_List get_cameras_matching_tags(const std::set<ODB_Utils::Tag_Search_Term>& terms) = 0;
+
+  /// Those of `cameras` (all, when the list is empty) that no subscription to `onvif_topic`
+  /// exists for yet, whether or not they can send it.
+  virtual Camera_List get_cameras_needing_subscription(const std::string& onvif_topic,
+                                                       const Camera_List& cameras) = 0;
+
+  /// Those of `cameras` (all, when the list is empty) that take part in object detection.
+  virtual Camera_List get_object_detection_cameras(const Camera_List& cameras) = 0;
+
+  /// Those of `cameras` (all, when the list is empty) that take part in motion detection.
+  virtual Camera_List get_motion_detection_cameras(const Camera_List& cameras) = 0;
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "vemora/platform/export.h"
+#include "vemora/platform/records/metadata_event_subscription.h"
+#include "vemora/platform/tags/tag_search_term.h"
+
+namespace kuv::vemora {
+
+/// The subscriptions to metadata events. Every list comes in ascending order of record id. A bool
+/// answer is true when the record is stored and false when the database refused it; every operation
+/// may also throw what the persistence library throws.
+class VEMORA_API Metadata_Event_Subscription_Repository {
+ public:
+  using Subscription_List = std::vector<std::shared_ptr<metadata_event_subscription>>;
+
+  /// What Get_Matching_Subscriptions looks for. With nothing but `trigger` set: every subscription
+  /// that holds it, of both kinds.
+  struct Get_Matching_Subscriptions_Params {
+    enum class Trigger_Match {
+      holding,  ///< the subscription serves `trigger`
+      lacking,  ///< it does not
+    };
+    enum class Kind {
+      any,
+      topic,    ///< with a camera and an ONVIF topic
+      generic,  ///< with neither
+    };
+    enum class Topics_And_Cameras {
+      matching,  ///< on one of `topics` and on one of `cameras`; an empty list restricts nothing
+      /// On none of `topics`, or on none of `cameras`, where an empty camera list excludes nothing:
+      /// topic subscriptions. With no topics at all nothing lies inside: both kinds.
+      outside,
+    };
+    enum class Tags {
+      matching,      ///< a tag satisfies one of `tags`; with no terms every subscription does
+      not_matching,  ///< no tag does
+    };
+
+    std::shared_ptr<vemora::trigger> trigger;  ///< null: held or lacked by anybody
+    std::vector<std::string> topics;
+    std::vector<std::shared_ptr<camera>> cameras;
+    std::set<ODB_Utils::Tag_Search_Term> tags;
+
+    Trigger_Match trigger_match = Trigger_Match::holding;
+    Kind kind = Kind::any;
+    Topics_And_Cameras topics_and_cameras = Topics_And_Cameras::matching;
+    Tags tags_match = Tags::matching;
+  };
+
+  virtual ~Metadata_Event_Subscription_Repository() = default;
+
+  /// Stores a new topic subscription with its triggers, and gives it an id. Refused when there is
+  /// one for its camera and topic, and when its camera or one of its triggers is not stored.
+  virtual bool add(const std::shared_ptr<metadata_event_subscription>& added) = 0;
+
+  /// Stores the triggers that were added to or removed from a subscription since it was loaded or
+  /// last stored. Refused when the subscription, or a trigger added to it, is not stored.
+  virtual bool update(const std::shared_ptr<metadata_event_subscription>& changed) = 0;
+
+  /// The subscriptions that satisfy everything that `params` ask for.
+  virtual Subscription_List Get_Matching_Subscriptions(
+      const Get_Matching_Subscriptions_Params& params) = 0;
+
+  /// The topic subscriptions that hold none of `live_trigger_ids`: what delete_stale deletes once
+  /// every other trigger is gone. With no ids, every subscription of both kinds.
+  virtual Subscription_List get_stale(const std::set<std::uint64_t>& live_trigger_ids) = 0;
+
+  /// Deletes the topic subscriptions that hold no trigger. Generic ones belong to the site.
+  virtual void delete_stale() = 0;
+};
+
+}  // namespace kuv::vemora

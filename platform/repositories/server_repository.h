@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "vemora/platform/export.h"
+#include "vemora/platform/records/server.h"
+
+namespace kuv::vemora {
+
+/// The servers of the site. Every operation may throw what the persistence library throws.
+class VEMORA_API Server_Repository {
+ public:
+  virtual ~Server_Repository() = default;
+
+  /// The server of that id as the database holds it now; null when there is none.
+  virtual std::shared_ptr<server> get_by_id(std::uint64_t id) = 0;
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+
+#include "vemora/platform/export.h"
+#include "vemora/platform/records/trigger.h"
+
+namespace kuv::vemora {
+
+/// The stored triggers. A bool answer is true when the record is stored and false when the
+/// database refused it; every operation may also throw what the persistence library throws.
+class VEMORA_API Trigger_Repository {
+ public:
+  virtual ~Trigger_Repository() = default;
+
+  /// The trigger of that id; null when there is none.
+  virtual std::shared_ptr<trigger> find_by_id(std::uint64_t id) = 0;
+
+  /// Stores a new trigger under the id it carries. Refused when that id is taken.
+  virtual bool add(const std::shared_ptr<trigger>& added) = 0;
+
+  /// Stores name, schedules and sources of a changed trigger. Refused when it is not stored.
+  virtual bool update(const std::shared_ptr<trigger>& changed) = 0;
+
+  /// Deletes every trigger whose id is not in `kept`, and their links to other records with them.
+  virtual void delete_all_except(const std::set<std::uint64_t>& kept) = 0;
+
+  /// Deletes every trigger, and their links to other records with them.
+  virtual void delete_all() = 0;
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <tuple>
+
+#include "vemora/platform/tags/tag_info.h"
+
+namespace kuv::vemora {
+
+/// One tag of a record that keeps its tags as a set.
+struct Tag_Entry {
+  std::string name;
+  Tag_Info info;
+};
+
+inline bool operator<(const Tag_Entry& left, const Tag_Entry& right) {
+  return std::tie(left.name, left.info) < std::tie(right.name, right.info);
+}
+
+inline bool operator==(const Tag_Entry& left, const Tag_Entry& right) {
+  return left.name == right.name && left.info == right.info;
+}
+
+}  // namespace kuv::vemora

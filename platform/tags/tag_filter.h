@@ -1,0 +1,18 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+
+#include "vemora/platform/export.h"
+#include "vemora/platform/tags/tag_info.h"
+#include "vemora/platform/tags/tag_search_term.h"
+
+namespace kuv::vemora::Tag_Filter {
+
+/// Whether `tags` satisfy at least one of `terms`. An empty filter asks for nothing, so it refuses
+/// nothing: with no terms the answer is true.
+VEMORA_API bool matches_any(const std::map<std::string, Tag_Info>& tags,
+                            const std::set<ODB_Utils::Tag_Search_Term>& terms);
+
+}  // namespace kuv::vemora::Tag_Filter

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace kuv::vemora {
+
+/// What a record says under one tag name: nothing more than the name, or a text.
+struct Tag_Info {
+  std::optional<std::string> value;
+};
+
+inline bool operator==(const Tag_Info& left, const Tag_Info& right) { return left.value == right.value; }
+inline bool operator<(const Tag_Info& left, const Tag_Info& right) { return left.value < right.value; }
+
+/// The tags of a record, by name.
+using Tag_Map = std::map<std::string, Tag_Info>;
+
+}  // namespace kuv::vemora

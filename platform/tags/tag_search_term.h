@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <tuple>
+
+namespace kuv::vemora::ODB_Utils {
+
+/// One term of a tag filter: satisfied by a record that has the tag, and, where a value is given,
+/// has it with that value, byte for byte.
+struct Tag_Search_Term {
+  std::string name;
+  std::optional<std::string> value;
+};
+
+inline bool operator<(const Tag_Search_Term& left, const Tag_Search_Term& right) {
+  return std::tie(left.name, left.value) < std::tie(right.name, right.value);
+}
+
+inline bool operator==(const Tag_Search_Term& left, const Tag_Search_Term& right) {
+  return left.name == right.name && left.value == right.value;
+}
+
+}  // namespace kuv::vemora::ODB_Utils

@@ -1,0 +1,25 @@
+#include "vemora/trigger_manager/vemora_trigger_manager.h"
+
+namespace kuv::vemora {
+
+/// Whatever was not applied goes: triggers that left the configuration, that are inactive here, and
+/// that failed on the way, so that no half-processed trigger fires.
+void Vemora_Trigger_Manager::cleanup_stale_records_() {
+  if (state_.applied_triggers.empty()) {
+    repository_->triggers().delete_all();
+  } else {
+    repository_->triggers().delete_all_except(applied_trigger_ids_());
+  }
+  repository_->metadata_event_subscriptions().delete_stale();
+  repository_->eta_cameras().delete_stale();
+}
+
+std::set<std::uint64_t> Vemora_Trigger_Manager::applied_trigger_ids_() const {
+  std::set<std::uint64_t> ids;
+  for (const auto& applied : state_.applied_triggers) {
+    ids.insert(ids.end(), applied.first);
+  }
+  return ids;
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,84 @@
+#include <boost/property_tree/ptree.hpp>
+
+#include "vemora/trigger_manager/vemora_trigger_manager.h"
+
+namespace kuv::vemora {
+namespace {
+
+using Tree = Capability_Document::Tree;
+using kuv::logging::severity_level;
+
+/// The topics that the camera's topic filter supports, as child keys; empty where it says nothing.
+const Tree& supported_topics(const camera& camera_record) {
+  static const Tree none;
+  const auto found = camera_record.capabilities.tree().get_child_optional(
+      Tree::path_type("Metadata.Mode.capabilities.On.TopicFilter.capabilities", '.'));
+  return found ? *found : none;
+}
+
+/// Topics hold dots and slashes; each is one key, whole, and never a path.
+bool supports(const Tree& topics, const std::string& topic) {
+  return topics.find(topic) != topics.not_found();
+}
+
+std::shared_ptr<metadata_event_subscription> make_subscription(
+    const std::shared_ptr<trigger>& record, const std::string& topic,
+    const std::shared_ptr<camera>& camera_record) {
+  auto subscription = std::make_shared<metadata_event_subscription>();
+  subscription->name = topic;
+  subscription->onvif_topic = topic;
+  subscription->camera = camera_record;
+  subscription->add_trigger(record);
+  return subscription;
+}
+
+}  // namespace
+
+void Vemora_Trigger_Manager::create_onvif_metadata_source_subscriptions_if_necessary_(
+    const Trigger_Details& details, const Camera_List& cameras) {
+  const std::vector<std::string> topics = details.config.all_source_topics();
+  for (const auto& [topic, lacking] : get_cameras_that_need_subscriptions_(topics, cameras)) {
+    for (const std::shared_ptr<camera>& camera_record : lacking) {
+      create_subscription_if_supported_(details.trigger, topic, camera_record);
+    }
+  }
+}
+
+std::map<std::string, Vemora_Trigger_Manager::Camera_List>
+Vemora_Trigger_Manager::get_cameras_that_need_subscriptions_(const std::vector<std::string>& topics,
+                                                             const Camera_List& cameras) {
+  std::map<std::string, Camera_List> cameras_by_topic;
+  for (const std::string& topic : topics) {
+    Camera_List lacking = repository_->cameras().get_cameras_needing_subscription(topic, cameras);
+    if (!lacking.empty()) {
+      cameras_by_topic.try_emplace(topic, std::move(lacking));
+    }
+  }
+  return cameras_by_topic;
+}
+
+void Vemora_Trigger_Manager::create_subscription_if_supported_(
+    const std::shared_ptr<trigger>& record, const std::string& topic,
+    const std::shared_ptr<camera>& camera_record) {
+  const Tree& topics = supported_topics(*camera_record);
+  if (topics.empty()) {
+    logger_.log(severity_level::debug,
+                "Trigger {} | Skipping subscription creation for tagged camera {}: no metadata "
+                "capabilities to support onvif-metadata source.",
+                record->id, camera_record->id);
+    return;
+  }
+  if (!supports(topics, topic)) {
+    return;
+  }
+  logger_.log(severity_level::info, "Trigger {} | Creating subscription for camera {} with ONVIF topic {}",
+              record->id, camera_record->id, topic);
+  const auto subscription = make_subscription(record, topic, camera_record);
+  if (repository_->metadata_event_subscriptions().add(subscription)) {
+    cameras_to_reconcile_.insert(camera_record->id);
+  } else {
+    record_persistence_failure_("Failed to create subscription for trigger", *record, *subscription);
+  }
+}
+
+}  // namespace kuv::vemora

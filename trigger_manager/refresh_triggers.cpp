@@ -1,0 +1,37 @@
+#include <fmt/format.h>
+
+#include <boost/thread/lock_types.hpp>
+#include <exception>
+#include <utility>
+
+#include "vemora/trigger_manager/vemora_trigger_manager.h"
+
+namespace kuv::vemora {
+
+using Directive_Config_Processing::Error;
+using kuv::logging::severity_level;
+
+bool Vemora_Trigger_Manager::refresh_triggers() { return refresh_triggers_().success; }
+
+bool Vemora_Trigger_Manager::refresh_triggers(Trigger_Config_State& state) {
+  Refresh_Result result = refresh_triggers_();
+  state = std::move(result.state);
+  return result.success;
+}
+
+Vemora_Trigger_Manager::Refresh_Result Vemora_Trigger_Manager::refresh_triggers_() {
+  const boost::unique_lock<boost::shared_mutex> lock(mutex_);
+  Refresh_Result result;
+  try {
+    logger_.log(severity_level::info, "Refreshing the trigger config.");
+    result = {true, process_triggers_(config_, trigger_mapping_)};
+  } catch (const std::exception& error) {
+    std::string text =
+        fmt::format("Encountered error refreshing the trigger config: {}", error.what());
+    logger_.log(severity_level::error, "{}", text);
+    result.state.add_error(Error::Category::failed_processing, std::move(text));
+  }
+  return result;
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,56 @@
+#include "vemora/trigger_manager/vemora_trigger_manager.h"
+
+namespace kuv::vemora {
+namespace {
+
+std::set<Object_Search_Item> search_items(const trigger& record) {
+  std::set<Object_Search_Item> items;
+  for (const Trigger_Source& source : record.sources) {
+    if (source.type == Trigger_Source_Type::object_detection && source.search_item) {
+      items.insert(*source.search_item);
+    }
+  }
+  return items;
+}
+
+}  // namespace
+
+/// Reads back what the database holds, rather than what the documents asked for: that is what
+/// events will be matched against.
+void Vemora_Trigger_Manager::sync_notification_pusher_() {
+  collect_subscriptions_();
+  collect_search_items_();
+  notification_pusher_->apply_trigger_state(state_);
+}
+
+void Vemora_Trigger_Manager::collect_subscriptions_() {
+  const std::set<std::uint64_t> nobody;  // with no live triggers every subscription is asked for
+  for (const auto& subscription : repository_->metadata_event_subscriptions().get_stale(nobody)) {
+    if (!subscription->camera) {
+      for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
+        state_.subscriptions_by_trigger[trigger_id].insert(subscription->id);
+      }
+      continue;
+    }
+    const std::uint64_t camera_id = subscription->camera_id();
+    // A camera without a topic is a corrupt record. It ends the pass: a pusher that is told less
+    // than the truth would drop notifications without anybody noticing.
+    const std::string& topic = subscription->onvif_topic.value();
+    for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
+      state_.onvif_topics_by_trigger[trigger_id][camera_id].insert(topic);
+    }
+  }
+}
+
+void Vemora_Trigger_Manager::collect_search_items_() {
+  for (const std::shared_ptr<eta_camera>& map : repository_->eta_cameras().get_all()) {
+    const std::uint64_t camera_id = map->camera_id();
+    for (const std::shared_ptr<trigger>& record : map->triggers) {
+      // Assigned, not merged: should a camera ever have two maps, the later one is the newer truth.
+      state_.search_items_by_trigger[record->id][camera_id] =
+          expand_search_items_(search_items(*record));
+    }
+  }
+}
+
+}  // namespace kuv::vemora

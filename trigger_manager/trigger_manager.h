@@ -1,0 +1,51 @@
+#pragma once
+
+#include <json/value.h>
+
+#include "vemora/platform/directive_config_processing.h"
+#include "vemora/platform/export.h"
+#include "vemora/trigger_parser/trigger_config_state.h"
+
+namespace kuv::vemora {
+
+/// The way a video-management server drives its triggers. The order of the operations is part of
+/// the ABI.
+///
+/// Two documents say what there is to do: the trigger configuration ("triggers", "properties") and
+/// the trigger mapping ("triggerMapping"). An update hands over a new one, a refresh repeats the work
+/// on those at hand, for a site that changed. Each of them runs one pass: both documents are validated,
+/// the records of the triggers and of what they listen to are brought in line, what nobody needs is
+/// deleted, the streams of the cameras concerned are reconciled, and the notification pusher is told.
+///
+/// Every operation may be called from any thread. Passes never overlap; readers run together and
+/// wait for a running pass. What the manager calls (repository, capture manager, pusher, resolver) it
+/// calls on the caller's thread and under its lock: none of them may call back.
+class VEMORA_API Trigger_Manager {
+ public:
+  virtual ~Trigger_Manager() = default;
+
+  /// Runs a pass with a new configuration and stores it. Answers failure with one error, and keeps
+  /// the old configuration, when the document is rejected (category rejected_document; nothing was
+  /// applied) or the pass fails (category failed_processing; what it had written stays). Triggers
+  /// that fail by themselves are reported in a successful result. Throws only what is no
+  /// std::exception.
+  virtual Directive_Config_Processing::Result update_config(const Json::Value& config) = 0;
+
+  /// Runs a pass on the stored documents, which stay as they are. False when it failed.
+  virtual bool refresh_triggers() = 0;
+
+  /// The same, and replaces all of `state` by the outcome: of a failed pass, one error.
+  virtual bool refresh_triggers(Trigger_Config_State& state) = 0;
+
+  /// A copy of the configuration last accepted.
+  virtual Json::Value get_config() = 0;
+
+  /// Runs a pass with a new trigger mapping, stores it and answers the outcome. Unlike update_config
+  /// it throws what the pass throws, a rejected document included, and then keeps the old mapping.
+  virtual Trigger_Config_State update_trigger_mapping(const Json::Value& mapping) = 0;
+
+  /// A copy of the trigger mapping last accepted.
+  virtual Json::Value get_trigger_mapping() = 0;
+};
+
+}  // namespace kuv::vemora

@@ -1,0 +1,41 @@
+#include <fmt/format.h>
+
+#include <boost/thread/lock_types.hpp>
+#include <exception>
+#include <utility>
+
+#include "vemora/trigger_manager/vemora_trigger_manager.h"
+
+namespace kuv::vemora {
+namespace {
+
+using Directive_Config_Processing::Error;
+using Directive_Config_Processing::Result;
+
+Result failure(kuv::logging::Source& logger, Error::Category category, std::string text) {
+  logger.log(kuv::logging::severity_level::error, "{}", text);
+  return {false, {{category, std::move(text)}}};
+}
+
+}  // namespace
+
+Result Vemora_Trigger_Manager::update_config(const Json::Value& config) {
+  const boost::unique_lock<boost::shared_mutex> lock(mutex_);
+  Parsed_Config parsed;
+  try {
+    parsed = parse_triggers_(config, trigger_mapping_);
+  } catch (const std::exception& error) {
+    return failure(logger_, Error::Category::rejected_document,
+                   fmt::format("Failed to parse trigger config: {}", error.what()));
+  }
+  try {
+    Trigger_Config_State state = apply_triggers_(std::move(parsed));
+    config_ = config;
+    return {true, std::move(state.errors)};
+  } catch (const std::exception& error) {
+    return failure(logger_, Error::Category::failed_processing,
+                   fmt::format("Failed to update trigger config: {}", error.what()));
+  }
+}
+
+}  // namespace kuv::vemora

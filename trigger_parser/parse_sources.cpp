@@ -1,0 +1,94 @@
+#include "trigger_parser/parse_sources.h"
+
+#include <locale>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "trigger_parser/parse_activity_duration.h"
+#include "trigger_parser/validation.h"
+#include "vemora/platform/database_enums.h"
+
+namespace kuv::vemora {
+namespace {
+
+std::string to_lower(std::string text) {
+  const std::locale locale;
+  for (char& character : text) {
+    character = std::tolower(character, locale);
+  }
+  return text;
+}
+
+/// A type that this server does not know is no fault: configurations are shared with newer servers,
+/// and the source is theirs.
+std::optional<Trigger_Source_Type> parse_type(const Json::Value& type) {
+  require(type.isString(), "\"type\" field is missing or invalid for source.");
+  const std::string name = to_lower(type.asString());
+  try {
+    return Database_Enums::convert<Trigger_Source_Type>(name);
+  } catch (...) {
+    return std::nullopt;
+  }
+}
+
+std::string parse_onvif_topic(const Json::Value& topic) {
+  require(topic.isString(),
+          "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.");
+  std::string text = topic.asString();
+  require(!text.empty(), "An onvif-metadata source has an \"onvifTopic\" field with an empty string.");
+  return text;
+}
+
+Object_Search_Item parse_search_item(const Json::Value& item) {
+  // The quote at the end belongs to the message: operators' tools look for this very text.
+  require(item.isObject(), "\"searchItem\" object is missing or invalid.\"");
+  const Json::Value& type = item["type"];
+  require(type.isString(), "An object-detection source has a missing or invalid object type.");
+  Object_Search_Item parsed;
+  parsed.object_type = type.asString();
+  require(!parsed.object_type.empty(),
+          "An object-detection source has an empty object type specified.");
+  const Json::Value motion_required = item.get("motionRequired", false);
+  require(motion_required.isBool(),
+          "An object-detection source has an invalid \"motionRequired\" field.");
+  parsed.motion_required = motion_required.asBool();
+  return parsed;
+}
+
+/// One source; nothing when it is dropped.
+std::optional<Trigger_Source> parse_source(const Json::Value& source) {
+  require(source.isObject(), "\"sources\" must be an array of JSON objects.");
+  const std::optional<Trigger_Source_Type> type = parse_type(source["type"]);
+  if (!type || *type == Trigger_Source_Type::external) {
+    return std::nullopt;  // external sources fire by themselves, there is nothing to subscribe to
+  }
+  Trigger_Source parsed;
+  parsed.type = *type;
+  if (*type == Trigger_Source_Type::onvif_metadata) {
+    parsed.onvif_topic = parse_onvif_topic(source["onvifTopic"]);
+  } else if (*type == Trigger_Source_Type::object_detection) {
+    parsed.search_item = parse_search_item(source["searchItem"]);
+    parsed.activity_duration = parse_activity_duration(source["activityDuration"], *type);
+  } else if (*type == Trigger_Source_Type::motion_detection) {
+    parsed.activity_duration = parse_activity_duration(source["activityDuration"], *type);
+  }
+  return parsed;
+}
+
+}  // namespace
+
+std::set<Trigger_Source> parse_sources(const Json::Value& sources) {
+  require(sources.isArray(), "\"sources\" array is missing or invalid.");
+  require(!sources.empty(), "\"sources\" array is empty.");
+  std::set<Trigger_Source> parsed;
+  for (const Json::Value& element : sources) {
+    std::optional<Trigger_Source> source = parse_source(element);
+    if (source) {
+      require(parsed.insert(std::move(*source)).second, "Duplicate entry in \"sources\" detected.");
+    }
+  }
+  return parsed;
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,85 @@
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <unordered_set>
+#include <utility>
+
+#include "trigger_parser/parse_sources.h"
+#include "trigger_parser/validation.h"
+#include "vemora/platform/tags/tag_filter.h"
+#include "vemora/platform/tags/tags_json_converter.h"
+#include "vemora/trigger_parser/vemora_trigger_parser.h"
+
+namespace kuv::vemora {
+namespace {
+
+std::set<ODB_Utils::Tag_Search_Term> parse_tag_filter(const Json::Value& filter) {
+  return filter.isNull() ? std::set<ODB_Utils::Tag_Search_Term>()
+                         : Vemora_Tags_JSON_Converter::parse_search_tags(filter);
+}
+
+Trigger_Config::Tags parse_tags(const Json::Value& tags) {
+  require(tags.isObject(), "\"tags\" must be a JSON object.");
+  Trigger_Config::Tags parsed;
+  parsed.server = parse_tag_filter(tags["server"]);
+  parsed.camera = parse_tag_filter(tags["camera"]);
+  parsed.event_subscription = parse_tag_filter(tags["eventSubscription"]);
+  return parsed;
+}
+
+bool parse_any_time(const Json::Value& any_time) {
+  require(any_time.isNull() || any_time.isBool(), "\"anyTime\" field is invalid.");
+  return any_time.isBool() && any_time.asBool();
+}
+
+}  // namespace
+
+std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs(
+    const Json::Value& document, const Trigger_Mapping& mapping) {
+  require(document.isObject(), "Trigger configuration must be a JSON object.");
+  const Json::Value& triggers = document["triggers"];
+  require(triggers.isArray(), "Missing \"triggers\" array.");
+  const std::map<std::string, Tag_Info> server_tags = get_latest_server_tags_();
+
+  std::vector<Trigger_Config> configs;
+  configs.reserve(triggers.size());
+  std::unordered_set<std::uint64_t> kept_ids;
+  kept_ids.reserve(triggers.size());
+  for (const Json::Value& trigger : triggers) {
+    require(trigger.isObject(), "\"triggers\" must be an array of JSON objects.");
+    std::optional<Trigger_Config> config = parse_trigger_config_(trigger, mapping);
+    if (!config) {
+      continue;
+    }
+    if (!kept_ids.insert(config->id).second) {
+      raise_validation_error(
+          fmt::format("All \"id\" values must be unique, {} is duplicated.", config->id));
+    }
+    config->matches_server = Tag_Filter::matches_any(server_tags, config->tags.server);
+    configs.push_back(std::move(*config));
+  }
+  return configs;
+}
+
+std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
+    const Json::Value& trigger, const Trigger_Mapping& mapping) {
+  Trigger_Config config;
+  const Json::Value& id = trigger["id"];
+  require(id.isUInt64(), "\"id\" field is missing or invalid.");
+  config.id = id.asUInt64();
+  const Json::Value& name = trigger["name"];
+  require(name.isString(), "\"name\" field is missing or invalid.");
+  config.name = name.asString();
+  config.tags = parse_tags(trigger["tags"]);
+  config.sources = parse_sources(trigger["sources"]);
+  config.options.any_time = parse_any_time(trigger["anyTime"]);
+  if (config.sources.empty()) {
+    // Every source was for somebody else, or of a kind that only newer servers know: there is
+    // nothing here to be wrong about, and the trigger may run elsewhere.
+    return std::nullopt;
+  }
+  set_trigger_mapping_in_config_(config, trigger, mapping);
+  return config;
+}
+
+}  // namespace kuv::vemora
