@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace kuv::vemora::embedded_server {
+
+/// What a pass writes, net: what comes and goes within one pass is not in it.
+struct Changes {
+  /// A trigger served by a record, or no longer.
+  struct Link {
+    std::uint64_t record_id = 0;
+    std::uint64_t trigger_id = 0;
+  };
+
+  template <class Item>
+  struct Of {
+    std::vector<Item> added;
+    std::vector<Item> updated;  ///< of triggers alone: everything else comes and goes whole
+    std::vector<Item> deleted;
+  };
+
+  // Every list ascending.
+  Of<std::uint64_t> triggers;
+  Of<std::uint64_t> subscriptions;
+  Of<Link> subscription_links;
+  Of<std::uint64_t> eta_cameras;
+  Of<Link> eta_camera_links;
+};
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/platform/export.h"
+#include "vemora/platform/repositories/repository.h"
+
+namespace kuv::vemora::embedded_server {
+
+class Engine;
+
+/// The database of one site. Shared by everything that works on it; may be used from any thread.
+class VEMORA_API Database {
+ public:
+  enum class Open_Mode {
+    existing,          ///< must be a database of ours; a fault otherwise
+    create_if_absent,  ///< makes an empty one where there is none
+  };
+
+  /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH".
+  /// `lock_wait` bounds every wait for another process. Throws Database_Error.
+  static std::shared_ptr<Database> open(
+      const std::string& location, Open_Mode mode = Open_Mode::existing,
+      std::chrono::milliseconds lock_wait = std::chrono::seconds(30));
+
+  explicit Database(std::unique_ptr<Engine> engine);
+  ~Database();
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  /// The server that the database belongs to; nothing before the first pass that stored something.
+  std::optional<std::uint64_t> owner();
+
+  /// Throws Database_Error when the database belongs to another server.
+  void require_owner(std::uint64_t server_id);
+
+  /// What differs between the database engines. For the persistence library itself.
+  Engine& engine() { return *engine_; }
+
+ private:
+  std::unique_ptr<Engine> engine_;
+};
+
+/// The repositories over a database. Each operation joins the pass that is open on its thread (see
+/// Pass_Scope), or runs in a transaction of its own. Faults are thrown as Database_Error.
+VEMORA_API std::shared_ptr<Repository> make_repository(std::shared_ptr<Database> database);
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "vemora/embedded_server/persistent/changes.h"
+#include "vemora/embedded_server/persistent/database.h"
+#include "vemora/platform/export.h"
+
+namespace kuv::vemora::embedded_server {
+
+class Pass;
+
+/// The accepted documents, as they were written; nothing before the first one was accepted.
+struct Documents {
+  std::optional<std::string> config;
+  std::optional<std::string> mapping;
+};
+
+/// One pass over a database: as long as the object lives, every repository call of its thread works
+/// in its one transaction, and no other process begins a pass.
+///
+/// The pass is committed by its last write, the clean-up of the detection records, before anything
+/// outside is told; what is read after that is read from the same state. A fault sticks: once the
+/// database failed, each later repository call throws the same fault, so that nothing is cleaned up
+/// on the ground of records that could not be read.
+///
+///     Pass_Scope pass(database, server_id);
+///     Vemora_Trigger_Manager manager(pass.documents() ...);
+///     const auto result = manager.update_config(config);
+///     pass.end();
+///     if (result.success) { pass.store(...); }
+///
+/// To be used on one thread, and one at a time on it.
+class VEMORA_API Pass_Scope {
+ public:
+  enum class Mode {
+    commit,
+    roll_back,  ///< nothing is ever written; changes() says what would have been
+  };
+
+  /// Waits for other processes' passes, for as long as the database was opened with, and begins.
+  /// Throws Database_Error when the wait ends in vain, and when the database belongs to another
+  /// server than `server_id`.
+  Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_id, Mode mode = Mode::commit);
+
+  /// Rolls back what is not committed and lets other processes go on.
+  ~Pass_Scope();
+  Pass_Scope(const Pass_Scope&) = delete;
+  Pass_Scope& operator=(const Pass_Scope&) = delete;
+
+  /// The accepted documents as they were when the pass began.
+  const Documents& documents() const;
+
+  /// To be called when the trigger manager is done. A pass that failed before its last write is
+  /// committed as far as it came; throws Database_Error, saying that nothing of it was kept, when the
+  /// database lost it.
+  void end();
+
+  /// What the pass wrote; complete once it is committed or ended.
+  const Changes& changes() const;
+
+  /// The cameras whose subscriptions changed, in this pass or in one that was cut short, and whose
+  /// streams have not been reconciled since. After end().
+  std::set<std::uint64_t> pending_cameras();
+
+  /// Stores documents, where given, and strikes out cameras that were reconciled, in one transaction
+  /// of its own. After end().
+  void store(const Documents& accepted, const std::set<std::uint64_t>& reconciled);
+
+ private:
+  std::unique_ptr<Pass> pass_;
+};
+
+}  // namespace kuv::vemora::embedded_server

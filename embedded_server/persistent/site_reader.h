@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/pass_scope.h"
+#include "vemora/platform/export.h"
+#include "vemora/platform/records/camera.h"
+#include "vemora/platform/records/eta_camera.h"
+#include "vemora/platform/records/metadata_event_subscription.h"
+#include "vemora/platform/records/trigger.h"
+
+namespace kuv::vemora::embedded_server {
+
+// Everything that is stored, for whoever shows it. Lists ascend by id; each call reads one consistent
+// state and throws Database_Error.
+
+VEMORA_API std::vector<std::shared_ptr<trigger>> read_triggers(std::shared_ptr<Database> database);
+VEMORA_API std::vector<std::shared_ptr<metadata_event_subscription>> read_subscriptions(
+    std::shared_ptr<Database> database);
+VEMORA_API std::vector<std::shared_ptr<eta_camera>> read_eta_cameras(std::shared_ptr<Database> database);
+VEMORA_API std::vector<std::shared_ptr<camera>> read_cameras(std::shared_ptr<Database> database);
+VEMORA_API Documents read_documents(Database& database);
+
+}  // namespace kuv::vemora::embedded_server
