@@ -15,7 +15,7 @@ namespace kuv::vemora::embedded_server {
 class Engine;
 
 /// The database of one site. Shared by everything that works on it; may be used from any thread.
-class VEMORA_API Database {
+class VEMORA_API Database : public std::enable_shared_from_this<Database> {
  public:
   enum class Open_Mode {
     existing,          ///< must be a database of ours; a fault otherwise

@@ -12,8 +12,6 @@
 
 namespace kuv::vemora::embedded_server {
 
-class Pass;
-
 /// The accepted documents, as they were written; nothing before the first one was accepted.
 struct Documents {
   std::optional<std::string> config;
@@ -40,6 +38,7 @@ class VEMORA_API Pass_Scope {
   enum class Mode {
     commit,
     roll_back,  ///< nothing is ever written; changes() says what would have been
+    read_only,  ///< for readers that want one consistent state: waits for nobody, stores nothing
   };
 
   /// Waits for other processes' passes, for as long as the database was opened with, and begins.
@@ -60,6 +59,9 @@ class VEMORA_API Pass_Scope {
   /// database lost it.
   void end();
 
+  /// The fault that sticks; nothing as long as the database did what it was asked.
+  const std::optional<std::string>& fault() const;
+
   /// What the pass wrote; complete once it is committed or ended.
   const Changes& changes() const;
 
@@ -72,7 +74,8 @@ class VEMORA_API Pass_Scope {
   void store(const Documents& accepted, const std::set<std::uint64_t>& reconciled);
 
  private:
-  std::unique_ptr<Pass> pass_;
+  class State;
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -13,14 +13,18 @@
 
 namespace kuv::vemora::embedded_server {
 
-// Everything that is stored, for whoever shows it. Lists ascend by id; each call reads one consistent
-// state and throws Database_Error.
+// Everything that is stored, for whoever shows it. Lists ascend by id, links are loaded unless what
+// they lead to is gone. Each call joins the pass that is open on its thread, or reads one consistent
+// state of its own, and throws Database_Error.
 
-VEMORA_API std::vector<std::shared_ptr<trigger>> read_triggers(std::shared_ptr<Database> database);
+VEMORA_API std::vector<std::shared_ptr<trigger>> read_triggers(
+    const std::shared_ptr<Database>& database);
 VEMORA_API std::vector<std::shared_ptr<metadata_event_subscription>> read_subscriptions(
     std::shared_ptr<Database> database);
-VEMORA_API std::vector<std::shared_ptr<eta_camera>> read_eta_cameras(std::shared_ptr<Database> database);
-VEMORA_API std::vector<std::shared_ptr<camera>> read_cameras(std::shared_ptr<Database> database);
-VEMORA_API Documents read_documents(Database& database);
+VEMORA_API std::vector<std::shared_ptr<eta_camera>> read_eta_cameras(
+    const std::shared_ptr<Database>& database);
+VEMORA_API std::vector<std::shared_ptr<camera>> read_cameras(
+    const std::shared_ptr<Database>& database);
+VEMORA_API Documents read_documents(const std::shared_ptr<Database>& database);
 
 }  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,61 @@
+#include "vemora/embedded_server/persistent/database.h"
+
+#include <fmt/format.h>
+
+#include "embedded_server/persistent/engine/open_engine.h"
+#include "embedded_server/persistent/pass/documents.h"
+#include "embedded_server/persistent/pass/join_pass.h"
+#include "rows-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+void require_schema(Engine& engine, Database::Open_Mode mode) {
+  const std::optional<std::int32_t> version = engine.schema_version();
+  if (version > current_schema_version) {
+    throw Database_Error(fmt::format(
+        "it was made by a newer version of this program (schema {}, known up to {})", *version,
+        current_schema_version));
+  }
+  if (!version && mode == Database::Open_Mode::existing) {
+    throw Database_Error("it holds no site; \"init\" makes one");
+  }
+  if (version != current_schema_version) {
+    const auto lock = engine.lock_passes();
+    engine.migrate();
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<Database> Database::open(const std::string& location, Open_Mode mode,
+                                         std::chrono::milliseconds lock_wait) {
+  std::unique_ptr<Engine> engine = open_engine(location, mode, lock_wait);
+  try {
+    require_schema(*engine, mode);
+  } catch (const std::exception& fault) {
+    throw Database_Error(
+        fmt::format("database {}: {}", engine->location(), engine->describe(fault)));
+  }
+  return std::make_shared<Database>(std::move(engine));
+}
+
+Database::Database(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) {}
+
+Database::~Database() = default;
+
+std::optional<std::uint64_t> Database::owner() {
+  Pass pass(shared_from_this(), Pass::Purpose::single_read);
+  return pass.run([&pass](Site_Index&) {
+    rows::Site site;
+    pass.odb().load(1, site);
+    return site.server_id;
+  });
+}
+
+void Database::require_owner(std::uint64_t server_id) {
+  Pass pass(shared_from_this(), Pass::Purpose::single_read);
+  pass.run([&](Site_Index&) { embedded_server::require_owner(pass.odb(), server_id); });
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "vemora/platform/odb_runtime.h"
+
+#include <odb/database.hxx>
+
+namespace kuv::vemora::embedded_server {
+
+/// What differs between the database engines; the rest of the library asks no engine its name.
+/// Everything throws Database_Error, or what ODB throws.
+class Engine {
+ public:
+  /// Held by the one process that runs a pass or changes the inventory.
+  class Pass_Lock {
+   public:
+    virtual ~Pass_Lock() = default;
+  };
+
+  virtual ~Engine() = default;
+
+  virtual odb::database& odb() = 0;
+
+  /// How people call this database.
+  virtual const std::string& location() const = 0;
+
+  /// Waits until no other process holds the lock; throws Database_Error when that takes too long.
+  virtual std::unique_ptr<Pass_Lock> lock_passes() = 0;
+
+  /// Brings the schema up to the version that this library works with, making it where it is absent.
+  virtual void migrate() = 0;
+
+  /// The version of the schema; nothing where the database is empty. Throws when it is not ours.
+  virtual std::optional<std::int32_t> schema_version() = 0;
+
+  /// Whether a text column takes this text.
+  virtual bool can_hold(std::string_view text) = 0;
+
+  /// Whether the transaction that is current on this thread can still be committed.
+  virtual bool holds_transaction() = 0;
+
+  /// What a fault of ODB means, for people.
+  virtual std::string describe(const std::exception& fault) = 0;
+};
+
+/// The version of the schema that this library reads and writes.
+inline constexpr std::int32_t current_schema_version = 1;
+
+}  // namespace kuv::vemora::embedded_server

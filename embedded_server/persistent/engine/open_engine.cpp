@@ -1,0 +1,34 @@
+#include "embedded_server/persistent/engine/open_engine.h"
+
+#include <fmt/format.h>
+
+#include <odb/exception.hxx>
+#include <string_view>
+
+#include "embedded_server/persistent/engine/sqlite_engine.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+constexpr std::string_view sqlite_prefix = "sqlite:";
+
+}  // namespace
+
+std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_Mode mode,
+                                    std::chrono::milliseconds lock_wait) {
+  const bool prefixed = location.compare(0, sqlite_prefix.size(), sqlite_prefix) == 0;
+  const std::string path = prefixed ? location.substr(sqlite_prefix.size()) : location;
+  if (path.empty()) {
+    throw Database_Error("no database named");
+  }
+  if (!prefixed && path.find("://") != std::string::npos) {
+    throw Database_Error(fmt::format("no engine for databases such as {}", path));
+  }
+  try {
+    return std::make_unique<SQLite_Engine>(path, mode, lock_wait);
+  } catch (const odb::exception& fault) {
+    throw Database_Error(fmt::format("database {}: {}", path, fault.what()));
+  }
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,131 @@
+#include "embedded_server/persistent/engine/sqlite_engine.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <array>
+#include <filesystem>
+#include <limits>
+#include <odb/sqlite/database.hxx>
+#include <odb/sqlite/exceptions.hxx>
+#include <odb/sqlite/transaction.hxx>
+
+#include "embedded_server/persistent/engine/file_lock.h"
+#include "embedded_server/persistent/engine/sqlite_connections.h"
+#include "sqlite_schema.h"
+#include "vemora/embedded_server/persistent/database_error.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+constexpr std::int64_t application_id = 0x564D5247;  // marks the file as ours, for file(1) and us
+
+/// SQLite takes some names for other things than files (":memory:").
+std::string as_file_name(const std::string& path) {
+  return std::filesystem::path(path).is_absolute() ? path : "./" + path;
+}
+
+void require_file(const std::string& path, Database::Open_Mode mode) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  if (std::filesystem::is_directory(status)) {
+    throw Database_Error(fmt::format("{} is a directory, not a database", path));
+  }
+  if (mode == Database::Open_Mode::existing && !std::filesystem::exists(status)) {
+    throw Database_Error(fmt::format("there is no database {}; \"init\" makes one", path));
+  }
+}
+
+std::int64_t query_number(sqlite3* handle, const char* sql) {
+  sqlite3_stmt* statement = nullptr;
+  const int prepared = sqlite3_prepare_v2(handle, sql, -1, &statement, nullptr);
+  const int stepped = prepared == SQLITE_OK ? sqlite3_step(statement) : prepared;
+  const std::int64_t number = stepped == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : 0;
+  sqlite3_finalize(statement);
+  if (stepped != SQLITE_ROW) {
+    throw Database_Error(sqlite3_errmsg(handle));
+  }
+  return number;
+}
+
+/// A script of several statements, which ODB does not take.
+void run_script(sqlite3* handle, const char* script) {
+  if (sqlite3_exec(handle, script, nullptr, nullptr, nullptr) != SQLITE_OK) {
+    throw Database_Error(sqlite3_errmsg(handle));
+  }
+}
+
+sqlite3* current_handle() { return odb::sqlite::transaction::current().connection().handle(); }
+
+}  // namespace
+
+SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
+                             std::chrono::milliseconds lock_wait)
+    : path_(path), lock_wait_(lock_wait) {
+  require_file(path, mode);
+  // Foreign keys are not declared, see the schema, and a cache of its own keeps a connection clear of
+  // the table locks that shared ones have.
+  const int create = mode == Database::Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
+  database_ = std::make_unique<odb::sqlite::database>(
+      as_file_name(path), SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | create, false, "",
+      odb::details::transfer_ptr<odb::sqlite::connection_factory>(
+          std::make_unique<SQLite_Connections>(lock_wait)));
+}
+
+SQLite_Engine::~SQLite_Engine() = default;
+
+odb::database& SQLite_Engine::odb() { return *database_; }
+
+std::unique_ptr<Engine::Pass_Lock> SQLite_Engine::lock_passes() {
+  return std::make_unique<File_Lock>(path_ + ".lock", lock_wait_);
+}
+
+std::optional<std::int32_t> SQLite_Engine::schema_version() {
+  const auto connection = database_->connection();
+  sqlite3* const handle = connection->handle();
+  if (query_number(handle, "SELECT count(*) FROM sqlite_master") == 0) {
+    return std::nullopt;
+  }
+  if (query_number(handle, "PRAGMA application_id") != application_id) {
+    throw Database_Error("it is a database of another program");
+  }
+  return static_cast<std::int32_t>(query_number(handle, "SELECT schema_version FROM site"));
+}
+
+void SQLite_Engine::migrate() {
+  const std::int32_t present = schema_version().value_or(0);
+  odb::transaction transaction(database_->begin_immediate());
+  for (std::size_t version = static_cast<std::size_t>(present); version < sqlite_schema.size();
+       ++version) {
+    run_script(current_handle(), sqlite_schema[version]);
+  }
+  if (present == 0) {
+    database_->execute(fmt::format("PRAGMA application_id={}", application_id));
+    database_->execute("INSERT INTO site (id, schema_version) VALUES (1, 0)");
+  }
+  database_->execute(fmt::format("UPDATE site SET schema_version={}", current_schema_version));
+  transaction.commit();
+}
+
+bool SQLite_Engine::can_hold(std::string_view text) {
+  const int limit = sqlite3_limit(current_handle(), SQLITE_LIMIT_LENGTH, -1);
+  return text.size() < static_cast<std::size_t>(limit);
+}
+
+bool SQLite_Engine::holds_transaction() {
+  return odb::transaction::has_current() && sqlite3_get_autocommit(current_handle()) == 0;
+}
+
+std::string SQLite_Engine::describe(const std::exception& fault) {
+  if (dynamic_cast<const odb::timeout*>(&fault) != nullptr) {
+    const bool outrun = odb::transaction::has_current() &&
+                        sqlite3_extended_errcode(current_handle()) == SQLITE_BUSY_SNAPSHOT;
+    return outrun ? "another program changed the database meanwhile"
+                  : fmt::format("another program keeps the database locked; gave up after {} ms",
+                                lock_wait_.count());
+  }
+  const auto* const refused = dynamic_cast<const odb::sqlite::database_exception*>(&fault);
+  return refused != nullptr ? refused->message() : fault.what();
+}
+
+}  // namespace kuv::vemora::embedded_server

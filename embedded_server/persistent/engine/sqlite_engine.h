@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/database.h"
+
+namespace odb::sqlite {
+class database;
+}
+
+namespace kuv::vemora::embedded_server {
+
+/// One file, no server. Processes queue up at a lock file beside it.
+class SQLite_Engine : public Engine {
+ public:
+  SQLite_Engine(const std::string& path, Database::Open_Mode mode,
+                std::chrono::milliseconds lock_wait);
+  ~SQLite_Engine() override;
+
+  odb::database& odb() override;
+  const std::string& location() const override { return path_; }
+  std::unique_ptr<Pass_Lock> lock_passes() override;
+  void migrate() override;
+  std::optional<std::int32_t> schema_version() override;
+  bool can_hold(std::string_view text) override;
+  bool holds_transaction() override;
+  std::string describe(const std::exception& fault) override;
+
+ private:
+  std::string path_;
+  std::chrono::milliseconds lock_wait_;
+  std::unique_ptr<odb::sqlite::database> database_;
+};
+
+}  // namespace kuv::vemora::embedded_server

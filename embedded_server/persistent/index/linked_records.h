@@ -1,0 +1,180 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "embedded_server/persistent/index/id_order.h"
+#include "embedded_server/persistent/index/link_journal.h"
+#include "embedded_server/persistent/index/record_links.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// One kind of record that holds triggers, as a pass sees it: by id, and by trigger held. There is one
+/// object a record; whoever asks for it gets that one.
+template <class Record>
+class Linked_Records {
+ public:
+  struct Entry {
+    std::shared_ptr<Record> record;
+    std::uint64_t mark = 0;  ///< see mark_holders
+  };
+
+  using Entry_List = std::vector<Entry*>;
+
+  std::map<std::uint64_t, Entry>& all() { return entries_; }
+
+  /// Null when there is none.
+  Entry* find(std::uint64_t id) {
+    const auto found = entries_.find(id);
+    return found == entries_.end() ? nullptr : &found->second;
+  }
+
+  /// A record that the database holds already; its links follow by load_link.
+  Entry& load(std::shared_ptr<Record> record) {
+    const std::uint64_t id = record->id;
+    return entries_.emplace_hint(entries_.end(), id, Entry{std::move(record)})->second;
+  }
+
+  /// A link that the database holds already.
+  void load_link(Entry& entry, const std::shared_ptr<trigger>& held) {
+    append_link(*entry.record, held);
+    holders_[held->id].entries.push_back(&entry);
+  }
+
+  /// A new record with all its links.
+  Entry& insert(const std::shared_ptr<Record>& added) {
+    Entry& entry = entries_[added->id];
+    entry.record = added;
+    for (const std::uint64_t trigger_id : held_ids(*added)) {
+      journal_.note_added(added->id, trigger_id);
+      holders_[trigger_id].entries.push_back(&entry);
+    }
+    added->link_changes = {};
+    return entry;
+  }
+
+  /// Takes over the links that were added to and removed from a record.
+  void update(Entry& entry, Record& changed, const std::vector<std::shared_ptr<trigger>>& added) {
+    const std::vector<std::uint64_t> removed = std::move(changed.link_changes.removed);
+    changed.link_changes = {};
+    const bool same_object = &changed == entry.record.get();
+    for (const std::shared_ptr<trigger>& record : added) {
+      if (same_object || entry.record->add_trigger(record)) {
+        journal_.note_added(changed.id, record->id);
+        holders_[record->id].entries.push_back(&entry);
+      }
+    }
+    for (const std::uint64_t trigger_id : removed) {
+      if (same_object || entry.record->remove_trigger(probe(trigger_id))) {
+        journal_.note_removed(changed.id, trigger_id);
+        holders_[trigger_id].untidy = true;
+      }
+    }
+    entry.record->link_changes = {};
+  }
+
+  /// Forgets changes that were refused: from now on a fresh record without them stands for it.
+  template <class Find_Trigger>
+  void restore(Entry& entry, Find_Trigger find_trigger) {
+    auto fresh = std::make_shared<Record>(*entry.record);
+    const Trigger_Link_Changes refused = std::move(fresh->link_changes);
+    for (const std::uint64_t trigger_id : refused.added) {
+      fresh->remove_trigger(probe(trigger_id));
+    }
+    for (const std::uint64_t trigger_id : refused.removed) {
+      fresh->add_trigger(find_trigger(trigger_id));
+    }
+    fresh->link_changes = {};
+    entry.record = std::move(fresh);
+  }
+
+  /// Takes triggers that are being deleted off every record.
+  void drop_triggers(const std::set<std::uint64_t>& dead) {
+    Entry_List affected;
+    for (const std::uint64_t trigger_id : dead) {
+      const Entry_List held = holders(trigger_id);
+      affected.insert(affected.end(), held.begin(), held.end());
+      holders_.erase(trigger_id);
+    }
+    sort_unique_by(affected, [](const Entry* entry) { return entry->record->id; });
+    for (Entry* const entry : affected) {
+      for (const std::uint64_t trigger_id : remove_links(*entry->record, dead)) {
+        journal_.note_removed(entry->record->id, trigger_id);
+      }
+    }
+  }
+
+  /// The record is gone, its links with it.
+  void erase(std::uint64_t id) {
+    for (const std::uint64_t trigger_id : held_ids(*entries_.at(id).record)) {
+      journal_.note_removed(id, trigger_id);
+      forget_holder(trigger_id, &entries_.at(id));
+    }
+    entries_.erase(id);
+  }
+
+  /// The records that hold a trigger, ascending by id.
+  const Entry_List& holders(std::uint64_t trigger_id) {
+    static const Entry_List nobody;
+    const auto found = holders_.find(trigger_id);
+    if (found == holders_.end()) {
+      return nobody;
+    }
+    tidy(trigger_id, found->second);
+    return found->second.entries;
+  }
+
+  /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next call.
+  void mark_holders(std::uint64_t trigger_id) {
+    ++last_mark_;
+    for (Entry* const entry : holders(trigger_id)) {
+      entry->mark = last_mark_;
+    }
+  }
+  bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
+
+  /// A deleted trigger may have left rows behind that nobody wrote in a pass; they go with the next.
+  void note_dangling(std::uint64_t record_id, std::uint64_t trigger_id) {
+    journal_.note_removed(record_id, trigger_id);
+  }
+
+  Changes::Of<Changes::Link> settle() { return journal_.settle(); }
+
+ private:
+  /// Who holds a trigger. A removal only leaves a note, so that many of them cost no search each.
+  struct Holders {
+    Entry_List entries;
+    bool untidy = false;
+  };
+
+  void tidy(std::uint64_t trigger_id, Holders& holders) {
+    if (holders.untidy) {
+      const auto let_go = [trigger_id](const Entry* entry) {
+        return !holds(*entry->record, trigger_id);
+      };
+      holders.entries.erase(
+          std::remove_if(holders.entries.begin(), holders.entries.end(), let_go),
+          holders.entries.end());
+      holders.untidy = false;
+    }
+    sort_unique_by(holders.entries, [](const Entry* entry) { return entry->record->id; });
+  }
+
+  void forget_holder(std::uint64_t trigger_id, const Entry* entry) {
+    Entry_List& entries = holders_[trigger_id].entries;
+    entries.erase(std::remove(entries.begin(), entries.end(), entry), entries.end());
+  }
+
+  std::map<std::uint64_t, Entry> entries_;
+  std::unordered_map<std::uint64_t, Holders> holders_;
+  Link_Journal journal_;
+  std::uint64_t last_mark_ = 0;
+};
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,104 @@
+#include "embedded_server/persistent/index/record_links.h"
+
+#include <algorithm>
+
+#include "records-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+std::uint64_t id_of(const odb::lazy_shared_ptr<trigger>& link) {
+  const trigger* const loaded = link.get();
+  return loaded != nullptr ? loaded->id : link.object_id();
+}
+
+}  // namespace
+
+std::shared_ptr<trigger> probe(std::uint64_t trigger_id) {
+  auto record = std::make_shared<trigger>();
+  record->id = trigger_id;
+  return record;
+}
+
+bool holds(const metadata_event_subscription& record, std::uint64_t trigger_id) {
+  const auto& links = record.trigger_links;
+  const auto place = std::lower_bound(
+      links.begin(), links.end(), trigger_id,
+      [](const auto& link, std::uint64_t wanted) { return id_of(link) < wanted; });
+  return place != links.end() && id_of(*place) == trigger_id;
+}
+
+bool holds(const eta_camera& record, std::uint64_t trigger_id) {
+  return record.triggers.count(probe(trigger_id)) != 0;
+}
+
+std::vector<std::uint64_t> held_ids(const metadata_event_subscription& record) {
+  return record.trigger_ids();
+}
+
+std::vector<std::uint64_t> held_ids(const eta_camera& record) {
+  std::vector<std::uint64_t> ids;
+  ids.reserve(record.triggers.size());
+  for (const std::shared_ptr<trigger>& held : record.triggers) {
+    ids.push_back(held->id);
+  }
+  return ids;
+}
+
+bool holds_any_of(const metadata_event_subscription& record,
+                  const std::set<std::uint64_t>& trigger_ids) {
+  return std::any_of(record.trigger_links.begin(), record.trigger_links.end(),
+                     [&](const auto& link) { return trigger_ids.count(id_of(link)) != 0; });
+}
+
+bool holds_nothing(const metadata_event_subscription& record) {
+  return record.trigger_links.empty();
+}
+
+bool holds_nothing(const eta_camera& record) { return record.triggers.empty(); }
+
+void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held) {
+  auto& links = record.trigger_links;
+  if (links.empty() || id_of(links.back()) < held->id) {
+    links.emplace_back(held);
+  } else {
+    record.add_trigger(held);
+    record.link_changes = {};
+  }
+}
+
+void append_link(eta_camera& record, const std::shared_ptr<trigger>& held) {
+  record.triggers.insert(record.triggers.end(), held);
+}
+
+std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,
+                                        const std::set<std::uint64_t>& triggers) {
+  std::vector<std::uint64_t> removed;
+  auto& links = record.trigger_links;
+  const auto goes = [&](const odb::lazy_shared_ptr<trigger>& link) {
+    const std::uint64_t id = id_of(link);
+    const bool wanted = triggers.count(id) != 0;
+    if (wanted) {
+      removed.push_back(id);
+    }
+    return wanted;
+  };
+  links.erase(std::remove_if(links.begin(), links.end(), goes), links.end());
+  return removed;
+}
+
+std::vector<std::uint64_t> remove_links(eta_camera& record,
+                                        const std::set<std::uint64_t>& triggers) {
+  std::vector<std::uint64_t> removed;
+  for (auto place = record.triggers.begin(); place != record.triggers.end();) {
+    if (triggers.count((*place)->id) != 0) {
+      removed.push_back((*place)->id);
+      place = record.triggers.erase(place);
+    } else {
+      ++place;
+    }
+  }
+  return removed;
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "vemora/platform/records/eta_camera.h"
+#include "vemora/platform/records/metadata_event_subscription.h"
+
+namespace kuv::vemora::embedded_server {
+
+// The trigger links of both kinds of record, alike.
+
+/// A trigger that is good for nothing but finding one by its id.
+std::shared_ptr<trigger> probe(std::uint64_t trigger_id);
+
+bool holds(const metadata_event_subscription& record, std::uint64_t trigger_id);
+bool holds(const eta_camera& record, std::uint64_t trigger_id);
+
+std::vector<std::uint64_t> held_ids(const metadata_event_subscription& record);
+std::vector<std::uint64_t> held_ids(const eta_camera& record);
+
+/// Whether the subscription holds at least one of them.
+bool holds_any_of(const metadata_event_subscription& record,
+                  const std::set<std::uint64_t>& trigger_ids);
+
+bool holds_nothing(const metadata_event_subscription& record);
+bool holds_nothing(const eta_camera& record);
+
+/// Adds a link as the database holds it; the largest trigger id so far.
+void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held);
+void append_link(eta_camera& record, const std::shared_ptr<trigger>& held);
+
+/// Takes all of these triggers off at once, without a note in the record; answers those it held.
+std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,
+                                        const std::set<std::uint64_t>& triggers);
+std::vector<std::uint64_t> remove_links(eta_camera& record, const std::set<std::uint64_t>& triggers);
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "vemora/platform/odb_runtime.h"
+
+#include <odb/database.hxx>
+#include <odb/query-dynamic.hxx>
+#include <odb/result.hxx>
+
+namespace kuv::vemora::embedded_server {
+
+/// Hands every row of a table to `take`, in the order of `order_by` (column names), with one
+/// statement and one row in memory at a time.
+template <class Row, class Take>
+void for_each_row(odb::database& database, const char* order_by, Take take) {
+  auto rows = database.query<Row>(odb::query<Row>(std::string("ORDER BY ") + order_by), false);
+  Row row;
+  for (auto place = rows.begin(); place != rows.end(); ++place) {
+    place.load(row);
+    take(row);
+  }
+}
+
+}  // namespace kuv::vemora::embedded_server

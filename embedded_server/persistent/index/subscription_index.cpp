@@ -1,0 +1,291 @@
+#include "embedded_server/persistent/index/subscription_index.h"
+
+#include <algorithm>
+
+#include "embedded_server/persistent/index/row_reader.h"
+#include "embedded_server/persistent/index/subscription_match.h"
+#include "records-odb.h"
+#include "rows-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+/// A link to a record; to one that is gone, a link by its id alone.
+template <class Linked>
+odb::lazy_shared_ptr<Linked> link_to(odb::database& database, const std::shared_ptr<Linked>& record,
+                                     std::uint64_t id) {
+  return record ? odb::lazy_shared_ptr<Linked>(record) : odb::lazy_shared_ptr<Linked>(database, id);
+}
+
+}  // namespace
+
+Subscription_Index::Subscription_Index(odb::database& database, const Camera_Index& cameras,
+                                       const Trigger_Index& triggers)
+    : cameras_(cameras), triggers_(triggers), ids_(database, "subscription") {
+  load_records(database);
+  load_tags(database);
+  load_cameras(database);
+  for (auto& [id, entry] : records_.all()) {
+    enter(entry);
+  }
+  load_links(database);
+}
+
+void Subscription_Index::load_records(odb::database& database) {
+  std::unordered_map<std::uint64_t, std::shared_ptr<metadata_event_category>> categories;
+  for_each_row<metadata_event_category>(database, "id", [&](const metadata_event_category& row) {
+    categories.emplace(row.id, std::make_shared<metadata_event_category>(row));
+  });
+  for_each_row<rows::Subscription>(database, "id", [&](const rows::Subscription& row) {
+    auto record = std::make_shared<Record>();
+    record->id = row.id;
+    record->name = row.name;
+    if (row.category_id) {
+      record->category = link_to(database, categories[*row.category_id], *row.category_id);
+    }
+    record->onvif_topic = row.onvif_topic;
+    if (row.camera_id) {
+      record->camera = link_to(database, cameras_.find(*row.camera_id), *row.camera_id);
+    }
+    records_.load(std::move(record));
+  });
+}
+
+void Subscription_Index::load_tags(odb::database& database) {
+  for_each_row<rows::Subscription_Tag>(
+      database, "record_id, name", [&](const rows::Subscription_Tag& row) {
+        if (Entry* const entry = records_.find(row.key.record_id)) {
+          entry->record->tags.insert(Tag_Entry{row.key.name, {row.value}});
+        }
+      });
+}
+
+void Subscription_Index::load_cameras(odb::database& database) {
+  for_each_row<rows::Subscription_Camera>(
+      database, "record_id, linked_id", [&](const rows::Subscription_Camera& row) {
+        if (Entry* const entry = records_.find(row.key.record_id)) {
+          entry->record->camera_links.push_back(
+              link_to(database, cameras_.find(row.key.linked_id), row.key.linked_id));
+        }
+      });
+}
+
+void Subscription_Index::load_links(odb::database& database) {
+  Entry* entry = nullptr;  // of the row before: the rows of a record come together
+  for_each_row<rows::Subscription_Trigger>(
+      database, "record_id, linked_id", [&](const rows::Subscription_Trigger& row) {
+        if (entry == nullptr || entry->record->id != row.key.record_id) {
+          entry = records_.find(row.key.record_id);
+        }
+        const std::shared_ptr<trigger> held = triggers_.find(row.key.linked_id);
+        if (entry != nullptr && held) {
+          records_.load_link(*entry, held);
+        } else {
+          records_.note_dangling(row.key.record_id, row.key.linked_id);
+        }
+      });
+}
+
+void Subscription_Index::enter(Entry& entry) {
+  const Record& record = *entry.record;
+  if (!is_topic_kind(record)) {
+    generic_.push_back(&entry);
+    for (const Tag_Entry& tag : record.tags) {
+      tags_.add(tag.name, tag.info.value, &entry);
+    }
+  } else if (record.camera && record.onvif_topic) {
+    by_topic_[*record.onvif_topic].emplace(record.camera_id(), &entry);
+  }
+}
+
+bool Subscription_Index::exists(std::uint64_t camera_id, const std::string& topic) const {
+  const auto found = by_topic_.find(topic);
+  return found != by_topic_.end() && found->second.count(camera_id) != 0;
+}
+
+Subscription_Index::List Subscription_Index::all() {
+  List found;
+  found.reserve(records_.all().size());
+  for (const auto& [id, entry] : records_.all()) {
+    found.push_back(entry.record);
+  }
+  return found;
+}
+
+Subscription_Index::List Subscription_Index::matching(const Query& query) {
+  const bool lacking = query.trigger && query.trigger_match == Query::Trigger_Match::lacking;
+  if (lacking) {
+    records_.mark_holders(query.trigger->id);
+  }
+  const Subscription_Match matches(query);
+  List found;
+  for (const Entry* const entry : candidates(query)) {
+    if (!(lacking && records_.is_marked(*entry)) && matches(*entry->record)) {
+      found.push_back(entry->record);
+    }
+  }
+  sort_unique_by(found, [](const std::shared_ptr<Record>& record) { return record->id; });
+  return found;
+}
+
+/// At least those that the query selects, and as few more as can be had without looking at each.
+Subscription_Index::Records::Entry_List Subscription_Index::candidates(const Query& query) {
+  if (query.trigger && query.trigger_match == Query::Trigger_Match::holding) {
+    return records_.holders(query.trigger->id);
+  }
+  const bool inside = query.topics_and_cameras == Query::Topics_And_Cameras::matching;
+  if (inside && !query.topics.empty()) {
+    return candidates_by_topic(query);
+  }
+  if (query.kind == Query::Kind::generic) {
+    return candidates_by_tag(query);
+  }
+  Records::Entry_List everything;
+  for (auto& [id, entry] : records_.all()) {
+    everything.push_back(&entry);
+  }
+  return everything;
+}
+
+Subscription_Index::Records::Entry_List Subscription_Index::candidates_by_topic(
+    const Query& query) const {
+  Records::Entry_List found;
+  for (const std::string& topic : query.topics) {
+    const auto on_topic = by_topic_.find(topic);
+    if (on_topic == by_topic_.end()) {
+      continue;
+    }
+    if (query.cameras.empty()) {
+      for (const auto& [camera_id, entry] : on_topic->second) {
+        found.push_back(entry);
+      }
+    }
+    for (const std::shared_ptr<camera>& wanted : query.cameras) {
+      const auto entry = on_topic->second.find(wanted->id);
+      if (entry != on_topic->second.end()) {
+        found.push_back(entry->second);
+      }
+    }
+  }
+  return found;
+}
+
+Subscription_Index::Records::Entry_List Subscription_Index::candidates_by_tag(
+    const Query& query) const {
+  const bool selective = query.tags_match == Query::Tags::matching && !query.tags.empty();
+  return selective ? tags_.find_any(query.tags) : generic_;
+}
+
+Subscription_Index::List Subscription_Index::holding_none_of(
+    const std::set<std::uint64_t>& live_trigger_ids) {
+  List found;
+  for (const auto& [id, entry] : records_.all()) {
+    if (is_topic_kind(*entry.record) && !holds_any_of(*entry.record, live_trigger_ids)) {
+      found.push_back(entry.record);
+    }
+  }
+  return found;
+}
+
+bool Subscription_Index::add(const std::shared_ptr<Record>& added) {
+  if (!added->camera || !added->onvif_topic || !cameras_.find(added->camera_id()) ||
+      exists(added->camera_id(), *added->onvif_topic)) {
+    return false;
+  }
+  for (const std::uint64_t trigger_id : added->trigger_ids()) {
+    if (!triggers_.contains(trigger_id)) {
+      return false;
+    }
+  }
+  added->id = ids_.allocate([this](std::uint64_t id) {
+    return records_.find(id) != nullptr || deleted_.count(id) != 0;
+  });
+  added_.insert(added->id);
+  enter(records_.insert(added));
+  return true;
+}
+
+bool Subscription_Index::update(const std::shared_ptr<Record>& changed) {
+  Entry* const entry = records_.find(changed->id);
+  if (entry == nullptr) {
+    return false;
+  }
+  std::vector<std::shared_ptr<trigger>> added;
+  for (const std::uint64_t trigger_id : changed->link_changes.added) {
+    added.push_back(triggers_.find(trigger_id));
+  }
+  if (std::count(added.begin(), added.end(), nullptr) != 0) {
+    if (entry->record == changed) {
+      records_.restore(*entry, [this](std::uint64_t id) { return triggers_.find(id); });
+    }
+    return false;
+  }
+  records_.update(*entry, *changed, added);
+  return true;
+}
+
+void Subscription_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
+  records_.drop_triggers(dead);
+}
+
+void Subscription_Index::delete_without_triggers() {
+  for (auto place = records_.all().begin(); place != records_.all().end();) {
+    const std::shared_ptr<Record> record = (place++)->second.record;
+    if (!is_topic_kind(*record) || !holds_nothing(*record)) {
+      continue;
+    }
+    if (record->camera && record->onvif_topic) {
+      by_topic_[*record->onvif_topic].erase(record->camera_id());
+    }
+    if (added_.erase(record->id) == 0) {
+      deleted_.emplace(record->id, record);
+    }
+    records_.erase(record->id);
+  }
+}
+
+Subscription_Index::Net_Changes Subscription_Index::settle() {
+  Net_Changes net;
+  for (const std::uint64_t id : added_) {
+    const Record& record = *records_.find(id)->record;
+    rows::Subscription row;
+    row.id = record.id;
+    row.name = record.name;
+    row.onvif_topic = record.onvif_topic;
+    row.camera_id = record.camera_id();
+    net.added.push_back(std::move(row));
+  }
+  for (const auto& [id, record] : deleted_) {
+    net.deleted.push_back(id);
+  }
+  net.links = records_.settle();
+  net.cameras = cameras_of(net);
+  added_.clear();
+  deleted_.clear();
+  return net;
+}
+
+std::set<std::uint64_t> Subscription_Index::cameras_of(const Net_Changes& net) {
+  std::set<std::uint64_t> cameras;
+  const auto note = [&cameras](const Record& record) {
+    if (record.camera) {
+      cameras.insert(record.camera_id());
+    }
+  };
+  for (const rows::Subscription& added : net.added) {
+    cameras.insert(*added.camera_id);
+  }
+  for (const auto& [id, record] : deleted_) {
+    note(*record);
+  }
+  for (const auto* links : {&net.links.added, &net.links.deleted}) {
+    for (const Changes::Link& link : *links) {
+      if (const Entry* const entry = records_.find(link.record_id)) {
+        note(*entry->record);
+      }
+    }
+  }
+  return cameras;
+}
+
+}  // namespace kuv::vemora::embedded_server

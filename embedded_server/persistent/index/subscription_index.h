@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "embedded_server/persistent/index/camera_index.h"
+#include "embedded_server/persistent/index/id_allocator.h"
+#include "embedded_server/persistent/index/linked_records.h"
+#include "embedded_server/persistent/index/tag_postings.h"
+#include "embedded_server/persistent/index/trigger_index.h"
+#include "vemora/embedded_server/persistent/mapping/rows.h"
+#include "vemora/platform/repositories/metadata_event_subscription_repository.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// The subscriptions as a pass sees them.
+class Subscription_Index {
+ public:
+  using Record = metadata_event_subscription;
+  using List = Metadata_Event_Subscription_Repository::Subscription_List;
+  using Query = Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+
+  /// What the database does not hold yet, or holds no longer.
+  struct Net_Changes {
+    std::vector<rows::Subscription> added;
+    std::vector<std::uint64_t> deleted;
+    Changes::Of<Changes::Link> links;
+    std::set<std::uint64_t> cameras;  ///< whose subscriptions these are
+  };
+
+  Subscription_Index(odb::database& database, const Camera_Index& cameras,
+                     const Trigger_Index& triggers);
+
+  /// Whether there is one for that camera and topic.
+  bool exists(std::uint64_t camera_id, const std::string& topic) const;
+
+  List all();
+  List matching(const Query& query);
+  List holding_none_of(const std::set<std::uint64_t>& live_trigger_ids);
+
+  bool add(const std::shared_ptr<Record>& added);
+  bool update(const std::shared_ptr<Record>& changed);
+  void drop_triggers(const std::set<std::uint64_t>& dead);
+  void delete_without_triggers();
+
+  Net_Changes settle();
+  void save_ids() { ids_.save(); }
+
+ private:
+  using Records = Linked_Records<Record>;
+  using Entry = Records::Entry;
+  using Entries_By_Camera = std::unordered_map<std::uint64_t, Entry*>;
+
+  void load_records(odb::database& database);
+  void load_tags(odb::database& database);
+  void load_cameras(odb::database& database);
+  void load_links(odb::database& database);
+  void enter(Entry& entry);
+
+  Records::Entry_List candidates(const Query& query);
+  Records::Entry_List candidates_by_topic(const Query& query) const;
+  Records::Entry_List candidates_by_tag(const Query& query) const;
+  std::set<std::uint64_t> cameras_of(const Net_Changes& net);
+
+  const Camera_Index& cameras_;
+  const Trigger_Index& triggers_;
+  Id_Allocator ids_;
+  Records records_;
+  std::unordered_map<std::string, Entries_By_Camera> by_topic_;
+  std::vector<Entry*> generic_;  ///< ascending by id
+  Tag_Postings<Entry*> tags_;    ///< of the generic ones
+
+  std::set<std::uint64_t> added_;                             ///< not stored yet
+  std::map<std::uint64_t, std::shared_ptr<Record>> deleted_;  ///< still stored
+};
+
+}  // namespace kuv::vemora::embedded_server

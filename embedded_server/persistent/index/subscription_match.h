@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_set>
+
+#include "vemora/platform/repositories/metadata_event_subscription_repository.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// With a camera and a topic; what has a camera alone is a corrupt one of the same kind.
+inline bool is_topic_kind(const metadata_event_subscription& record) {
+  return static_cast<bool>(record.camera) || record.onvif_topic.has_value();
+}
+
+/// Everything that a subscription query asks for, but for who holds or lacks the trigger.
+class Subscription_Match {
+ public:
+  using Query = Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+
+  explicit Subscription_Match(const Query& query);
+
+  bool operator()(const metadata_event_subscription& record) const;
+
+ private:
+  bool kind_fits(const metadata_event_subscription& record) const;
+  bool place_fits(const metadata_event_subscription& record) const;
+  bool tags_fit(const metadata_event_subscription& record) const;
+  bool on_one_of_the_topics(const metadata_event_subscription& record) const;
+  bool on_one_of_the_cameras(const metadata_event_subscription& record) const;
+
+  const Query& query_;
+  std::unordered_set<std::string> topics_;
+  std::unordered_set<std::uint64_t> camera_ids_;
+};
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "vemora/platform/odb_runtime.h"
+#include "vemora/platform/records/trigger.h"
+
+namespace odb {
+class database;
+}
+
+namespace kuv::vemora::embedded_server {
+
+class Schedule_Index;
+
+/// The trigger records as a pass sees them, beside what the database holds of them.
+class Trigger_Index {
+ public:
+  /// A trigger before and after; null where it is not there.
+  struct Change {
+    std::shared_ptr<const trigger> stored;
+    std::shared_ptr<const trigger> now;
+  };
+
+  Trigger_Index(odb::database& database, const Schedule_Index& schedules);
+
+  /// Ascending by id.
+  std::vector<std::shared_ptr<trigger>> all() const;
+  std::set<std::uint64_t> ids() const;
+
+  /// Null when there is none.
+  std::shared_ptr<trigger> find(std::uint64_t id) const;
+  bool contains(std::uint64_t id) const { return records_.count(id) != 0; }
+
+  void insert(const std::shared_ptr<trigger>& added);
+
+  /// Takes over a record's name, schedules and sources.
+  void replace(const std::shared_ptr<trigger>& changed);
+
+  /// Forgets a change that was refused: from now on a fresh record with the values before it stands
+  /// for the trigger. Answers it.
+  std::shared_ptr<trigger> restore(std::uint64_t id);
+
+  void erase(std::uint64_t id);
+
+  /// What differs from the database, ascending by id; taken as stored from then on.
+  std::map<std::uint64_t, Change> settle();
+
+ private:
+  struct Entry {
+    std::shared_ptr<trigger> record;
+    std::shared_ptr<const trigger> accepted;  ///< its values when it was last added or updated
+  };
+
+  void load_sources(odb::database& database);
+  void load_schedules(odb::database& database, const Schedule_Index& schedules);
+  void note(std::uint64_t id);
+
+  std::map<std::uint64_t, Entry> records_;
+  /// What the database holds of the triggers that were touched; null where it holds none.
+  std::map<std::uint64_t, std::shared_ptr<const trigger>> touched_;
+};
+
+}  // namespace kuv::vemora::embedded_server

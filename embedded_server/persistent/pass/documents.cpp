@@ -1,0 +1,66 @@
+#include "embedded_server/persistent/pass/documents.h"
+
+#include <fmt/format.h>
+
+#include <odb/database.hxx>
+#include <string>
+
+#include "rows-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+std::optional<std::string> load_document(odb::database& database, const std::string& kind) {
+  rows::Document row;
+  return database.find(kind, row) ? std::make_optional(std::move(row.text)) : std::nullopt;
+}
+
+void store_document(odb::database& database, const std::string& kind,
+                    const std::optional<std::string>& text) {
+  if (!text) {
+    return;
+  }
+  rows::Document row;
+  const bool exists = database.find(kind, row);
+  if (exists && row.text == *text) {
+    return;
+  }
+  row.kind = kind;
+  row.text = *text;
+  if (exists) {
+    database.update(row);
+  } else {
+    database.persist(row);
+  }
+}
+
+}  // namespace
+
+void require_owner(odb::database& database, std::uint64_t server_id) {
+  rows::Site site;
+  database.load(1, site);
+  if (site.server_id && *site.server_id != server_id) {
+    throw Database_Error(fmt::format("it belongs to server {}, not to server {}", *site.server_id,
+                                     server_id));
+  }
+}
+
+Documents load_documents(odb::database& database) {
+  return {load_document(database, "config"), load_document(database, "mapping")};
+}
+
+void store_documents(odb::database& database, const Documents& accepted) {
+  store_document(database, "config", accepted.config);
+  store_document(database, "mapping", accepted.mapping);
+}
+
+void strike_out_pending(odb::database& database, const std::set<std::uint64_t>& camera_ids) {
+  for (const std::uint64_t camera_id : camera_ids) {
+    rows::Pending_Camera row;
+    if (database.find(camera_id, row)) {
+      database.erase<rows::Pending_Camera>(camera_id);
+    }
+  }
+}
+
+}  // namespace kuv::vemora::embedded_server

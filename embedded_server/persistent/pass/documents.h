@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+
+#include "vemora/embedded_server/persistent/pass_scope.h"
+
+namespace odb {
+class database;
+}
+
+namespace kuv::vemora::embedded_server {
+
+// The rows about the database itself, in the transaction at hand.
+
+/// Throws Database_Error when the database belongs to another server.
+void require_owner(odb::database& database, std::uint64_t server_id);
+
+Documents load_documents(odb::database& database);
+
+/// Stores the documents that are given.
+void store_documents(odb::database& database, const Documents& accepted);
+
+/// Notes that these cameras were reconciled.
+void strike_out_pending(odb::database& database, const std::set<std::uint64_t>& camera_ids);
+
+}  // namespace kuv::vemora::embedded_server

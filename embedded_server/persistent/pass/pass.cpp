@@ -1,0 +1,145 @@
+#include "embedded_server/persistent/pass/pass.h"
+
+#include <fmt/format.h>
+
+#include "embedded_server/persistent/pass/join_pass.h"
+#include "embedded_server/persistent/pass/verify_index.h"
+#include "embedded_server/persistent/pass/write_changes.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+thread_local Pass* innermost = nullptr;
+
+/// Capabilities are looked at by whoever holds a camera, in a pass or after it.
+Capability_Guard capability_guard(const std::shared_ptr<Database>& database) {
+  return [database](const std::function<void()>& action) {
+    read(database, [&action](Site_Index&) { action(); });
+  };
+}
+
+}  // namespace
+
+Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode mode,
+           std::optional<std::uint64_t> server_id)
+    : database_(std::move(database)),
+      purpose_(purpose),
+      mode_(mode),
+      server_id_(server_id),
+      lock_(purpose == Purpose::single_read ? nullptr : database_->engine().lock_passes()),
+      site_(database_->engine().odb(), capability_guard(database_)),
+      enclosing_(innermost) {
+  innermost = this;
+}
+
+Pass::~Pass() { innermost = enclosing_; }
+
+Pass* Pass::current(const Database& database) {
+  Pass* pass = innermost;
+  while (pass != nullptr && pass->database_.get() != &database) {
+    pass = pass->enclosing_;
+  }
+  return pass;
+}
+
+void Pass::begin_if_necessary() {
+  if (!transaction_) {
+    transaction_ = std::make_unique<odb::transaction>(database_->engine().odb().begin());
+  }
+}
+
+odb::database& Pass::odb() {
+  begin_if_necessary();
+  return database_->engine().odb();
+}
+
+void Pass::commit() {
+  run([this](Site_Index& site) {
+    const Site_Index::Net_Changes net = site.settle();
+    append_changes(net, changes_);
+    if (mode_ != Pass_Scope::Mode::commit) {
+      return;
+    }
+    try {
+      write(net);
+      transaction_->commit();
+    } catch (...) {
+      lost_ = true;  // half of it may be written: it goes as a whole
+      transaction_.reset();
+      throw;
+    }
+    transaction_.reset();
+    verify_against_database();
+  });
+}
+
+void Pass::write(const Site_Index::Net_Changes& net) {
+  if (is_empty(net)) {
+    return;
+  }
+  write_changes(database_->engine().odb(), net);
+  site_.save_ids();
+  if (server_id_) {
+    claim_for(database_->engine().odb(), *server_id_);
+  }
+}
+
+void Pass::end() {
+  if (!fault_) {
+    commit();
+    return;
+  }
+  const std::string fault = *fault_;
+  if (!lost_) {
+    fault_.reset();
+    lost_ = !transaction_ || !database_->engine().holds_transaction();
+  }
+  if (!lost_) {
+    try {
+      commit();
+      fault_ = fault;
+      return;
+    } catch (const Database_Error&) {
+      lost_ = true;
+    }
+  }
+  fault_ = fault;
+  throw Database_Error(fmt::format("{}; nothing that the pass wrote was kept", fault));
+}
+
+void Pass::note_fault(const std::exception& fault) {
+  if (fault_) {
+    return;  // the first one, on its way out of an operation within an operation
+  }
+  const bool of_the_database = dynamic_cast<const Database_Error*>(&fault) != nullptr ||
+                               dynamic_cast<const odb::exception*>(&fault) != nullptr;
+  if (!of_the_database) {
+    poison(fault.what());
+    return;
+  }
+  fault_ = fmt::format("database {}: {}", database_->engine().location(),
+                       database_->engine().describe(fault));
+}
+
+/// What failed was no operation of the database, so the site in memory may be half changed.
+void Pass::poison(std::string reason) {
+  fault_ = std::move(reason);
+  lost_ = true;
+  transaction_.reset();
+}
+
+void Pass::throw_if_faulty() const {
+  if (fault_) {
+    throw Database_Error(*fault_);
+  }
+}
+
+void Pass::verify_against_database() {
+#ifndef NDEBUG
+  if (purpose_ == Purpose::whole_pass) {
+    verify_index(database_->engine().odb(), site_);
+  }
+#endif
+}
+
+}  // namespace kuv::vemora::embedded_server

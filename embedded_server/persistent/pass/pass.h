@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "embedded_server/persistent/engine/engine.h"
+#include "embedded_server/persistent/index/site_index.h"
+#include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/pass_scope.h"
+#include "vemora/platform/odb_runtime.h"
+
+#include <odb/transaction.hxx>
+
+namespace kuv::vemora::embedded_server {
+
+/// One transaction and the site as it is seen in it; what Pass_Scope and every single operation are
+/// made of.
+class Pass {
+ public:
+  enum class Purpose {
+    whole_pass,    ///< keeps other passes out, and is told when its last write is done
+    single_write,  ///< keeps other passes out
+    single_read,
+  };
+
+  Pass(std::shared_ptr<Database> database, Purpose purpose,
+       Pass_Scope::Mode mode = Pass_Scope::Mode::commit,
+       std::optional<std::uint64_t> server_id = std::nullopt);
+  ~Pass();
+  Pass(const Pass&) = delete;
+  Pass& operator=(const Pass&) = delete;
+
+  /// The one that is open over this database on this thread; null when there is none.
+  static Pass* current(const Database& database);
+
+  Purpose purpose() const { return purpose_; }
+
+  /// Runs an operation on the site. A fault in it sticks: it is thrown as Database_Error, and by
+  /// every operation from then on.
+  template <class Operation>
+  auto run(Operation operation) {
+    throw_if_faulty();
+    try {
+      begin_if_necessary();
+      return operation(site_);
+    } catch (const std::exception& fault) {
+      note_fault(fault);
+      throw Database_Error(*fault_);
+    } catch (...) {
+      poison("an unknown failure");
+      throw;
+    }
+  }
+
+  /// Writes what changed and commits it.
+  void commit();
+
+  /// Commits what a pass that failed had done until then. Throws when the database lost that.
+  void end();
+
+  const Changes& changes() const { return changes_; }
+  const std::optional<std::string>& fault() const { return fault_; }
+
+  /// The database itself, with a transaction begun.
+  odb::database& odb();
+
+ private:
+  void begin_if_necessary();
+  void write(const Site_Index::Net_Changes& net);
+  void note_fault(const std::exception& fault);
+  void poison(std::string reason);
+  void throw_if_faulty() const;
+  void verify_against_database();
+
+  std::shared_ptr<Database> database_;
+  Purpose purpose_;
+  Pass_Scope::Mode mode_;
+  std::optional<std::uint64_t> server_id_;
+  std::unique_ptr<Engine::Pass_Lock> lock_;
+  std::unique_ptr<odb::transaction> transaction_;
+  Site_Index site_;
+  Changes changes_;
+  std::optional<std::string> fault_;
+  bool lost_ = false;  ///< what was done cannot be committed any more
+  Pass* enclosing_;    ///< of another database, on this thread
+};
+
+}  // namespace kuv::vemora::embedded_server

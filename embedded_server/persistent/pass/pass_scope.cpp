@@ -1,0 +1,69 @@
+#include "vemora/embedded_server/persistent/pass_scope.h"
+
+#include "embedded_server/persistent/engine/engine.h"
+#include "embedded_server/persistent/index/row_reader.h"
+#include "embedded_server/persistent/pass/documents.h"
+#include "embedded_server/persistent/pass/pass.h"
+#include "embedded_server/persistent/pass/write_changes.h"
+#include "rows-odb.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// What the scope keeps beside the pass itself.
+class Pass_Scope::State {
+ public:
+  State(std::shared_ptr<Database> database, std::uint64_t id, Mode chosen)
+      : server_id(id),
+        mode(chosen),
+        pass(std::move(database),
+             chosen == Mode::read_only ? Pass::Purpose::single_read : Pass::Purpose::whole_pass,
+             chosen, id) {}
+
+  std::uint64_t server_id;
+  Mode mode;
+  Pass pass;
+  Documents documents;
+};
+
+Pass_Scope::Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_id, Mode mode)
+    : state_(std::make_unique<State>(std::move(database), server_id, mode)) {
+  state_->pass.run([this](Site_Index&) {
+    require_owner(state_->pass.odb(), state_->server_id);
+    state_->documents = load_documents(state_->pass.odb());
+  });
+}
+
+Pass_Scope::~Pass_Scope() = default;
+
+const Documents& Pass_Scope::documents() const { return state_->documents; }
+
+void Pass_Scope::end() { state_->pass.end(); }
+
+const std::optional<std::string>& Pass_Scope::fault() const { return state_->pass.fault(); }
+
+const Changes& Pass_Scope::changes() const { return state_->pass.changes(); }
+
+std::set<std::uint64_t> Pass_Scope::pending_cameras() {
+  std::set<std::uint64_t> ids;
+  state_->pass.run([this, &ids](Site_Index&) {
+    for_each_row<rows::Pending_Camera>(
+        state_->pass.odb(), "camera_id",
+        [&ids](const rows::Pending_Camera& row) { ids.insert(row.camera_id); });
+  });
+  state_->pass.commit();  // what is stored next must not stand on what was read here
+  return ids;
+}
+
+void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
+  if (state_->mode != Mode::commit) {
+    return;
+  }
+  state_->pass.run([&](Site_Index&) {
+    store_documents(state_->pass.odb(), accepted);
+    strike_out_pending(state_->pass.odb(), reconciled);
+    claim_for(state_->pass.odb(), state_->server_id);
+  });
+  state_->pass.commit();
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,35 @@
+#include "vemora/platform/repositories/metadata_event_category_repository.h"
+
+#include "embedded_server/persistent/pass/join_pass.h"
+#include "embedded_server/persistent/repositories/sub_repositories.h"
+#include "records-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+class Stored_Categories : public Metadata_Event_Category_Repository {
+ public:
+  explicit Stored_Categories(std::shared_ptr<Database> database) : database_(std::move(database)) {}
+
+  /// Of several categories of that name, any.
+  std::shared_ptr<metadata_event_category> find_by_name(const std::string& name) override {
+    return read(database_, [&](Site_Index&) {
+      using Query = odb::query<metadata_event_category>;
+      auto found =
+          database_->engine().odb().query<metadata_event_category>(Query::name == name, false);
+      return found.empty() ? nullptr : found.begin().load();
+    });
+  }
+
+ private:
+  std::shared_ptr<Database> database_;
+};
+
+}  // namespace
+
+std::unique_ptr<Metadata_Event_Category_Repository> make_metadata_event_category_repository(
+    std::shared_ptr<Database> database) {
+  return std::make_unique<Stored_Categories>(std::move(database));
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,55 @@
+#include "vemora/platform/repositories/metadata_event_subscription_repository.h"
+
+#include "embedded_server/persistent/pass/join_pass.h"
+#include "embedded_server/persistent/repositories/sub_repositories.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+class Stored_Subscriptions : public Metadata_Event_Subscription_Repository {
+ public:
+  explicit Stored_Subscriptions(std::shared_ptr<Database> database)
+      : database_(std::move(database)) {}
+
+  bool add(const std::shared_ptr<metadata_event_subscription>& added) override {
+    return write(database_, [&](Site_Index& site) {
+      Engine& engine = database_->engine();
+      return engine.can_hold(added->name) && engine.can_hold(added->onvif_topic.value_or("")) &&
+             site.subscriptions().add(added);
+    });
+  }
+
+  bool update(const std::shared_ptr<metadata_event_subscription>& changed) override {
+    return write(database_,
+                 [&](Site_Index& site) { return site.subscriptions().update(changed); });
+  }
+
+  Subscription_List Get_Matching_Subscriptions(
+      const Get_Matching_Subscriptions_Params& params) override {
+    return read(database_,
+                [&](Site_Index& site) { return site.subscriptions().matching(params); });
+  }
+
+  Subscription_List get_stale(const std::set<std::uint64_t>& live_trigger_ids) override {
+    return read(database_, [&](Site_Index& site) {
+      return live_trigger_ids.empty() ? site.subscriptions().all()
+                                      : site.subscriptions().holding_none_of(live_trigger_ids);
+    });
+  }
+
+  void delete_stale() override {
+    write(database_, [](Site_Index& site) { site.subscriptions().delete_without_triggers(); });
+  }
+
+ private:
+  std::shared_ptr<Database> database_;
+};
+
+}  // namespace
+
+std::unique_ptr<Metadata_Event_Subscription_Repository> make_metadata_event_subscription_repository(
+    std::shared_ptr<Database> database) {
+  return std::make_unique<Stored_Subscriptions>(std::move(database));
+}
+
+}  // namespace kuv::vemora::embedded_server

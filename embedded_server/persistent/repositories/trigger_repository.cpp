@@ -1,0 +1,71 @@
+#include "vemora/platform/repositories/trigger_repository.h"
+
+#include <algorithm>
+
+#include "embedded_server/persistent/pass/join_pass.h"
+#include "embedded_server/persistent/repositories/sub_repositories.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+/// Whether the engine takes every text of the record.
+bool fits(Engine& engine, const trigger& record) {
+  const auto source_fits = [&engine](const Trigger_Source& source) {
+    return engine.can_hold(source.onvif_topic.value_or("")) &&
+           (!source.search_item || engine.can_hold(source.search_item->object_type));
+  };
+  return engine.can_hold(record.name) &&
+         std::all_of(record.sources.begin(), record.sources.end(), source_fits);
+}
+
+class Stored_Triggers : public Trigger_Repository {
+ public:
+  explicit Stored_Triggers(std::shared_ptr<Database> database) : database_(std::move(database)) {}
+
+  std::shared_ptr<trigger> find_by_id(std::uint64_t id) override {
+    return read(database_, [id](Site_Index& site) { return site.triggers().find(id); });
+  }
+
+  bool add(const std::shared_ptr<trigger>& added) override {
+    return write(database_, [&](Site_Index& site) {
+      return fits(database_->engine(), *added) && site.add_trigger(added);
+    });
+  }
+
+  bool update(const std::shared_ptr<trigger>& changed) override {
+    return write(database_, [&](Site_Index& site) {
+      if (!site.triggers().contains(changed->id)) {
+        return false;
+      }
+      if (!fits(database_->engine(), *changed)) {
+        site.restore_trigger(changed->id);
+        return false;
+      }
+      site.triggers().replace(changed);
+      return true;
+    });
+  }
+
+  void delete_all_except(const std::set<std::uint64_t>& kept) override {
+    write(database_, [&](Site_Index& site) {
+      const std::set<std::uint64_t> stored = site.triggers().ids();
+      std::set<std::uint64_t> dead;
+      std::set_difference(stored.begin(), stored.end(), kept.begin(), kept.end(),
+                          std::inserter(dead, dead.end()));
+      site.delete_triggers(dead);
+    });
+  }
+
+  void delete_all() override { delete_all_except({}); }
+
+ private:
+  std::shared_ptr<Database> database_;
+};
+
+}  // namespace
+
+std::unique_ptr<Trigger_Repository> make_trigger_repository(std::shared_ptr<Database> database) {
+  return std::make_unique<Stored_Triggers>(std::move(database));
+}
+
+}  // namespace kuv::vemora::embedded_server
