@@ -1,0 +1,182 @@
+#include "vemora/platform/errors/vemora_error.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+
+#include "vemora/platform/errors/error_codes.h"
+
+namespace kuv::test {
+namespace {
+
+using namespace kuv::vemora;
+
+using Root = Vemora_Error<std::exception>;
+using Runtime_Root = Vemora_Error<std::runtime_error>;
+using Logic_Root = Vemora_Error<std::logic_error>;
+using Internal = Internal_Error<std::exception>;
+using Internal_Runtime = Internal_Error<std::runtime_error>;
+using Internal_Logic = Internal_Error<std::logic_error>;
+using Backend = Backend_Error<std::exception>;
+using Backend_Runtime = Backend_Error<std::runtime_error>;
+
+/// Whether a handler for `Base` sees an error of type `Error`: derived publicly, and only one way.
+template <class Base, class Error>
+constexpr bool is_caught_as = std::is_convertible_v<Error*, Base*>;
+
+template <class Base, class Error>
+void expect_code_and_text(const Error& error, std::int32_t code, const char* text) {
+  try {
+    throw error;
+  } catch (const Base& caught) {
+    EXPECT_EQ(dynamic_cast<const Root&>(caught).error_code, code);
+    EXPECT_STREQ(dynamic_cast<const std::exception&>(caught).what(), text);
+    return;
+  } catch (...) {
+  }
+  ADD_FAILURE() << "not seen by the handler";
+}
+
+TEST(Error_Family, has_the_root_above_everything_and_nothing_above_the_root) {
+  EXPECT_FALSE((std::is_base_of_v<std::exception, Root>));
+  EXPECT_FALSE((std::is_base_of_v<std::exception, Internal>));
+  EXPECT_FALSE((std::is_base_of_v<std::exception, Backend>));
+  EXPECT_TRUE((is_caught_as<Root, Runtime_Root>));
+  EXPECT_TRUE((is_caught_as<Root, Logic_Root>));
+  EXPECT_TRUE((is_caught_as<Root, Internal>));
+  EXPECT_TRUE((is_caught_as<Root, Backend>));
+  EXPECT_TRUE((is_caught_as<Root, Internal_Runtime>));
+  EXPECT_TRUE((is_caught_as<Root, Internal_Logic>));
+  EXPECT_TRUE((is_caught_as<Root, Backend_Runtime>));
+}
+
+TEST(Error_Family, is_caught_by_the_standard_class_that_each_type_wraps) {
+  EXPECT_TRUE((is_caught_as<std::runtime_error, Runtime_Root>));
+  EXPECT_TRUE((is_caught_as<std::logic_error, Logic_Root>));
+  EXPECT_TRUE((is_caught_as<std::runtime_error, Internal_Runtime>));
+  EXPECT_TRUE((is_caught_as<std::logic_error, Internal_Logic>));
+  EXPECT_TRUE((is_caught_as<std::runtime_error, Backend_Runtime>));
+  EXPECT_TRUE((is_caught_as<std::exception, Internal_Runtime>));
+  EXPECT_TRUE((is_caught_as<std::exception, Internal_Logic>));
+  EXPECT_TRUE((is_caught_as<std::exception, Backend_Runtime>));
+}
+
+TEST(Error_Family, is_caught_by_kind) {
+  EXPECT_TRUE((is_caught_as<Internal, Internal_Runtime>));
+  EXPECT_TRUE((is_caught_as<Internal, Internal_Logic>));
+  EXPECT_TRUE((is_caught_as<Backend, Backend_Runtime>));
+  EXPECT_TRUE((is_caught_as<Runtime_Root, Internal_Runtime>));
+  EXPECT_TRUE((is_caught_as<Logic_Root, Internal_Logic>));
+  EXPECT_TRUE((is_caught_as<Runtime_Root, Backend_Runtime>));
+}
+
+TEST(Error_Family, is_not_caught_as_what_it_is_not) {
+  EXPECT_FALSE((std::is_base_of_v<std::logic_error, Internal_Runtime>));
+  EXPECT_FALSE((std::is_base_of_v<std::runtime_error, Internal_Logic>));
+  EXPECT_FALSE((std::is_base_of_v<std::logic_error, Backend_Runtime>));
+  EXPECT_FALSE((std::is_base_of_v<Backend, Internal_Runtime>));
+  EXPECT_FALSE((std::is_base_of_v<Backend, Internal_Logic>));
+  EXPECT_FALSE((std::is_base_of_v<Internal, Backend_Runtime>));
+  EXPECT_FALSE((std::is_base_of_v<Internal, Runtime_Root>));
+  EXPECT_FALSE((std::is_base_of_v<Backend, Runtime_Root>));
+  EXPECT_FALSE((std::is_base_of_v<Runtime_Root, Internal>));
+  EXPECT_FALSE((std::is_base_of_v<Runtime_Root, Backend>));
+}
+
+TEST(Error_Family, shares_its_root_between_the_two_sides_of_the_diamond) {
+  const Internal_Runtime error("text", -2);
+
+  const Root* const by_class = static_cast<const Runtime_Root*>(&error);
+  const Root* const by_kind = static_cast<const Internal*>(&error);
+
+  EXPECT_EQ(by_class, by_kind);
+}
+
+TEST(Error_Family, has_virtual_destructors) {
+  EXPECT_TRUE(std::has_virtual_destructor_v<Root>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Runtime_Root>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Logic_Root>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Internal>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Internal_Runtime>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Internal_Logic>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Backend>);
+  EXPECT_TRUE(std::has_virtual_destructor_v<Backend_Runtime>);
+}
+
+TEST(Error_Family, holds_a_signed_32_bit_code) {
+  EXPECT_TRUE((std::is_same_v<decltype(Root::error_code), std::int32_t>));
+  EXPECT_EQ(error_codes::invalid_document, 245760);
+  EXPECT_EQ(error_codes::internal, -2);
+}
+
+TEST(Error_Family, gives_code_and_text_of_a_backend_error_to_every_handler) {
+  const char* const text = "\"sources\" array is empty.";
+  const Backend_Runtime error(text, 245760);
+
+  expect_code_and_text<Backend_Runtime>(error, 245760, text);
+  expect_code_and_text<Backend>(error, 245760, text);
+  expect_code_and_text<Runtime_Root>(error, 245760, text);
+  expect_code_and_text<Root>(error, 245760, text);
+  expect_code_and_text<std::runtime_error>(error, 245760, text);
+  expect_code_and_text<std::exception>(error, 245760, text);
+}
+
+TEST(Error_Family, gives_code_and_text_of_an_internal_runtime_error_to_every_handler) {
+  const char* const text = "Failed to create trigger";
+  const Internal_Runtime error(text, -2);
+
+  expect_code_and_text<Internal_Runtime>(error, -2, text);
+  expect_code_and_text<Internal>(error, -2, text);
+  expect_code_and_text<Runtime_Root>(error, -2, text);
+  expect_code_and_text<Root>(error, -2, text);
+  expect_code_and_text<std::runtime_error>(error, -2, text);
+  expect_code_and_text<std::exception>(error, -2, text);
+}
+
+TEST(Error_Family, gives_code_and_text_of_an_internal_logic_error_to_every_handler) {
+  const char* const text = "Failed to retrieve server tags due to invalid server ID";
+  const Internal_Logic error(text, -2);
+
+  expect_code_and_text<Internal_Logic>(error, -2, text);
+  expect_code_and_text<Internal>(error, -2, text);
+  expect_code_and_text<Logic_Root>(error, -2, text);
+  expect_code_and_text<Root>(error, -2, text);
+  expect_code_and_text<std::logic_error>(error, -2, text);
+  expect_code_and_text<std::exception>(error, -2, text);
+}
+
+TEST(Error_Family, hides_a_logic_error_from_handlers_of_runtime_errors) {
+  bool seen_as_logic_error = false;
+  try {
+    throw Internal_Logic("text", -2);
+  } catch (const std::runtime_error&) {
+    ADD_FAILURE() << "it is no runtime error";
+  } catch (const std::logic_error&) {
+    seen_as_logic_error = true;
+  }
+  EXPECT_TRUE(seen_as_logic_error);
+}
+
+TEST(Error_Family, takes_its_text_as_string_or_literal_and_keeps_a_copy) {
+  std::string text = "first";
+  const Backend_Runtime from_string(text, 1);
+  const Backend_Runtime from_literal("literal", 2);
+  text = "second";
+
+  EXPECT_STREQ(from_string.what(), "first");
+  EXPECT_STREQ(from_literal.what(), "literal");
+}
+
+TEST(Error_Family, keeps_code_and_text_in_a_copy) {
+  const Internal_Logic original("text", std::numeric_limits<std::int32_t>::min());
+  const Internal_Logic copy = original;
+
+  EXPECT_STREQ(copy.what(), "text");
+  EXPECT_EQ(copy.error_code, std::numeric_limits<std::int32_t>::min());
+}
+
+}  // namespace
+}  // namespace kuv::test
