@@ -68,8 +68,7 @@ SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
   const int create = mode == Database::Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
   database_ = std::make_unique<odb::sqlite::database>(
       as_file_name(path), SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | create, false, "",
-      odb::details::transfer_ptr<odb::sqlite::connection_factory>(
-          std::make_unique<SQLite_Connections>(lock_wait)));
+      std::make_unique<SQLite_Connections>(lock_wait));
 }
 
 SQLite_Engine::~SQLite_Engine() = default;

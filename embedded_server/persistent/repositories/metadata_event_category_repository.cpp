@@ -17,7 +17,12 @@ class Stored_Categories : public Metadata_Event_Category_Repository {
       using Query = odb::query<metadata_event_category>;
       auto found =
           database_->engine().odb().query<metadata_event_category>(Query::name == name, false);
-      return found.empty() ? nullptr : found.begin().load();
+      std::shared_ptr<metadata_event_category> record;
+      for (auto place = found.begin(); !record && place != found.end(); ++place) {
+        record = std::make_shared<metadata_event_category>();
+        place.load(*record);
+      }
+      return record;
     });
   }
 
