@@ -1,0 +1,14 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include "vemora/platform/repositories/schedule_repository.h"
+
+namespace kuv::test {
+
+class Mock_Schedule_Repository : public vemora::Schedule_Repository {
+ public:
+  MOCK_METHOD(std::shared_ptr<vemora::schedule>, get_by_id, (std::uint64_t id), (override));
+};
+
+}  // namespace kuv::test
