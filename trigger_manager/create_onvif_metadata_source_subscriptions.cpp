@@ -71,13 +71,15 @@ void Vemora_Trigger_Manager::create_subscription_if_supported_(
   if (!supports(topics, topic)) {
     return;
   }
-  logger_.log(severity_level::info, "Trigger {} | Creating subscription for camera {} with ONVIF topic {}",
-              record->id, camera_record->id, topic);
+  logger_.log(severity_level::info,
+              "Trigger {} | Creating subscription for camera {} with ONVIF topic {}", record->id,
+              camera_record->id, topic);
   const auto subscription = make_subscription(record, topic, camera_record);
   if (repository_->metadata_event_subscriptions().add(subscription)) {
     cameras_to_reconcile_.insert(camera_record->id);
   } else {
-    record_persistence_failure_("Failed to create subscription for trigger", *record, *subscription);
+    record_persistence_failure_("Failed to create subscription for trigger", *record,
+                                *subscription);
   }
 }
 

@@ -25,12 +25,16 @@ Vemora_Trigger_Manager::Parsed_Config Vemora_Trigger_Manager::parse_triggers_(
   return parsed;
 }
 
+// By value: the pass owns what it works on, whoever parsed it.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 Trigger_Config_State Vemora_Trigger_Manager::apply_triggers_(Parsed_Config parsed) {
   const boost::function<void()> forget_the_pass = [this] {
     cameras_to_reconcile_.clear();
     state_ = Trigger_Config_State();
   };
-  BOOST_SCOPE_EXIT_ALL(&forget_the_pass) { forget_the_pass(); };
+  BOOST_SCOPE_EXIT_ALL(&forget_the_pass) {
+    forget_the_pass();
+  };
 
   state_.properties = parsed.properties;
   for (const Trigger_Config& config : parsed.triggers) {

@@ -11,8 +11,8 @@ using Directive_Config_Processing::Error;
 void Vemora_Trigger_Manager::record_persistence_failure_(std::string_view message,
                                                          const trigger& record,
                                                          const eta_camera& camera_record) {
-  report_failure_(fmt::format("Trigger {}: {} | camera ID {}", record.id, message,
-                              camera_record.camera_id()));
+  report_failure_(
+      fmt::format("Trigger {}: {} | camera ID {}", record.id, message, camera_record.camera_id()));
 }
 
 void Vemora_Trigger_Manager::record_persistence_failure_(

@@ -11,7 +11,9 @@ namespace kuv::vemora {
 using Directive_Config_Processing::Error;
 using kuv::logging::severity_level;
 
-bool Vemora_Trigger_Manager::refresh_triggers() { return refresh_triggers_().success; }
+bool Vemora_Trigger_Manager::refresh_triggers() {
+  return refresh_triggers_().success;
+}
 
 bool Vemora_Trigger_Manager::refresh_triggers(Trigger_Config_State& state) {
   Refresh_Result result = refresh_triggers_();

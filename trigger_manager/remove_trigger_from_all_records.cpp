@@ -7,7 +7,8 @@ void Vemora_Trigger_Manager::remove_trigger_from_all_records_(
   Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params subscriptions;
   subscriptions.trigger = record;
   remove_trigger_from_subscriptions_(
-      record, repository_->metadata_event_subscriptions().Get_Matching_Subscriptions(subscriptions));
+      record,
+      repository_->metadata_event_subscriptions().Get_Matching_Subscriptions(subscriptions));
 
   ETA_Camera_Repository::Get_Params maps;
   maps.trigger = record;

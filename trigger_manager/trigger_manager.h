@@ -12,14 +12,15 @@ namespace kuv::vemora {
 /// the ABI.
 ///
 /// Two documents say what there is to do: the trigger configuration ("triggers", "properties") and
-/// the trigger mapping ("triggerMapping"). An update hands over a new one, a refresh repeats the work
-/// on those at hand, for a site that changed. Each of them runs one pass: both documents are validated,
-/// the records of the triggers and of what they listen to are brought in line, what nobody needs is
-/// deleted, the streams of the cameras concerned are reconciled, and the notification pusher is told.
+/// the trigger mapping ("triggerMapping"). An update hands over a new one, a refresh repeats the
+/// work on those at hand, for a site that changed. Each of them runs one pass: both documents are
+/// validated, the records of the triggers and of what they listen to are brought in line, what
+/// nobody needs is deleted, the streams of the cameras concerned are reconciled, and the
+/// notification pusher is told.
 ///
 /// Every operation may be called from any thread. Passes never overlap; readers run together and
-/// wait for a running pass. What the manager calls (repository, capture manager, pusher, resolver) it
-/// calls on the caller's thread and under its lock: none of them may call back.
+/// wait for a running pass. What the manager calls (repository, capture manager, pusher, resolver)
+/// it calls on the caller's thread and under its lock: none of them may call back.
 class VEMORA_API Trigger_Manager {
  public:
   virtual ~Trigger_Manager() = default;
@@ -40,8 +41,9 @@ class VEMORA_API Trigger_Manager {
   /// A copy of the configuration last accepted.
   virtual Json::Value get_config() = 0;
 
-  /// Runs a pass with a new trigger mapping, stores it and answers the outcome. Unlike update_config
-  /// it throws what the pass throws, a rejected document included, and then keeps the old mapping.
+  /// Runs a pass with a new trigger mapping, stores it and answers the outcome. Unlike
+  /// update_config it throws what the pass throws, a rejected document included, and then keeps the
+  /// old mapping.
   virtual Trigger_Config_State update_trigger_mapping(const Json::Value& mapping) = 0;
 
   /// A copy of the trigger mapping last accepted.

@@ -6,8 +6,8 @@ namespace kuv::vemora {
 
 Trigger_Config_State Vemora_Trigger_Manager::update_trigger_mapping(const Json::Value& mapping) {
   const boost::unique_lock<boost::shared_mutex> lock(mutex_);
-  // Nothing is caught: whoever changes the mapping works with exceptions and wants the cause itself,
-  // whereas a configuration comes from an operator, who gets an answer in any case.
+  // Nothing is caught: whoever changes the mapping works with exceptions and wants the cause
+  // itself, whereas a configuration comes from an operator, who gets an answer in any case.
   Trigger_Config_State state = process_triggers_(config_, mapping);
   trigger_mapping_ = mapping;
   return state;

@@ -117,15 +117,18 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
                                      const Subscription_List& subscriptions);
   void remove_trigger_from_subscriptions_(const std::shared_ptr<trigger>& record,
                                           const Subscription_List& subscriptions);
-  bool update_subscription_record_(const std::shared_ptr<metadata_event_subscription>& subscription);
+  bool update_subscription_record_(
+      const std::shared_ptr<metadata_event_subscription>& subscription);
 
   // Object detection.
-  void process_eta_camera_sources_(const Trigger_Details& details, const Camera_Selection& selection);
+  void process_eta_camera_sources_(const Trigger_Details& details,
+                                   const Camera_Selection& selection);
   void add_trigger_to_eta_camera_record_(const std::shared_ptr<trigger>& record,
                                          const std::shared_ptr<camera>& camera_record);
   void remove_trigger_from_eta_camera_records_(const std::shared_ptr<trigger>& record,
                                                const ETA_Camera_List& camera_records);
-  std::set<Object_Search_Item> expand_search_items_(const std::set<Object_Search_Item>& items) const;
+  std::set<Object_Search_Item> expand_search_items_(
+      const std::set<Object_Search_Item>& items) const;
 
   // Stale records and streams.
   void remove_trigger_from_all_records_(const std::shared_ptr<trigger>& record);

@@ -30,7 +30,8 @@ std::string describe(const std::optional<Milliseconds>& duration) {
 
 }  // namespace
 
-Notification_Properties Vemora_Trigger_Parser::parse_config_properties(const Json::Value& document) {
+Notification_Properties Vemora_Trigger_Parser::parse_config_properties(
+    const Json::Value& document) {
   Notification_Properties parsed;
   const Json::Value& properties = document["properties"];
   if (!properties.isNull()) {

@@ -36,7 +36,8 @@ std::string parse_onvif_topic(const Json::Value& topic) {
   require(topic.isString(),
           "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.");
   std::string text = topic.asString();
-  require(!text.empty(), "An onvif-metadata source has an \"onvifTopic\" field with an empty string.");
+  require(!text.empty(),
+          "An onvif-metadata source has an \"onvifTopic\" field with an empty string.");
   return text;
 }
 

@@ -23,7 +23,8 @@ void Vemora_Trigger_Parser::set_trigger_mapping_in_config_(Trigger_Config& confi
   if (schedule_ids.isNull()) {
     return;  // without schedules of its own the mapping does not concern the trigger
   }
-  const std::optional<std::set<Trigger_Mapping_Entry>> own = parse_schedule_ids_array_(schedule_ids);
+  const std::optional<std::set<Trigger_Mapping_Entry>> own =
+      parse_schedule_ids_array_(schedule_ids);
 
   static const std::set<Trigger_Mapping_Entry> nothing_mapped;
   const auto found = mapping.find(config.id);

@@ -48,9 +48,9 @@ struct Trigger_Source {
   std::optional<Activity_Duration> activity_duration;  ///< object_detection, motion_detection
 };
 
-/// Orders the sources of a trigger: by type, ONVIF sources by topic, object detection by object type.
-/// All else counts as the same source, so a trigger has at most one source of any other type, and
-/// one per object type, whatever its motion flag and duration: two of them would fire together.
+/// Orders the sources of a trigger: by type, ONVIF sources by topic, object detection by object
+/// type. All else counts as the same source, so a trigger has at most one source of any other type,
+/// and one per object type, whatever its motion flag and duration: two of them would fire together.
 inline bool operator<(const Trigger_Source& left, const Trigger_Source& right) {
   if (left.type != right.type) {
     return left.type < right.type;
@@ -76,7 +76,8 @@ inline bool operator<(const Trigger_Mapping_Entry& left, const Trigger_Mapping_E
 
 /// One trigger of the configuration.
 struct Trigger_Config {
-  /// Which servers, cameras and generic subscriptions the trigger is for; an empty filter is for all.
+  /// Which servers, cameras and generic subscriptions the trigger is for; an empty filter is for
+  /// all.
   struct Tags {
     std::set<ODB_Utils::Tag_Search_Term> server;
     std::set<ODB_Utils::Tag_Search_Term> camera;

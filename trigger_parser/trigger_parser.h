@@ -14,8 +14,8 @@ namespace kuv::vemora {
 /// Reads the two documents that triggers come from. The order of the operations is part of the ABI.
 ///
 /// A document is taken or rejected as a whole: the first fault ends the call with a
-/// Backend_Error<std::runtime_error> whose text says what is wrong. Errors of the database reach the
-/// caller unchanged. The trigger manager calls these under its lock, one thread at a time.
+/// Backend_Error<std::runtime_error> whose text says what is wrong. Errors of the database reach
+/// the caller unchanged. The trigger manager calls these under its lock, one thread at a time.
 class VEMORA_API Trigger_Parser {
  public:
   virtual ~Trigger_Parser() = default;
@@ -23,9 +23,9 @@ class VEMORA_API Trigger_Parser {
   /// The schedules that a trigger mapping document ("triggerMapping") gives to triggers.
   virtual Trigger_Mapping parse_trigger_mapping(const Json::Value& document) = 0;
 
-  /// The triggers of a trigger configuration document ("triggers"), in its order, with the schedules
-  /// that `mapping` leaves them. Throws Internal_Error<std::logic_error> when the database does not
-  /// know this server.
+  /// The triggers of a trigger configuration document ("triggers"), in its order, with the
+  /// schedules that `mapping` leaves them. Throws Internal_Error<std::logic_error> when the
+  /// database does not know this server.
   virtual std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
                                                             const Trigger_Mapping& mapping) = 0;
 

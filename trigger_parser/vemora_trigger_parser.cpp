@@ -17,8 +17,8 @@ Vemora_Trigger_Parser::~Vemora_Trigger_Parser() = default;
 std::map<std::string, Tag_Info> Vemora_Trigger_Parser::get_latest_server_tags_() {
   const std::shared_ptr<server> record = repository_->servers().get_by_id(server_id_);
   if (!record) {
-    throw Internal_Error<std::logic_error>("Failed to retrieve server tags due to invalid server ID",
-                                           error_codes::internal);
+    throw Internal_Error<std::logic_error>(
+        "Failed to retrieve server tags due to invalid server ID", error_codes::internal);
   }
   return record->tags;
 }

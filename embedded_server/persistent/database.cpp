@@ -13,9 +13,9 @@ namespace {
 void require_schema(Engine& engine, Database::Open_Mode mode) {
   const std::optional<std::int32_t> version = engine.schema_version();
   if (version > current_schema_version) {
-    throw Database_Error(fmt::format(
-        "it was made by a newer version of this program (schema {}, known up to {})", *version,
-        current_schema_version));
+    throw Database_Error(
+        fmt::format("it was made by a newer version of this program (schema {}, known up to {})",
+                    *version, current_schema_version));
   }
   if (!version && mode == Database::Open_Mode::existing) {
     throw Database_Error("it holds no site; \"init\" makes one");

@@ -48,6 +48,6 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
 
 /// The repositories over a database. Each operation joins the pass that is open on its thread (see
 /// Pass_Scope), or runs in a transaction of its own. Faults are thrown as Database_Error.
-VEMORA_API std::shared_ptr<Repository> make_repository(std::shared_ptr<Database> database);
+VEMORA_API std::shared_ptr<Repository> make_repository(const std::shared_ptr<Database>& database);
 
 }  // namespace kuv::vemora::embedded_server

@@ -159,8 +159,7 @@ Inventory_References load_inventory_references(const std::shared_ptr<Database>& 
 
 std::map<std::string, std::set<std::string>> load_object_types(
     const std::shared_ptr<Database>& database) {
-  return read(database,
-              [&](Site_Index&) { return read_object_types(database->engine().odb()); });
+  return read(database, [&](Site_Index&) { return read_object_types(database->engine().odb()); });
 }
 
 void store_inventory(const std::shared_ptr<Database>& database, const Inventory& inventory) {

@@ -57,16 +57,17 @@ struct Inventory_References {
 // Each of these joins the pass that is open on its thread, as a repository operation does.
 
 /// What the database holds already.
-VEMORA_API Inventory_References load_inventory_references(
-    const std::shared_ptr<Database>& database);
+VEMORA_API Inventory_References
+load_inventory_references(const std::shared_ptr<Database>& database);
 
 /// What general object types stand for, as stored.
 VEMORA_API std::map<std::string, std::set<std::string>> load_object_types(
     const std::shared_ptr<Database>& database);
 
-/// Creates or replaces the records named, in one transaction; the others stay as they are, and so do
-/// the triggers that records hold. A general object type is replaced as a whole. The inventory is
-/// valid and its references are there. Waits for passes of other processes; throws Database_Error.
+/// Creates or replaces the records named, in one transaction; the others stay as they are, and so
+/// do the triggers that records hold. A general object type is replaced as a whole. The inventory
+/// is valid and its references are there. Waits for passes of other processes; throws
+/// Database_Error.
 VEMORA_API void store_inventory(const std::shared_ptr<Database>& database,
                                 const Inventory& inventory);
 

@@ -55,8 +55,8 @@ class VEMORA_API Pass_Scope {
   const Documents& documents() const;
 
   /// To be called when the trigger manager is done. A pass that failed before its last write is
-  /// committed as far as it came; throws Database_Error, saying that nothing of it was kept, when the
-  /// database lost it.
+  /// committed as far as it came; throws Database_Error, saying that nothing of it was kept, when
+  /// the database lost it.
   void end();
 
   /// The fault that sticks; nothing as long as the database did what it was asked.
@@ -69,8 +69,8 @@ class VEMORA_API Pass_Scope {
   /// streams have not been reconciled since. After end().
   std::set<std::uint64_t> pending_cameras();
 
-  /// Stores documents, where given, and strikes out cameras that were reconciled, in one transaction
-  /// of its own. After end().
+  /// Stores documents, where given, and strikes out cameras that were reconciled, in one
+  /// transaction of its own. After end().
   void store(const Documents& accepted, const std::set<std::uint64_t>& reconciled);
 
  private:

@@ -14,8 +14,8 @@
 namespace kuv::vemora::embedded_server {
 
 // Everything that is stored, for whoever shows it. Lists ascend by id, links are loaded unless what
-// they lead to is gone. Each call joins the pass that is open on its thread, or reads one consistent
-// state of its own, and throws Database_Error.
+// they lead to is gone. Each call joins the pass that is open on its thread, or reads one
+// consistent state of its own, and throws Database_Error.
 
 VEMORA_API std::vector<std::shared_ptr<trigger>> read_triggers(
     const std::shared_ptr<Database>& database);

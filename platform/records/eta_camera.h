@@ -1,11 +1,12 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <memory>
 #include <set>
 
 #include "vemora/platform/export.h"
-#include "vemora/platform/odb_runtime.h"
 #include "vemora/platform/records/camera.h"
 #include "vemora/platform/records/record_comparator.h"
 #include "vemora/platform/records/trigger.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -8,7 +10,6 @@
 #include <vector>
 
 #include "vemora/platform/export.h"
-#include "vemora/platform/odb_runtime.h"
 #include "vemora/platform/records/camera.h"
 #include "vemora/platform/records/metadata_event_category.h"
 #include "vemora/platform/records/trigger.h"
@@ -42,7 +43,8 @@ struct metadata_event_subscription {
   /// Ascending by id; changed through add_trigger and remove_trigger alone.
   std::vector<odb::lazy_shared_ptr<trigger>> trigger_links;
   std::set<Tag_Entry> tags;  ///< matched by the event-subscription filters of triggers
-  std::vector<odb::lazy_shared_ptr<vemora::camera>> camera_links;  ///< further cameras of a generic one
+  std::vector<odb::lazy_shared_ptr<vemora::camera>>
+      camera_links;  ///< further cameras of a generic one
 
   Trigger_Link_Changes link_changes;  ///< of the persistence library
 };

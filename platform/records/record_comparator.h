@@ -15,7 +15,8 @@ namespace ODB_Utils {
 /// so that two loaded copies of one record are one element. A null pointer comes first.
 struct VEMORA_API Record_Comparator {
   bool operator()(const std::shared_ptr<camera>& left, const std::shared_ptr<camera>& right) const;
-  bool operator()(const std::shared_ptr<trigger>& left, const std::shared_ptr<trigger>& right) const;
+  bool operator()(const std::shared_ptr<trigger>& left,
+                  const std::shared_ptr<trigger>& right) const;
 };
 
 }  // namespace ODB_Utils

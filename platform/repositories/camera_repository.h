@@ -20,7 +20,8 @@ class VEMORA_API Camera_Repository {
   virtual ~Camera_Repository() = default;
 
   /// The cameras whose tags satisfy at least one of `terms`; with no terms, all.
-  virtual Camera_List get_cameras_matching_tags(const std::set<ODB_Utils::Tag_Search_Term>& terms) = 0;
+  virtual Camera_List get_cameras_matching_tags(
+      const std::set<ODB_Utils::Tag_Search_Term>& terms) = 0;
 
   /// Those of `cameras` (all, when the list is empty) that no subscription to `onvif_topic`
   /// exists for yet, whether or not they can send it.

@@ -9,9 +9,9 @@
 
 namespace kuv::vemora {
 
-/// The object-detection maps of the cameras, one for a camera at most. Every list comes in ascending
-/// order of record id. A bool answer is true when the record is stored and false when the database
-/// refused it; every operation may also throw what the persistence library throws.
+/// The object-detection maps of the cameras, one for a camera at most. Every list comes in
+/// ascending order of record id. A bool answer is true when the record is stored and false when the
+/// database refused it; every operation may also throw what the persistence library throws.
 class VEMORA_API ETA_Camera_Repository {
  public:
   using Record_List = std::vector<std::shared_ptr<eta_camera>>;

@@ -11,9 +11,10 @@ class VEMORA_API Manager {
  public:
   virtual ~Manager() = default;
 
-  /// Brings the metadata stream of one camera in line with the subscriptions stored for it. A camera
-  /// whose last subscription went must send no events any more, rather than all of them. Called on
-  /// the thread of the pass, after its records were stored; may throw, which costs only that camera.
+  /// Brings the metadata stream of one camera in line with the subscriptions stored for it. A
+  /// camera whose last subscription went must send no events any more, rather than all of them.
+  /// Called on the thread of the pass, after its records were stored; may throw, which costs only
+  /// that camera.
   virtual void reconcile_metadata_stream(std::uint64_t camera_id) = 0;
 };
 

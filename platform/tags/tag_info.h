@@ -11,8 +11,12 @@ struct Tag_Info {
   std::optional<std::string> value;
 };
 
-inline bool operator==(const Tag_Info& left, const Tag_Info& right) { return left.value == right.value; }
-inline bool operator<(const Tag_Info& left, const Tag_Info& right) { return left.value < right.value; }
+inline bool operator==(const Tag_Info& left, const Tag_Info& right) {
+  return left.value == right.value;
+}
+inline bool operator<(const Tag_Info& left, const Tag_Info& right) {
+  return left.value < right.value;
+}
 
 /// The tags of a record, by name.
 using Tag_Map = std::map<std::string, Tag_Info>;

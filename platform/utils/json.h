@@ -10,8 +10,8 @@ namespace kuv::utils {
 VEMORA_API void set_json_value_if_null(Json::Value& target, const Json::Value& fallback);
 
 /// Appends the elements of a JSON array of unsigned 64-bit integers to `numbers`, in order,
-/// duplicates kept; `numbers` is not cleared first. False when `array` is no array, and at the first
-/// element that is null or no unsigned 64-bit integer; what came before it stays appended.
+/// duplicates kept; `numbers` is not cleared first. False when `array` is no array, and at the
+/// first element that is null or no unsigned 64-bit integer; what came before it stays appended.
 template <class Container>
 bool transform_json_array(const Json::Value& array, Container& numbers) {
   if (!array.isArray()) {

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <exception>
 #include <functional>
 #include <memory>
+#include <odb/database.hxx>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "vemora/platform/odb_runtime.h"
-
-#include <odb/database.hxx>
 
 namespace kuv::vemora::embedded_server {
 
@@ -34,7 +33,8 @@ class Engine {
   /// Waits until no other process holds the lock; throws Database_Error when that takes too long.
   virtual std::unique_ptr<Pass_Lock> lock_passes() = 0;
 
-  /// Brings the schema up to the version that this library works with, making it where it is absent.
+  /// Brings the schema up to the version that this library works with, making it where it is
+  /// absent.
   virtual void migrate() = 0;
 
   /// The version of the schema; nothing where the database is empty. Throws when it is not ours.

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 #include <thread>
 
 #include "vemora/embedded_server/persistent/database_error.h"
@@ -17,13 +17,16 @@ namespace {
 constexpr std::chrono::milliseconds poll_interval(5);
 constexpr mode_t lock_file_mode = 0666;  // less the umask, as the database itself
 
+std::string reason_of(int number) {
+  return std::generic_category().message(number);
+}
+
 }  // namespace
 
 File_Lock::File_Lock(const std::string& path, std::chrono::milliseconds wait)
     : descriptor_(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, lock_file_mode)) {
   if (descriptor_ < 0) {
-    throw Database_Error(
-        fmt::format("cannot open the lock file {}: {}", path, std::strerror(errno)));
+    throw Database_Error(fmt::format("cannot open the lock file {}: {}", path, reason_of(errno)));
   }
   const auto deadline = std::chrono::steady_clock::now() + wait;
   while (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
@@ -40,10 +43,12 @@ File_Lock::File_Lock(const std::string& path, std::chrono::milliseconds wait)
         reason == EWOULDBLOCK
             ? fmt::format("another process is at work on this database; gave up after {} ms",
                           wait.count())
-            : fmt::format("cannot lock {}: {}", path, std::strerror(reason)));
+            : fmt::format("cannot lock {}: {}", path, reason_of(reason)));
   }
 }
 
-File_Lock::~File_Lock() { ::close(descriptor_); }
+File_Lock::~File_Lock() {
+  ::close(descriptor_);
+}
 
 }  // namespace kuv::vemora::embedded_server

@@ -7,8 +7,8 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// A lock that processes, and threads of one, hold by turns: an open file, locked. The kernel lets go
-/// of it when the holder dies, however it dies.
+/// A lock that processes, and threads of one, hold by turns: an open file, locked. The kernel lets
+/// go of it when the holder dies, however it dies.
 class File_Lock : public Engine::Pass_Lock {
  public:
   /// Waits for the lock; throws Database_Error when it is not to be had within `wait`.

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <chrono>
-
 #include "vemora/platform/odb_runtime.h"
 
+#include <chrono>
 #include <odb/sqlite/connection-factory.hxx>
 
 namespace kuv::vemora::embedded_server {

@@ -55,7 +55,9 @@ void run_script(sqlite3* handle, const char* script) {
   }
 }
 
-sqlite3* current_handle() { return odb::sqlite::transaction::current().connection().handle(); }
+sqlite3* current_handle() {
+  return odb::sqlite::transaction::current().connection().handle();
+}
 
 }  // namespace
 
@@ -63,8 +65,8 @@ SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
                              std::chrono::milliseconds lock_wait)
     : path_(path), lock_wait_(lock_wait) {
   require_file(path, mode);
-  // Foreign keys are not declared, see the schema, and a cache of its own keeps a connection clear of
-  // the table locks that shared ones have.
+  // Foreign keys are not declared, see the schema, and a cache of its own keeps a connection clear
+  // of the table locks that shared ones have.
   const int create = mode == Database::Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
   database_ = std::make_unique<odb::sqlite::database>(
       as_file_name(path), SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | create, false, "",
@@ -73,7 +75,9 @@ SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
 
 SQLite_Engine::~SQLite_Engine() = default;
 
-odb::database& SQLite_Engine::odb() { return *database_; }
+odb::database& SQLite_Engine::odb() {
+  return *database_;
+}
 
 std::unique_ptr<Engine::Pass_Lock> SQLite_Engine::lock_passes() {
   return std::make_unique<File_Lock>(path_ + ".lock", lock_wait_);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,7 +12,6 @@
 
 #include "embedded_server/persistent/index/capability_store.h"
 #include "embedded_server/persistent/index/tag_postings.h"
-#include "vemora/platform/odb_runtime.h"
 #include "vemora/platform/records/camera.h"
 
 namespace odb {
@@ -35,8 +36,8 @@ class Camera_Index {
 
   Camera_List matching(const std::set<ODB_Utils::Tag_Search_Term>& terms) const;
 
-  /// Those of `candidates` (all, when there are none) that `wanted` says yes to, ascending by id and
-  /// each once; cameras that are not stored drop out.
+  /// Those of `candidates` (all, when there are none) that `wanted` says yes to, ascending by id
+  /// and each once; cameras that are not stored drop out.
   template <class Wanted>
   Camera_List select(const Camera_List& candidates, Wanted wanted) const {
     Camera_List selected;

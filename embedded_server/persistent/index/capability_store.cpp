@@ -19,8 +19,8 @@ std::shared_ptr<const Capability_Store::Tree> parse(std::uint64_t camera_id,
   try {
     boost::property_tree::read_json(stream, *tree);
   } catch (const boost::property_tree::json_parser_error& error) {
-    throw Database_Error(
-        fmt::format("the capability document of camera {} is corrupt: {}", camera_id, error.what()));
+    throw Database_Error(fmt::format("the capability document of camera {} is corrupt: {}",
+                                     camera_id, error.what()));
   }
   return tree;
 }
@@ -53,11 +53,11 @@ std::shared_ptr<const Capability_Store::Tree> Capability_Store::find(std::uint64
 
 void Capability_Store::load() {
   for_each_row<rows::Camera_Capability>(
-      database_, "camera_id", [&](const rows::Camera_Capability& row) {
-        document_ids_[row.camera_id] = row.document_id;
-      });
-  for_each_row<rows::Capability_Text>(
-      database_, "id", [&](const rows::Capability_Text& row) { documents_[row.id].text = row.text; });
+      database_, "camera_id",
+      [&](const rows::Camera_Capability& row) { document_ids_[row.camera_id] = row.document_id; });
+  for_each_row<rows::Capability_Text>(database_, "id", [&](const rows::Capability_Text& row) {
+    documents_[row.id].text = row.text;
+  });
   loaded_ = true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -7,7 +9,6 @@
 #include <unordered_map>
 #include <utility>
 
-#include "vemora/platform/odb_runtime.h"
 #include "vemora/platform/records/capability_document.h"
 
 namespace odb {
@@ -16,8 +17,8 @@ class database;
 
 namespace kuv::vemora::embedded_server {
 
-/// Runs an action with a transaction at hand, as a repository operation of its own: a fault in it is
-/// one of the pass.
+/// Runs an action with a transaction at hand, as a repository operation of its own: a fault in it
+/// is one of the pass.
 using Capability_Guard = std::function<void(const std::function<void()>&)>;
 
 /// The capability documents of all cameras, read with one statement a table when the first of them

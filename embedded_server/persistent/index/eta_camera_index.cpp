@@ -87,9 +87,8 @@ bool ETA_Camera_Index::add(const std::shared_ptr<Record>& added) {
       !std::all_of(added->triggers.begin(), added->triggers.end(), is_stored)) {
     return false;
   }
-  added->id = ids_.allocate([this](std::uint64_t id) {
-    return records_.find(id) != nullptr || deleted_.count(id) != 0;
-  });
+  added->id = ids_.allocate(
+      [this](std::uint64_t id) { return records_.find(id) != nullptr || deleted_.count(id) != 0; });
   added_.insert(added->id);
   by_camera_.emplace(added->camera_id(), &records_.insert(added));
   return true;

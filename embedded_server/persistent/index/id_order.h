@@ -9,7 +9,9 @@ namespace kuv::vemora::embedded_server {
 /// database orders ids as signed numbers, and only ids beyond the signed ones come out of place.
 template <class Container, class Key>
 void sort_by(Container& elements, Key key) {
-  const auto before = [&key](const auto& left, const auto& right) { return key(left) < key(right); };
+  const auto before = [&key](const auto& left, const auto& right) {
+    return key(left) < key(right);
+  };
   if (!std::is_sorted(elements.begin(), elements.end(), before)) {
     std::sort(elements.begin(), elements.end(), before);
   }

@@ -6,7 +6,9 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-auto key(const Changes::Link& link) { return std::tie(link.record_id, link.trigger_id); }
+auto key(const Changes::Link& link) {
+  return std::tie(link.record_id, link.trigger_id);
+}
 
 }  // namespace
 

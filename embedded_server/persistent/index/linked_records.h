@@ -15,8 +15,8 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// One kind of record that holds triggers, as a pass sees it: by id, and by trigger held. There is one
-/// object a record; whoever asks for it gets that one.
+/// One kind of record that holds triggers, as a pass sees it: by id, and by trigger held. There is
+/// one object a record; whoever asks for it gets that one.
 template <class Record>
 class Linked_Records {
  public:
@@ -130,7 +130,8 @@ class Linked_Records {
     return found->second.entries;
   }
 
-  /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next call.
+  /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next
+  /// call.
   void mark_holders(std::uint64_t trigger_id) {
     ++last_mark_;
     for (Entry* const entry : holders(trigger_id)) {
@@ -139,7 +140,8 @@ class Linked_Records {
   }
   bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
 
-  /// A deleted trigger may have left rows behind that nobody wrote in a pass; they go with the next.
+  /// A deleted trigger may have left rows behind that nobody wrote in a pass; they go with the
+  /// next.
   void note_dangling(std::uint64_t record_id, std::uint64_t trigger_id) {
     journal_.note_removed(record_id, trigger_id);
   }
@@ -158,9 +160,8 @@ class Linked_Records {
       const auto let_go = [trigger_id](const Entry* entry) {
         return !holds(*entry->record, trigger_id);
       };
-      holders.entries.erase(
-          std::remove_if(holders.entries.begin(), holders.entries.end(), let_go),
-          holders.entries.end());
+      holders.entries.erase(std::remove_if(holders.entries.begin(), holders.entries.end(), let_go),
+                            holders.entries.end());
       holders.untidy = false;
     }
     sort_unique_by(holders.entries, [](const Entry* entry) { return entry->record->id; });

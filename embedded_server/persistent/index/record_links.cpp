@@ -22,9 +22,9 @@ std::shared_ptr<trigger> probe(std::uint64_t trigger_id) {
 
 bool holds(const metadata_event_subscription& record, std::uint64_t trigger_id) {
   const auto& links = record.trigger_links;
-  const auto place = std::lower_bound(
-      links.begin(), links.end(), trigger_id,
-      [](const auto& link, std::uint64_t wanted) { return id_of(link) < wanted; });
+  const auto place =
+      std::lower_bound(links.begin(), links.end(), trigger_id,
+                       [](const auto& link, std::uint64_t wanted) { return id_of(link) < wanted; });
   return place != links.end() && id_of(*place) == trigger_id;
 }
 
@@ -55,7 +55,9 @@ bool holds_nothing(const metadata_event_subscription& record) {
   return record.trigger_links.empty();
 }
 
-bool holds_nothing(const eta_camera& record) { return record.triggers.empty(); }
+bool holds_nothing(const eta_camera& record) {
+  return record.triggers.empty();
+}
 
 void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held) {
   auto& links = record.trigger_links;

@@ -35,6 +35,7 @@ void append_link(eta_camera& record, const std::shared_ptr<trigger>& held);
 /// Takes all of these triggers off at once, without a note in the record; answers those it held.
 std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,
                                         const std::set<std::uint64_t>& triggers);
-std::vector<std::uint64_t> remove_links(eta_camera& record, const std::set<std::uint64_t>& triggers);
+std::vector<std::uint64_t> remove_links(eta_camera& record,
+                                        const std::set<std::uint64_t>& triggers);
 
 }  // namespace kuv::vemora::embedded_server

@@ -197,9 +197,8 @@ bool Subscription_Index::add(const std::shared_ptr<Record>& added) {
       return false;
     }
   }
-  added->id = ids_.allocate([this](std::uint64_t id) {
-    return records_.find(id) != nullptr || deleted_.count(id) != 0;
-  });
+  added->id = ids_.allocate(
+      [this](std::uint64_t id) { return records_.find(id) != nullptr || deleted_.count(id) != 0; });
   added_.insert(added->id);
   enter(records_.insert(added));
   return true;

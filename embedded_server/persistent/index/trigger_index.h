@@ -1,12 +1,13 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
 #include <vector>
 
-#include "vemora/platform/odb_runtime.h"
 #include "vemora/platform/records/trigger.h"
 
 namespace odb {

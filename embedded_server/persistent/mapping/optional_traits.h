@@ -1,10 +1,9 @@
 #pragma once
 
-#include <optional>
-
 #include "vemora/platform/odb_runtime.h"
 
 #include <odb/wrapper-traits.hxx>
+#include <optional>
 
 namespace odb {
 

@@ -27,7 +27,8 @@
 #pragma db object(kuv::vemora::schedule) table("schedule") pointer(std::shared_ptr) definition
 #pragma db member(kuv::vemora::schedule::id) id
 
-#pragma db object(kuv::vemora::metadata_event_category) table("event_category") pointer(std::shared_ptr) definition
+#pragma db object(kuv::vemora::metadata_event_category) table("event_category") \
+    pointer(std::shared_ptr) definition
 #pragma db member(kuv::vemora::metadata_event_category::id) id
 
 #pragma db object(kuv::vemora::trigger) table("trigger_record") pointer(std::shared_ptr) definition

@@ -3,13 +3,12 @@
 // The rows that are no records of their own. Links are keyed by both ends and carry no position, so
 // that any of them can come and go without touching the others.
 
-#include <cstdint>
-#include <optional>
-#include <string>
-
 #include "vemora/platform/odb_runtime.h"
 
+#include <cstdint>
 #include <odb/core.hxx>
+#include <optional>
+#include <string>
 
 #include "vemora/embedded_server/persistent/mapping/optional_traits.h"
 
@@ -35,7 +34,8 @@ struct Tag_Key {
 };
 
 inline bool operator<(const Tag_Key& left, const Tag_Key& right) {
-  return left.record_id != right.record_id ? left.record_id < right.record_id : left.name < right.name;
+  return left.record_id != right.record_id ? left.record_id < right.record_id
+                                           : left.name < right.name;
 }
 
 #pragma db object table("server_tag")

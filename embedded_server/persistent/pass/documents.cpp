@@ -40,8 +40,8 @@ void require_owner(odb::database& database, std::uint64_t server_id) {
   rows::Site site;
   database.load(1, site);
   if (site.server_id && *site.server_id != server_id) {
-    throw Database_Error(fmt::format("it belongs to server {}, not to server {}", *site.server_id,
-                                     server_id));
+    throw Database_Error(
+        fmt::format("it belongs to server {}, not to server {}", *site.server_id, server_id));
   }
 }
 

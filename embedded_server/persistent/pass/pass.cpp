@@ -32,7 +32,9 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
   innermost = this;
 }
 
-Pass::~Pass() { innermost = enclosing_; }
+Pass::~Pass() {
+  innermost = enclosing_;
+}
 
 Pass* Pass::current(const Database& database) {
   Pass* pass = innermost;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <odb/transaction.hxx>
 #include <optional>
 #include <set>
 #include <string>
@@ -12,9 +15,6 @@
 #include "embedded_server/persistent/index/site_index.h"
 #include "vemora/embedded_server/persistent/database.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
-#include "vemora/platform/odb_runtime.h"
-
-#include <odb/transaction.hxx>
 
 namespace kuv::vemora::embedded_server {
 

@@ -35,13 +35,21 @@ Pass_Scope::Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_
 
 Pass_Scope::~Pass_Scope() = default;
 
-const Documents& Pass_Scope::documents() const { return state_->documents; }
+const Documents& Pass_Scope::documents() const {
+  return state_->documents;
+}
 
-void Pass_Scope::end() { state_->pass.end(); }
+void Pass_Scope::end() {
+  state_->pass.end();
+}
 
-const std::optional<std::string>& Pass_Scope::fault() const { return state_->pass.fault(); }
+const std::optional<std::string>& Pass_Scope::fault() const {
+  return state_->pass.fault();
+}
 
-const Changes& Pass_Scope::changes() const { return state_->pass.changes(); }
+const Changes& Pass_Scope::changes() const {
+  return state_->pass.changes();
+}
 
 std::set<std::uint64_t> Pass_Scope::pending_cameras() {
   std::set<std::uint64_t> ids;

@@ -13,7 +13,8 @@ namespace {
 
 void require_same(bool same, const char* what, std::uint64_t id) {
   if (!same) {
-    throw std::logic_error(fmt::format("the index of the pass and the database differ: {} {}", what, id));
+    throw std::logic_error(
+        fmt::format("the index of the pass and the database differ: {} {}", what, id));
   }
 }
 

@@ -5,7 +5,9 @@
 
 namespace kuv::vemora {
 
-std::uint64_t eta_camera::camera_id() const { return camera.object_id(); }
+std::uint64_t eta_camera::camera_id() const {
+  return camera.object_id();
+}
 
 bool eta_camera::add_trigger(const std::shared_ptr<trigger>& added) {
   const bool is_new = triggers.insert(added).second;

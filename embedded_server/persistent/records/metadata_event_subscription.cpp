@@ -26,7 +26,9 @@ auto place_of(Links& links, std::uint64_t trigger_id) {
 
 }  // namespace
 
-std::uint64_t metadata_event_subscription::camera_id() const { return camera.object_id(); }
+std::uint64_t metadata_event_subscription::camera_id() const {
+  return camera.object_id();
+}
 
 std::vector<std::uint64_t> metadata_event_subscription::trigger_ids() const {
   std::vector<std::uint64_t> ids;

@@ -10,7 +10,8 @@ class Stored_Cameras : public Camera_Repository {
  public:
   explicit Stored_Cameras(std::shared_ptr<Database> database) : database_(std::move(database)) {}
 
-  Camera_List get_cameras_matching_tags(const std::set<ODB_Utils::Tag_Search_Term>& terms) override {
+  Camera_List get_cameras_matching_tags(
+      const std::set<ODB_Utils::Tag_Search_Term>& terms) override {
     return read(database_, [&](Site_Index& site) { return site.cameras().matching(terms); });
   }
 

@@ -2,7 +2,7 @@
 
 namespace kuv::vemora::embedded_server {
 
-std::shared_ptr<Repository> make_repository(std::shared_ptr<Database> database) {
+std::shared_ptr<Repository> make_repository(const std::shared_ptr<Database>& database) {
   return std::make_shared<Repository>(
       make_camera_repository(database), make_server_repository(database),
       make_metadata_event_category_repository(database),

@@ -20,14 +20,12 @@ class Stored_Subscriptions : public Metadata_Event_Subscription_Repository {
   }
 
   bool update(const std::shared_ptr<metadata_event_subscription>& changed) override {
-    return write(database_,
-                 [&](Site_Index& site) { return site.subscriptions().update(changed); });
+    return write(database_, [&](Site_Index& site) { return site.subscriptions().update(changed); });
   }
 
   Subscription_List Get_Matching_Subscriptions(
       const Get_Matching_Subscriptions_Params& params) override {
-    return read(database_,
-                [&](Site_Index& site) { return site.subscriptions().matching(params); });
+    return read(database_, [&](Site_Index& site) { return site.subscriptions().matching(params); });
   }
 
   Subscription_List get_stale(const std::set<std::uint64_t>& live_trigger_ids) override {

@@ -15,6 +15,7 @@ std::unique_ptr<Metadata_Event_Subscription_Repository> make_metadata_event_subs
     std::shared_ptr<Database> database);
 std::unique_ptr<Trigger_Repository> make_trigger_repository(std::shared_ptr<Database> database);
 std::unique_ptr<Schedule_Repository> make_schedule_repository(std::shared_ptr<Database> database);
-std::unique_ptr<ETA_Camera_Repository> make_eta_camera_repository(std::shared_ptr<Database> database);
+std::unique_ptr<ETA_Camera_Repository> make_eta_camera_repository(
+    std::shared_ptr<Database> database);
 
 }  // namespace kuv::vemora::embedded_server
