@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -44,7 +45,7 @@ class Linked_Records {
   /// A link that the database holds already.
   void load_link(Entry& entry, const std::shared_ptr<trigger>& held) {
     append_link(*entry.record, held);
-    holders_[held->id].entries.push_back(&entry);
+    holders_[held->id].push_back(&entry);
   }
 
   /// A new record with all its links.
@@ -53,7 +54,7 @@ class Linked_Records {
     entry.record = added;
     for (const std::uint64_t trigger_id : held_ids(*added)) {
       journal_.note_added(added->id, trigger_id);
-      holders_[trigger_id].entries.push_back(&entry);
+      holders_[trigger_id].push_back(&entry);
     }
     added->link_changes = {};
     return entry;
@@ -67,13 +68,13 @@ class Linked_Records {
     for (const std::shared_ptr<trigger>& record : added) {
       if (same_object || entry.record->add_trigger(record)) {
         journal_.note_added(changed.id, record->id);
-        holders_[record->id].entries.push_back(&entry);
+        holders_[record->id].push_back(&entry);
       }
     }
     for (const std::uint64_t trigger_id : removed) {
       if (same_object || entry.record->remove_trigger(probe(trigger_id))) {
         journal_.note_removed(changed.id, trigger_id);
-        holders_[trigger_id].untidy = true;
+        untidy_.insert(trigger_id);
       }
     }
     entry.record->link_changes = {};
@@ -88,7 +89,9 @@ class Linked_Records {
       fresh->remove_trigger(probe(trigger_id));
     }
     for (const std::uint64_t trigger_id : refused.removed) {
-      fresh->add_trigger(find_trigger(trigger_id));
+      if (const std::shared_ptr<trigger> held = find_trigger(trigger_id)) {
+        fresh->add_trigger(held);
+      }
     }
     fresh->link_changes = {};
     entry.record = std::move(fresh);
@@ -112,6 +115,7 @@ class Linked_Records {
 
   /// The record is gone, its links with it.
   void erase(std::uint64_t id) {
+    tidy_all();  // no list may lead to a record that is gone
     for (const std::uint64_t trigger_id : held_ids(*entries_.at(id).record)) {
       journal_.note_removed(id, trigger_id);
       forget_holder(trigger_id, &entries_.at(id));
@@ -127,7 +131,7 @@ class Linked_Records {
       return nobody;
     }
     tidy(trigger_id, found->second);
-    return found->second.entries;
+    return found->second;
   }
 
   /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next
@@ -149,31 +153,33 @@ class Linked_Records {
   Changes::Of<Changes::Link> settle() { return journal_.settle(); }
 
  private:
-  /// Who holds a trigger. A removal only leaves a note, so that many of them cost no search each.
-  struct Holders {
-    Entry_List entries;
-    bool untidy = false;
-  };
-
-  void tidy(std::uint64_t trigger_id, Holders& holders) {
-    if (holders.untidy) {
+  void tidy(std::uint64_t trigger_id, Entry_List& entries) {
+    if (untidy_.erase(trigger_id) != 0) {
       const auto let_go = [trigger_id](const Entry* entry) {
-        return !holds(*entry->record, trigger_id);
+        return !held_when_stored(*entry->record, trigger_id);
       };
-      holders.entries.erase(std::remove_if(holders.entries.begin(), holders.entries.end(), let_go),
-                            holders.entries.end());
-      holders.untidy = false;
+      entries.erase(std::remove_if(entries.begin(), entries.end(), let_go), entries.end());
     }
-    sort_unique_by(holders.entries, [](const Entry* entry) { return entry->record->id; });
+    sort_unique_by(entries, [](const Entry* entry) { return entry->record->id; });
+  }
+
+  void tidy_all() {
+    while (!untidy_.empty()) {
+      const std::uint64_t trigger_id = *untidy_.begin();
+      tidy(trigger_id, holders_[trigger_id]);
+    }
   }
 
   void forget_holder(std::uint64_t trigger_id, const Entry* entry) {
-    Entry_List& entries = holders_[trigger_id].entries;
+    Entry_List& entries = holders_[trigger_id];
     entries.erase(std::remove(entries.begin(), entries.end(), entry), entries.end());
   }
 
   std::map<std::uint64_t, Entry> entries_;
-  std::unordered_map<std::uint64_t, Holders> holders_;
+  std::unordered_map<std::uint64_t, Entry_List> holders_;  ///< by trigger
+  /// The triggers that were taken off records. A removal only leaves this note, so that many of
+  /// them cost no search each.
+  std::unordered_set<std::uint64_t> untidy_;
   Link_Journal journal_;
   std::uint64_t last_mark_ = 0;
 };

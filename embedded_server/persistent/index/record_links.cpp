@@ -1,6 +1,7 @@
 #include "embedded_server/persistent/index/record_links.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "records-odb.h"
 
@@ -10,6 +11,19 @@ namespace {
 std::uint64_t id_of(const odb::lazy_shared_ptr<trigger>& link) {
   const trigger* const loaded = link.get();
   return loaded != nullptr ? loaded->id : link.object_id();
+}
+
+/// Takes `triggers` off the notes, and makes what was taken off in memory what was stored of it.
+void forget_notes(const std::set<std::uint64_t>& triggers, Trigger_Link_Changes& notes,
+                  std::vector<std::uint64_t>& taken_off) {
+  const auto goes = [&triggers](std::uint64_t id) { return triggers.count(id) != 0; };
+  for (const std::uint64_t id : notes.added) {
+    taken_off.erase(std::remove(taken_off.begin(), taken_off.end(), id), taken_off.end());
+  }
+  std::copy_if(notes.removed.begin(), notes.removed.end(), std::back_inserter(taken_off), goes);
+  for (std::vector<std::uint64_t>* const noted : {&notes.added, &notes.removed}) {
+    noted->erase(std::remove_if(noted->begin(), noted->end(), goes), noted->end());
+  }
 }
 
 }  // namespace
@@ -86,6 +100,7 @@ std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,
     return wanted;
   };
   links.erase(std::remove_if(links.begin(), links.end(), goes), links.end());
+  forget_notes(triggers, record.link_changes, removed);
   return removed;
 }
 
@@ -100,6 +115,7 @@ std::vector<std::uint64_t> remove_links(eta_camera& record,
       ++place;
     }
   }
+  forget_notes(triggers, record.link_changes, removed);
   return removed;
 }
 

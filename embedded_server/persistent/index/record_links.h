@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -18,6 +19,16 @@ std::shared_ptr<trigger> probe(std::uint64_t trigger_id);
 bool holds(const metadata_event_subscription& record, std::uint64_t trigger_id);
 bool holds(const eta_camera& record, std::uint64_t trigger_id);
 
+/// Whether the record held the trigger when it was last handed over.
+template <class Record>
+bool held_when_stored(const Record& record, std::uint64_t trigger_id) {
+  const auto in = [trigger_id](const std::vector<std::uint64_t>& ids) {
+    return std::find(ids.begin(), ids.end(), trigger_id) != ids.end();
+  };
+  return in(record.link_changes.removed) ||
+         (holds(record, trigger_id) && !in(record.link_changes.added));
+}
+
 std::vector<std::uint64_t> held_ids(const metadata_event_subscription& record);
 std::vector<std::uint64_t> held_ids(const eta_camera& record);
 
@@ -32,7 +43,8 @@ bool holds_nothing(const eta_camera& record);
 void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held);
 void append_link(eta_camera& record, const std::shared_ptr<trigger>& held);
 
-/// Takes all of these triggers off at once, without a note in the record; answers those it held.
+/// Takes all of these triggers off at once, and off the notes in the record; answers those it held
+/// when it was last handed over.
 std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,
                                         const std::set<std::uint64_t>& triggers);
 std::vector<std::uint64_t> remove_links(eta_camera& record,

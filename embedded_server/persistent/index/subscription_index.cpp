@@ -68,6 +68,10 @@ void Subscription_Index::load_cameras(odb::database& database) {
               link_to(database, cameras_.find(row.key.linked_id), row.key.linked_id));
         }
       });
+  for (auto& [id, entry] : records_.all()) {
+    sort_by(entry.record->camera_links,
+            [](const odb::lazy_shared_ptr<camera>& link) { return link.object_id(); });
+  }
 }
 
 void Subscription_Index::load_links(odb::database& database) {

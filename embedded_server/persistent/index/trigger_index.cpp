@@ -50,6 +50,15 @@ std::vector<std::shared_ptr<trigger>> Trigger_Index::all() const {
   return records;
 }
 
+std::vector<std::shared_ptr<const trigger>> Trigger_Index::all_accepted() const {
+  std::vector<std::shared_ptr<const trigger>> records;
+  records.reserve(records_.size());
+  for (const auto& [id, entry] : records_) {
+    records.push_back(entry.accepted);
+  }
+  return records;
+}
+
 std::set<std::uint64_t> Trigger_Index::ids() const {
   std::set<std::uint64_t> ids;
   for (const auto& [id, entry] : records_) {

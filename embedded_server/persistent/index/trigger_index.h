@@ -31,6 +31,8 @@ class Trigger_Index {
 
   /// Ascending by id.
   std::vector<std::shared_ptr<trigger>> all() const;
+  /// The same as they were last added or updated, whatever became of the records in memory.
+  std::vector<std::shared_ptr<const trigger>> all_accepted() const;
   std::set<std::uint64_t> ids() const;
 
   /// Null when there is none.

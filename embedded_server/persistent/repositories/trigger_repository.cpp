@@ -18,6 +18,13 @@ bool fits(Engine& engine, const trigger& record) {
          std::all_of(record.sources.begin(), record.sources.end(), source_fits);
 }
 
+bool schedules_are_stored(Site_Index& site, const trigger& record) {
+  return std::all_of(record.schedules.begin(), record.schedules.end(),
+                     [&site](const Trigger_Mapping_Entry& entry) {
+                       return site.schedules().find(entry.schedule->id) != nullptr;
+                     });
+}
+
 class Stored_Triggers : public Trigger_Repository {
  public:
   explicit Stored_Triggers(std::shared_ptr<Database> database) : database_(std::move(database)) {}
@@ -28,7 +35,7 @@ class Stored_Triggers : public Trigger_Repository {
 
   bool add(const std::shared_ptr<trigger>& added) override {
     return write(database_, [&](Site_Index& site) {
-      return fits(database_->engine(), *added) && site.add_trigger(added);
+      return is_acceptable(site, *added) && site.add_trigger(added);
     });
   }
 
@@ -37,7 +44,7 @@ class Stored_Triggers : public Trigger_Repository {
       if (!site.triggers().contains(changed->id)) {
         return false;
       }
-      if (!fits(database_->engine(), *changed)) {
+      if (!is_acceptable(site, *changed)) {
         site.restore_trigger(changed->id);
         return false;
       }
@@ -59,6 +66,10 @@ class Stored_Triggers : public Trigger_Repository {
   void delete_all() override { delete_all_except({}); }
 
  private:
+  bool is_acceptable(Site_Index& site, const trigger& record) {
+    return fits(database_->engine(), record) && schedules_are_stored(site, record);
+  }
+
   std::shared_ptr<Database> database_;
 };
 
