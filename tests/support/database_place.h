@@ -1,0 +1,87 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct sqlite3;
+
+namespace kuv::test {
+
+/// Rows as texts, whatever the engine; a cell without a text is NULL.
+using Row = std::vector<std::optional<std::string>>;
+using Rows = std::vector<Row>;
+
+/// Another program at work on a database: it sees what is committed and knows nothing of passes.
+class Foreign_Program {
+ public:
+  virtual ~Foreign_Program() = default;
+
+  /// Runs statements; throws std::runtime_error with the engine's complaint.
+  virtual void execute(const std::string& sql) = 0;
+  virtual Rows query(const std::string& sql) = 0;
+  virtual std::vector<std::string> tables() = 0;
+
+  /// Every row of every table that has any, in the order of their texts.
+  std::map<std::string, Rows> everything();
+
+  std::size_t count(const std::string& table);
+};
+
+/// A place for one fresh database, which goes with this object.
+class Database_Place {
+ public:
+  virtual ~Database_Place() = default;
+
+  /// What a database is opened by.
+  virtual std::string location() const = 0;
+
+  /// Connects another program to the database there.
+  virtual std::unique_ptr<Foreign_Program> foreign_program() = 0;
+};
+
+/// An engine that the suites run on.
+struct Database_Engine {
+  std::string name;
+  std::function<std::unique_ptr<Database_Place>()> make_place;
+};
+
+/// Every engine there is: one line each.
+std::vector<Database_Engine> database_engines();
+
+/// A file of SQLite's, in a folder of its own.
+class SQLite_Place : public Database_Place {
+ public:
+  SQLite_Place();
+  ~SQLite_Place() override;
+  SQLite_Place(const SQLite_Place&) = delete;
+  SQLite_Place& operator=(const SQLite_Place&) = delete;
+
+  std::string location() const override { return folder_ + "/site.db"; }
+  const std::string& folder() const { return folder_; }
+  std::unique_ptr<Foreign_Program> foreign_program() override;
+
+ private:
+  std::string folder_;
+};
+
+/// Another program with an SQLite file open.
+class SQLite_Program : public Foreign_Program {
+ public:
+  explicit SQLite_Program(const std::string& path);
+  ~SQLite_Program() override;
+  SQLite_Program(const SQLite_Program&) = delete;
+  SQLite_Program& operator=(const SQLite_Program&) = delete;
+
+  void execute(const std::string& sql) override;
+  Rows query(const std::string& sql) override;
+  std::vector<std::string> tables() override;
+
+ private:
+  sqlite3* handle_ = nullptr;
+};
+
+}  // namespace kuv::test
