@@ -1,0 +1,202 @@
+"""Kills `vemora-triggers apply` and looks at what is left.
+
+At every call by which it writes or syncs a file, and at random moments of a pass that takes a while:
+each time the database is whole and holds the state before the pass or the committed one, repeating the
+apply ends in the records of an undisturbed run, and no camera whose subscriptions changed is forgotten.
+
+    CRASH_MOMENTS=200   how many random moments (default 12)
+    CRASH_SEED=7        another draw of them
+"""
+
+import json
+import os
+import random
+import shutil
+import signal
+import sqlite3
+import subprocess
+import tempfile
+import time
+import unittest
+
+TOOL = os.environ["TOOL"]
+KILLER = os.environ["KILLER"]
+MOMENTS = int(os.environ.get("CRASH_MOMENTS", "12"))
+SEED = int(os.environ.get("CRASH_SEED", "1"))
+
+TOPICS = [f"tns1:RuleEngine/LineDetector/Crossed/{n}" for n in range(6)]
+
+
+def inventory(cameras):
+    topic_filter = {"TopicFilter": {"capabilities": {topic: "" for topic in TOPICS}}}
+    capabilities = {"Metadata": {"Mode": {"capabilities": {"On": topic_filter}}}}
+    return {
+        "servers": [{"id": 1, "name": "one"}],
+        "cameras": [
+            {"id": n, "name": f"camera {n}", "tags": {"half": "even" if n % 2 == 0 else "odd"},
+             "objectDetection": n % 3 == 0, "capabilities": capabilities}
+            for n in range(1, cameras + 1)
+        ],
+        "subscriptions": [{"id": 900001, "name": "door", "tags": {"door": "main"}}],
+    }
+
+
+def trigger(number, half, topics, detects=False):
+    sources = [{"type": "onvif-metadata", "onvifTopic": topic} for topic in topics]
+    if detects:
+        sources.append({"type": "object-detection", "searchItem": {"type": "person"}})
+    return {"id": number, "name": f"trigger {number}", "tags": {"camera": {"half": half}}, "sources": sources}
+
+
+def config_before():
+    return {"triggers": [trigger(1, "even", TOPICS[:2], True), trigger(2, "odd", TOPICS[1:3])]}
+
+
+def config_after():
+    door = {"id": 3, "name": "door", "tags": {"eventSubscription": {"door": "main"}},
+            "sources": [{"type": "metadata-event"}]}
+    return {"triggers": [trigger(1, "odd", TOPICS[2:5], True), door, trigger(4, "even", TOPICS[:4])]}
+
+
+class Site:
+    """A database in a folder of its own, and the tool on it."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.database = os.path.join(folder, "site.db")
+
+    def write(self, name, document):
+        path = os.path.join(self.folder, name)
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump(document, file)
+        return path
+
+    def command(self, *arguments):
+        return [TOOL, "--database", self.database, "--json", *arguments]
+
+    def run(self, *arguments):
+        done = subprocess.run(self.command(*arguments), capture_output=True, text=True, check=False)
+        if done.returncode != 0:
+            raise AssertionError(f"{arguments}: exit {done.returncode}\n{done.stdout}\n{done.stderr}")
+        return json.loads(done.stdout)
+
+    def start(self, *arguments, **environment):
+        return subprocess.Popen(self.command(*arguments), stdout=subprocess.DEVNULL,
+                                stderr=subprocess.DEVNULL, env={**os.environ, **environment})
+
+    def copy_to(self, folder):
+        shutil.copytree(self.folder, folder)
+        return Site(folder)
+
+    def remains(self):
+        """What the database holds: records, documents, cameras still to be reconciled."""
+        connection = sqlite3.connect(self.database)
+        try:
+            check = connection.execute("PRAGMA integrity_check").fetchall()
+            if check != [("ok",)]:
+                raise AssertionError(f"integrity check: {check[:5]}")
+            names = [row[0] for row in connection.execute(
+                "SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
+            tables = {name: sorted(connection.execute(f'SELECT * FROM "{name}"').fetchall(), key=repr)
+                      for name in names}
+        finally:
+            connection.close()
+        documents = tables.pop("document")
+        pending = tables.pop("pending_camera")
+        tables.pop("site")
+        return tables, documents, {row[0] for row in pending}
+
+
+class Crash_Test(unittest.TestCase):
+    def prepare(self, cameras):
+        top = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, top)
+        self.copies = iter(os.path.join(top, f"copy{n}") for n in range(1000000))
+        os.mkdir(os.path.join(top, "template"))
+        self.template = Site(os.path.join(top, "template"))
+        self.template.run("init", self.template.write("inventory.json", inventory(cameras)))
+        self.template.run("apply", self.template.write("before.json", config_before()))
+        self.template.write("after.json", config_after())
+        self.before = self.template.remains()
+        undisturbed = self.fresh_copy()
+        answer = undisturbed.run("apply", os.path.join(undisturbed.folder, "after.json"))
+        self.after = undisturbed.remains()
+        self.changed_cameras = set(answer["reconciled"])
+        self.assertEqual(self.changed_cameras, set(range(1, cameras + 1)))
+        self.assertNotEqual(self.before[0], self.after[0])
+
+    def fresh_copy(self):
+        return self.template.copy_to(next(self.copies))
+
+    def phase_of(self, site):
+        """Where the killed run was: before the commit, between it and the storing, or after."""
+        records, documents, pending = site.remains()
+        if records == self.before[0]:
+            self.assertEqual(documents, self.before[1])
+            self.assertEqual(pending, set())
+            return "before the commit"
+        self.assertEqual(records, self.after[0], "neither the state before the pass nor the committed one")
+        if documents == self.before[1]:
+            self.assertEqual(pending, self.changed_cameras)
+            return "before the storing"
+        self.assertEqual(documents, self.after[1])
+        self.assertEqual(pending, set())
+        return "stored"
+
+    def check_remains_and_repeat(self, site):
+        phase = self.phase_of(site)
+        answer = site.run("apply", os.path.join(site.folder, "after.json"))
+        self.assertEqual(site.remains(), self.after)
+        if phase != "stored":
+            self.assertEqual(set(answer["reconciled"]), self.changed_cameras)
+        shutil.rmtree(site.folder)
+        return phase
+
+    def test_killed_at_every_call_that_writes_or_syncs(self):
+        self.prepare(cameras=40)
+        counted = self.fresh_copy()
+        count_file = os.path.join(counted.folder, "count")
+        run = counted.start("apply", os.path.join(counted.folder, "after.json"),
+                            LD_PRELOAD=KILLER, COUNT_CALLS_IN=count_file)
+        self.assertEqual(run.wait(), 0)
+        with open(count_file, encoding="ascii") as file:
+            calls = int(file.read())
+        self.assertGreater(calls, 10)
+
+        phases = {}
+        for number in range(1, calls + 1):
+            site = self.fresh_copy()
+            run = site.start("apply", os.path.join(site.folder, "after.json"),
+                             LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
+            self.assertEqual(run.wait(), -signal.SIGKILL, f"call {number} of {calls}")
+            phase = self.check_remains_and_repeat(site)
+            phases[phase] = phases.get(phase, 0) + 1
+        print(f"{calls} calls: {phases}")
+        self.assertGreater(phases.get("before the commit", 0), 0)
+        self.assertGreater(phases.get("before the storing", 0), 0)
+
+    def test_killed_at_random_moments(self):
+        self.prepare(cameras=12000)
+        site = self.fresh_copy()
+        began = time.monotonic()
+        site.run("apply", os.path.join(site.folder, "after.json"))
+        duration = time.monotonic() - began
+        shutil.rmtree(site.folder)
+
+        draw = random.Random(SEED)
+        phases = {"before the commit": 0, "before the storing": 0, "stored": 0}
+        wanted = MOMENTS // 4
+        while sum(phases.values()) < MOMENTS or min(
+                phases["before the commit"], phases["before the storing"]) < wanted:
+            self.assertLess(sum(phases.values()), 5 * MOMENTS, f"some phase is never met: {phases}")
+            site = self.fresh_copy()
+            run = site.start("apply", os.path.join(site.folder, "after.json"))
+            time.sleep(draw.uniform(0, 1.1 * duration))
+            run.send_signal(signal.SIGKILL)
+            run.wait()
+            phases[self.check_remains_and_repeat(site)] += 1
+        print(f"a pass of {duration:.2f} s killed at {sum(phases.values())} random moments: {phases}")
+
+
+if __name__ == "__main__":
+    unittest.main()
