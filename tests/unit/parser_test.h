@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "support/fake_repository.h"
 #include "support/json.h"
 #include "support/log_capture.h"
 #include "support/message_register.h"
-#include "unit/fakes/fake_repository.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::test {

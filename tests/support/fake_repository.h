@@ -34,7 +34,7 @@ struct Fake_Database {
 };
 
 /// A repository over that database, which must outlive it. Every operation other than the two
-/// look-ups fails the test that is running.
+/// look-ups is none of the parser's business and throws std::logic_error.
 std::shared_ptr<vemora::Repository> make_fake_repository(Fake_Database& database);
 
 }  // namespace kuv::test
