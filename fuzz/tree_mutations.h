@@ -1,0 +1,12 @@
+#pragma once
+
+#include <json/value.h>
+
+#include "fuzz/random.h"
+
+namespace kuv::fuzz {
+
+/// Changes one thing somewhere in the document: a value, its type, a key, the elements of an array.
+void mutate_tree(Json::Value& document, Random& random);
+
+}  // namespace kuv::fuzz
