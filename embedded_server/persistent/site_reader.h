@@ -20,7 +20,7 @@ namespace kuv::vemora::embedded_server {
 VEMORA_API std::vector<std::shared_ptr<trigger>> read_triggers(
     const std::shared_ptr<Database>& database);
 VEMORA_API std::vector<std::shared_ptr<metadata_event_subscription>> read_subscriptions(
-    std::shared_ptr<Database> database);
+    const std::shared_ptr<Database>& database);
 VEMORA_API std::vector<std::shared_ptr<eta_camera>> read_eta_cameras(
     const std::shared_ptr<Database>& database);
 VEMORA_API std::vector<std::shared_ptr<camera>> read_cameras(

@@ -1,0 +1,292 @@
+#include "vemora/embedded_server/host/inventory_reader.h"
+
+#include <fmt/format.h>
+#include <json/writer.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "vemora/embedded_server/host/services.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+/// Reads one document and gathers what is wrong with it.
+class Reader {
+ public:
+  Reader(const Json_Document& document, const Inventory_References& stored)
+      : document_(document), stored_(stored) {}
+
+  Read_Inventory read() {
+    const Json::Value& root = document_.value();
+    if (!root.isObject()) {
+      fault(root, "An inventory must be a JSON object.");
+      return std::move(result_);
+    }
+    require_known_keys(root, {"servers", "cameras", "schedules", "eventCategories", "subscriptions",
+                              "objectTypes"});
+    // What is referred to comes before what refers to it.
+    read_records(root, "servers", [this](const Json::Value& record) { read_server(record); });
+    read_records(root, "cameras", [this](const Json::Value& record) { read_camera(record); });
+    read_records(root, "schedules", [this](const Json::Value& record) { read_schedule(record); });
+    read_records(root, "eventCategories",
+                 [this](const Json::Value& record) { read_category(record); });
+    read_records(root, "subscriptions",
+                 [this](const Json::Value& record) { read_subscription(record); });
+    read_object_types(root["objectTypes"]);
+    std::stable_sort(result_.faults.begin(), result_.faults.end(), [](const auto& a, const auto& b) {
+      return std::tie(a.location.line, a.location.column) <
+             std::tie(b.location.line, b.location.column);
+    });
+    return std::move(result_);
+  }
+
+ private:
+  void fault(const Json::Value& place, std::string message) {
+    result_.faults.push_back({std::move(message), document_.locate(place)});
+  }
+
+  void require_known_keys(const Json::Value& object, std::initializer_list<std::string_view> known) {
+    for (auto member = object.begin(); member != object.end(); ++member) {
+      if (std::find(known.begin(), known.end(), member.name()) == known.end()) {
+        fault(*member, fmt::format("Unknown key \"{}\".", member.name()));
+      }
+    }
+  }
+
+  template <class Read>
+  void read_records(const Json::Value& root, const char* key, Read read) {
+    const Json::Value& records = root[key];
+    if (records.isNull() && !root.isMember(key)) {
+      return;
+    }
+    if (!records.isArray()) {
+      fault(records, fmt::format("\"{}\" must be an array of JSON objects.", key));
+      return;
+    }
+    seen_ids_.clear();
+    for (const Json::Value& record : records) {
+      if (record.isObject()) {
+        read(record);
+      } else {
+        fault(record, fmt::format("\"{}\" must be an array of JSON objects.", key));
+      }
+    }
+  }
+
+  std::uint64_t read_id(const Json::Value& record) {
+    const Json::Value& id = record["id"];
+    if (!id.isUInt64()) {
+      fault(id.isNull() ? record : id, "\"id\" must be an unsigned 64-bit integer.");
+      return 0;
+    }
+    if (!seen_ids_.insert(id.asUInt64()).second) {
+      fault(id, fmt::format("The id {} is given twice.", id.asUInt64()));
+    }
+    return id.asUInt64();
+  }
+
+  std::string read_name(const Json::Value& record) {
+    if (!record.isMember("name")) {
+      return {};
+    }
+    const Json::Value& name = record["name"];
+    if (!name.isString()) {
+      fault(name, "\"name\" must be a string.");
+      return {};
+    }
+    return name.asString();
+  }
+
+  bool read_flag(const Json::Value& record, const char* key, bool fallback) {
+    if (!record.isMember(key)) {
+      return fallback;
+    }
+    const Json::Value& flag = record[key];
+    if (!flag.isBool()) {
+      fault(flag, fmt::format("\"{}\" must be true or false.", key));
+      return fallback;
+    }
+    return flag.asBool();
+  }
+
+  Tag_Map read_tags(const Json::Value& record) {
+    Tag_Map tags;
+    if (!record.isMember("tags")) {
+      return tags;
+    }
+    const Json::Value& given = record["tags"];
+    if (!given.isObject()) {
+      fault(given, "\"tags\" must be a JSON object.");
+      return tags;
+    }
+    for (auto tag = given.begin(); tag != given.end(); ++tag) {
+      if (!tag->isString() && !tag->isNull()) {
+        fault(*tag, fmt::format("Tag \"{}\" must be a string or null.", tag.name()));
+      } else {
+        tags[tag.name()].value = tag->isNull() ? std::nullopt : std::make_optional(tag->asString());
+      }
+    }
+    return tags;
+  }
+
+  void read_server(const Json::Value& given) {
+    require_known_keys(given, {"id", "name", "tags"});
+    server record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    record.tags = read_tags(given);
+    result_.inventory.servers.push_back(std::move(record));
+  }
+
+  void read_camera(const Json::Value& given) {
+    require_known_keys(
+        given, {"id", "name", "tags", "objectDetection", "motionDetection", "capabilities"});
+    Inventory::Camera record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    record.tags = read_tags(given);
+    record.object_detection = read_flag(given, "objectDetection", false);
+    record.motion_detection = read_flag(given, "motionDetection", false);
+    record.capabilities = read_capabilities(given);
+    camera_ids_.insert(record.id);
+    result_.inventory.cameras.push_back(std::move(record));
+  }
+
+  std::string read_capabilities(const Json::Value& record) {
+    if (!record.isMember("capabilities")) {
+      return {};
+    }
+    const Json::Value& capabilities = record["capabilities"];
+    if (!capabilities.isObject()) {
+      fault(capabilities, "\"capabilities\" must be a JSON object.");
+      return {};
+    }
+    Json::StreamWriterBuilder writer;
+    writer["indentation"] = "";
+    writer["emitUTF8"] = true;
+    return Json::writeString(writer, capabilities);
+  }
+
+  void read_schedule(const Json::Value& given) {
+    require_known_keys(given, {"id", "name", "usable"});
+    schedule record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    record.usable = read_flag(given, "usable", true);
+    result_.inventory.schedules.push_back(std::move(record));
+  }
+
+  void read_category(const Json::Value& given) {
+    require_known_keys(given, {"id", "name"});
+    metadata_event_category record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    category_ids_.insert(record.id);
+    result_.inventory.categories.push_back(std::move(record));
+  }
+
+  void read_subscription(const Json::Value& given) {
+    require_known_keys(given, {"id", "name", "categoryId", "tags", "cameraIds"});
+    Inventory::Subscription record;
+    record.id = read_id(given);
+    if (stored_.topic_subscription_ids.count(record.id) != 0) {
+      fault(given["id"], fmt::format("The id {} is that of a topic subscription.", record.id));
+    }
+    record.name = read_name(given);
+    record.category_id = read_category_id(given["categoryId"]);
+    record.tags = read_tags(given);
+    record.camera_ids = read_camera_ids(given);
+    result_.inventory.subscriptions.push_back(std::move(record));
+  }
+
+  std::optional<std::uint64_t> read_category_id(const Json::Value& id) {
+    if (id.isNull()) {
+      return std::nullopt;
+    }
+    if (!id.isUInt64()) {
+      fault(id, "\"categoryId\" must be an unsigned 64-bit integer.");
+      return std::nullopt;
+    }
+    if (category_ids_.count(id.asUInt64()) + stored_.category_ids.count(id.asUInt64()) == 0) {
+      fault(id, fmt::format("There is no event category {}.", id.asUInt64()));
+    }
+    return id.asUInt64();
+  }
+
+  std::set<std::uint64_t> read_camera_ids(const Json::Value& record) {
+    std::set<std::uint64_t> ids;
+    if (!record.isMember("cameraIds")) {
+      return ids;
+    }
+    const Json::Value& given = record["cameraIds"];
+    if (!given.isArray()) {
+      fault(given, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
+      return ids;
+    }
+    for (const Json::Value& id : given) {
+      if (!id.isUInt64()) {
+        fault(id, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
+      } else if (camera_ids_.count(id.asUInt64()) + stored_.camera_ids.count(id.asUInt64()) == 0) {
+        fault(id, fmt::format("There is no camera {}.", id.asUInt64()));
+      } else {
+        ids.insert(id.asUInt64());
+      }
+    }
+    return ids;
+  }
+
+  void read_object_types(const Json::Value& given) {
+    if (given.isNull() && !document_.value().isMember("objectTypes")) {
+      return;
+    }
+    if (!given.isObject()) {
+      fault(given, "\"objectTypes\" must be a JSON object.");
+      return;
+    }
+    auto known = stored_.object_types;
+    for (auto type = given.begin(); type != given.end(); ++type) {
+      const std::set<std::string> stands_for = read_object_type(type.name(), *type);
+      known[type.name()] = stands_for;
+      result_.inventory.object_types[type.name()] = stands_for;
+    }
+    if (const auto cycle = find_cycle(known)) {
+      fault(given.isMember(*cycle) ? given[*cycle] : given,
+            fmt::format("Object type \"{}\" stands for itself.", *cycle));
+    }
+  }
+
+  std::set<std::string> read_object_type(const std::string& name, const Json::Value& given) {
+    std::set<std::string> types;
+    if (!given.isArray() || given.empty()) {
+      fault(given, fmt::format("Object type \"{}\" must be a non-empty array of strings.", name));
+      return types;
+    }
+    for (const Json::Value& type : given) {
+      if (!type.isString() || type.asString().empty()) {
+        fault(type, fmt::format("Object type \"{}\" must be a non-empty array of strings.", name));
+      } else {
+        types.insert(type.asString());
+      }
+    }
+    return types;
+  }
+
+  const Json_Document& document_;
+  const Inventory_References& stored_;
+  Read_Inventory result_;
+  std::set<std::uint64_t> seen_ids_;  ///< of the kind being read
+  std::set<std::uint64_t> camera_ids_;
+  std::set<std::uint64_t> category_ids_;
+};
+
+}  // namespace
+
+Read_Inventory read_inventory(const Json_Document& document, const Inventory_References& stored) {
+  return Reader(document, stored).read();
+}
+
+}  // namespace kuv::vemora::embedded_server

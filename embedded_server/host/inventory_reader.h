@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "vemora/embedded_server/host/json_document.h"
+#include "vemora/embedded_server/persistent/inventory.h"
+#include "vemora/platform/export.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// What an inventory document says; when there are faults, it must not be stored.
+struct Read_Inventory {
+  Inventory inventory;
+  std::vector<Document_Fault> faults;  ///< every one, in the order of the document
+};
+
+/// Reads a whole inventory document. `stored` is what the database holds already and the document may
+/// refer to.
+VEMORA_API Read_Inventory read_inventory(const Json_Document& document,
+                                         const Inventory_References& stored);
+
+}  // namespace kuv::vemora::embedded_server

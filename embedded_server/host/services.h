@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "vemora/platform/export.h"
+#include "vemora/platform/services/capture_manager.h"
+#include "vemora/platform/services/meta_type_resolver.h"
+#include "vemora/platform/services/trigger_notification_pusher.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// A capture manager without cameras: it keeps what it was asked for.
+class VEMORA_API Recording_Capture_Manager : public capture::Manager {
+ public:
+  void reconcile_metadata_stream(std::uint64_t camera_id) override;
+
+  /// The cameras asked for since the last forget().
+  const std::set<std::uint64_t>& reconciled() const { return reconciled_; }
+  void forget() { reconciled_.clear(); }
+
+ private:
+  std::set<std::uint64_t> reconciled_;
+};
+
+/// A pusher that delivers nothing: it keeps the state it was given last.
+class VEMORA_API Snapshot_Pusher : public Trigger_Notification_Pusher {
+ public:
+  void stop() override;
+  void apply_trigger_state(Trigger_Config_State state) override;
+
+  /// Nothing when none was given since the last forget().
+  const std::optional<Trigger_Config_State>& state() const { return state_; }
+  void forget() { state_.reset(); }
+
+ private:
+  std::optional<Trigger_Config_State> state_;
+};
+
+/// Resolves object types as the site's inventory says.
+class VEMORA_API Inventory_Meta_Type_Resolver : public Meta_Type_Resolver {
+ public:
+  using Object_Types = std::map<std::string, std::set<std::string>>;
+
+  Inventory_Meta_Type_Resolver() = default;
+
+  /// General name to what it stands for, which may be general again.
+  void learn(Object_Types types) { types_ = std::move(types); }
+
+  /// The types at the end of the road, each once; a name that is no general one stands for itself.
+  std::vector<std::string> resolve(const std::vector<std::string>& types) override;
+
+ private:
+  Object_Types types_;
+};
+
+/// A general name that leads back to itself; nothing when there is none.
+VEMORA_API std::optional<std::string> find_cycle(const Inventory_Meta_Type_Resolver::Object_Types& types);
+
+}  // namespace kuv::vemora::embedded_server

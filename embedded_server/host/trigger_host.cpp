@@ -1,0 +1,239 @@
+#include "vemora/embedded_server/host/trigger_host.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <functional>
+#include <utility>
+
+#include "vemora/embedded_server/host/fault_locator.h"
+#include "vemora/embedded_server/persistent/inventory.h"
+#include "vemora/embedded_server/persistent/site_reader.h"
+#include "vemora/trigger_manager/vemora_trigger_manager.h"
+#include "vemora/trigger_parser/vemora_trigger_parser.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+using Directive_Config_Processing::Error;
+using Status = Pass_Outcome::Status;
+
+/// A stored document was accepted before, so it can be read; before the first one it is empty.
+Json::Value stored_value(const std::optional<std::string>& text) {
+  return text ? Json_Document(*text).value() : Json::Value(Json::objectValue);
+}
+
+Json::Value value_of(const Json_Document* given, const std::optional<std::string>& stored) {
+  return given != nullptr ? given->value() : stored_value(stored);
+}
+
+/// The documents of a manager that was just made have what a missing key stands for.
+Json::Value with_default(Json::Value document, const char* key) {
+  if (document.isObject() && document[key].isNull()) {
+    document[key] = Json::Value(Json::arrayValue);
+  }
+  return document;
+}
+
+/// One step of reading the documents, in the order in which a pass takes them.
+struct Stage {
+  const char* name;
+  const Json_Document* document;  ///< null: the stored one
+  std::function<void()> parse;
+  std::function<Rejected_Part(const std::string&)> locate;
+};
+
+std::optional<std::string> rejection_by(const std::function<void()>& parse) {
+  try {
+    parse();
+    return std::nullopt;
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+Check_Fault describe(const Stage& stage, const std::string& message) {
+  const Rejected_Part found = stage.locate(message);
+  Check_Fault fault{stage.name, {message, {}}, found.index, found.id};
+  if (found.part != nullptr && stage.document != nullptr) {
+    fault.fault.location = stage.document->locate(*found.part);
+  }
+  return fault;
+}
+
+bool is_corrupt(const metadata_event_subscription& record) {
+  return record.camera && !record.onvif_topic;
+}
+
+Status status_of(const Directive_Config_Processing::Result& result) {
+  if (result.success) {
+    return Status::done;
+  }
+  const bool rejected = !result.errors.empty() &&
+                        result.errors.front().category == Error::Category::rejected_document;
+  return rejected ? Status::rejected : Status::failed;
+}
+
+}  // namespace
+
+Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id)
+    : logger_("Trigger_Host"),
+      database_(std::move(database)),
+      server_id_(server_id),
+      repository_(make_repository(database_)),
+      capture_manager_(std::make_shared<Recording_Capture_Manager>()),
+      pusher_(std::make_shared<Snapshot_Pusher>()),
+      resolver_(std::make_shared<Inventory_Meta_Type_Resolver>()) {}
+
+Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Pass_Scope pass(database_, server_id_);
+  begin(pass);
+  Pass_Outcome outcome;
+  const Json::Value schedules = value_of(mapping, pass.documents().mapping);
+  if (!schedules.isObject()) {
+    // No manager can be made with it, so its parser is asked what a pass would have said.
+    Vemora_Trigger_Parser parser(repository_, server_id_);
+    try {
+      parser.parse_config_properties(config.value());
+      parser.parse_trigger_mapping(schedules);
+    } catch (const std::exception& error) {
+      outcome.status = Status::rejected;
+      outcome.errors = {{Error::Category::rejected_document,
+                         fmt::format("Failed to parse trigger config: {}", error.what())}};
+    }
+    return outcome;
+  }
+  const auto manager = make_manager(stored_value(pass.documents().config), schedules);
+  Directive_Config_Processing::Result result = manager->update_config(config.value());
+  outcome.status = status_of(result);
+  outcome.errors = std::move(result.errors);
+  finish(pass,
+         {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
+         outcome);
+  return outcome;
+}
+
+Pass_Outcome Trigger_Host::refresh() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Pass_Scope pass(database_, server_id_);
+  begin(pass);
+  const auto manager = make_manager(stored_value(pass.documents().config),
+                                    stored_value(pass.documents().mapping));
+  Pass_Outcome outcome;
+  Trigger_Config_State state;
+  outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
+  outcome.errors = std::move(state.errors);
+  finish(pass, {}, outcome);
+  return outcome;
+}
+
+std::optional<Check_Fault> Trigger_Host::check(const Json_Document& config,
+                                               const Json_Document* mapping) {
+  Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
+  Vemora_Trigger_Parser parser(repository_, server_id_);
+  const Json::Value& configured = config.value();
+  const Json::Value stored =
+      with_default(stored_value(pass.documents().mapping), "triggerMapping");
+  const Json::Value& schedules = mapping != nullptr ? mapping->value() : stored;
+  Trigger_Mapping parsed;
+  const std::array<Stage, 3> stages{{
+      {"config", &config, [&] { parser.parse_config_properties(configured); },
+       [&](const std::string& message) { return locate_in_properties(configured, message); }},
+      {"mapping", mapping, [&] { parsed = parser.parse_trigger_mapping(with_default(schedules, "triggerMapping")); },
+       [&](const std::string& message) { return locate_in_mapping(parser, schedules, message); }},
+      {"config", &config, [&] { parser.parse_trigger_configs(configured, parsed); },
+       [&](const std::string& message) {
+         return locate_in_triggers(parser, configured, parsed, message);
+       }},
+  }};
+  for (const Stage& stage : stages) {
+    const std::optional<std::string> rejection = rejection_by(stage.parse);
+    if (pass.fault()) {
+      throw Database_Error(*pass.fault());
+    }
+    if (rejection) {
+      return describe(stage, *rejection);
+    }
+  }
+  return std::nullopt;
+}
+
+std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(const Json::Value& config,
+                                                                   const Json::Value& mapping) {
+  return std::make_unique<Vemora_Trigger_Manager>(
+      config, mapping, repository_, capture_manager_,
+      std::make_unique<Vemora_Trigger_Parser>(repository_, server_id_), pusher_, resolver_);
+}
+
+void Trigger_Host::begin(Pass_Scope&) {
+  capture_manager_->forget();
+  pusher_->forget();
+  resolver_->learn(load_object_types(database_));
+}
+
+void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome) {
+  end(pass, outcome);
+  outcome.changes = pass.changes();
+  outcome.state = pusher_->state();
+  if (outcome.status != Status::rejected && !pass.fault()) {
+    try {
+      reconcile_leftovers(pass);
+      outcome.reconciled = capture_manager_->reconciled();
+      pass.store(outcome.status == Status::done ? accepted : Documents(), outcome.reconciled);
+    } catch (const Database_Error& error) {
+      outcome.status = Status::failed;
+      outcome.errors.push_back({Error::Category::failed_processing, error.what()});
+      outcome.remarks.emplace_back(
+          "The records of the pass are committed, its documents are not stored: repeat the command.");
+      return;
+    }
+    if (outcome.status == Status::failed) {
+      outcome.remarks.emplace_back(
+          "What the pass had written is committed; the documents stored are still the old ones.");
+      name_corrupt_records(outcome);
+    }
+  }
+}
+
+void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
+  try {
+    pass.end();
+    if (pass.fault()) {
+      outcome.status = Status::failed;
+      outcome.remarks.emplace_back("What the pass had written before the fault is committed.");
+    }
+  } catch (const Database_Error& error) {
+    outcome.status = Status::failed;
+    outcome.errors.push_back({Error::Category::failed_processing, error.what()});
+  }
+}
+
+/// Cameras that an earlier pass changed and was cut short before it could have them reconciled.
+void Trigger_Host::reconcile_leftovers(Pass_Scope& pass) {
+  for (const std::uint64_t camera_id : pass.pending_cameras()) {
+    if (capture_manager_->reconciled().count(camera_id) != 0) {
+      continue;
+    }
+    try {
+      capture_manager_->reconcile_metadata_stream(camera_id);
+    } catch (const std::exception& error) {
+      logger_.log(kuv::logging::severity_level::error,
+                  "Failed to reconcile metadata stream for camera {}, tried again after the next "
+                  "pass: {}",
+                  camera_id, error.what());
+    }
+  }
+}
+
+void Trigger_Host::name_corrupt_records(Pass_Outcome& outcome) {
+  for (const auto& record : read_subscriptions(database_)) {
+    if (is_corrupt(*record)) {
+      outcome.remarks.push_back(
+          fmt::format("Corrupt record: subscription {} has a camera ({}) and no ONVIF topic.",
+                      record->id, record->camera_id()));
+    }
+  }
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "vemora/embedded_server/host/json_document.h"
+#include "vemora/embedded_server/host/services.h"
+#include "vemora/embedded_server/persistent/changes.h"
+#include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/pass_scope.h"
+#include "vemora/platform/directive_config_processing.h"
+#include "vemora/platform/export.h"
+#include "vemora/platform/logging/source.h"
+
+namespace kuv::vemora {
+class Vemora_Trigger_Manager;
+}
+
+namespace kuv::vemora::embedded_server {
+
+/// What became of one pass.
+struct Pass_Outcome {
+  enum class Status {
+    done,      ///< perhaps with errors of single triggers
+    rejected,  ///< a document was rejected; nothing changed
+    failed,    ///< the pass or the database failed
+  };
+
+  Status status = Status::failed;
+  std::vector<Directive_Config_Processing::Error> errors;  ///< the library's own, in order
+  std::vector<std::string> remarks;                        ///< what else there is to say of a failure
+  std::set<std::uint64_t> reconciled;                      ///< cameras whose streams were brought in line
+  std::optional<Trigger_Config_State> state;               ///< what the pusher received
+  Changes changes;
+};
+
+/// Why a document would be rejected.
+struct Check_Fault {
+  std::string document;  ///< "config" or "mapping"
+  Document_Fault fault;
+  std::optional<std::size_t> index;  ///< of the trigger or association in its array
+  std::optional<std::uint64_t> id;   ///< of the trigger
+};
+
+/// Runs passes over one database as a server would. May be used from any thread; passes queue up. What
+/// the database throws (Database_Error) before a pass has begun reaches the caller.
+class VEMORA_API Trigger_Host {
+ public:
+  Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id);
+
+  /// Runs a pass with a new configuration, and a new mapping where one is given, and stores them when
+  /// it succeeded.
+  Pass_Outcome apply(const Json_Document& config, const Json_Document* mapping);
+
+  /// Runs a pass on the stored documents.
+  Pass_Outcome refresh();
+
+  /// The first fault for which the parser would reject the documents (the stored mapping where none is
+  /// given), with exactly its text; nothing when they are valid. Writes nothing and waits for nobody.
+  std::optional<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
+
+ private:
+  std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
+                                                       const Json::Value& mapping);
+  void begin(Pass_Scope& pass);
+  void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
+  void end(Pass_Scope& pass, Pass_Outcome& outcome);
+  void reconcile_leftovers(Pass_Scope& pass);
+  void name_corrupt_records(Pass_Outcome& outcome);
+
+  kuv::logging::Source logger_;
+  std::shared_ptr<Database> database_;
+  std::uint64_t server_id_;
+  std::shared_ptr<Repository> repository_;
+  std::shared_ptr<Recording_Capture_Manager> capture_manager_;
+  std::shared_ptr<Snapshot_Pusher> pusher_;
+  std::shared_ptr<Inventory_Meta_Type_Resolver> resolver_;
+  std::mutex mutex_;  ///< from the first read of a pass to the storing of its documents
+};
+
+}  // namespace kuv::vemora::embedded_server

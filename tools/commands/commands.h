@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "tools/exit_status.h"
+#include "tools/options.h"
+
+namespace kuv::vemora::tools {
+
+// Each command prints its outcome to standard output and answers the exit status. Documents that cannot
+// be read and databases that fail are thrown (Document_Error, Database_Error).
+
+Exit_Status init(const Options& options, const std::string& inventory_path);
+
+/// An empty mapping path stands for the stored mapping.
+Exit_Status check(const Options& options, const std::string& config_path,
+                  const std::string& mapping_path);
+Exit_Status apply(const Options& options, const std::string& config_path,
+                  const std::string& mapping_path);
+
+Exit_Status refresh(const Options& options);
+Exit_Status show(const Options& options, const std::string& what);
+
+}  // namespace kuv::vemora::tools

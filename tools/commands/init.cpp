@@ -1,0 +1,85 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "tools/commands/commands.h"
+#include "tools/commands/input.h"
+#include "tools/render/faults.h"
+#include "tools/render/json.h"
+#include "vemora/embedded_server/host/inventory_reader.h"
+#include "vemora/embedded_server/persistent/inventory.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+using embedded_server::Database;
+using embedded_server::Inventory;
+using embedded_server::Read_Inventory;
+
+bool is_there(const std::string& location) {
+  const bool prefixed = location.rfind("sqlite:", 0) == 0;
+  std::error_code ignored;
+  return std::filesystem::exists(prefixed ? location.substr(7) : location, ignored) &&
+         std::filesystem::file_size(prefixed ? location.substr(7) : location, ignored) != 0;
+}
+
+/// What a new inventory may refer to; nothing where there is no database yet, and none is made for a
+/// document that may turn out to be faulty.
+embedded_server::Inventory_References stored_references(const Options& options) {
+  if (!is_there(options.database)) {
+    return {};
+  }
+  const auto database = Database::open(options.database);
+  database->require_owner(options.server_id);
+  return embedded_server::load_inventory_references(database);
+}
+
+Json::Value counts(const Inventory& inventory) {
+  Json::Value records(Json::objectValue);
+  records["servers"] = Json::UInt64(inventory.servers.size());
+  records["cameras"] = Json::UInt64(inventory.cameras.size());
+  records["schedules"] = Json::UInt64(inventory.schedules.size());
+  records["eventCategories"] = Json::UInt64(inventory.categories.size());
+  records["subscriptions"] = Json::UInt64(inventory.subscriptions.size());
+  records["objectTypes"] = Json::UInt64(inventory.object_types.size());
+  return records;
+}
+
+void print_stored(const Options& options, const Inventory& inventory) {
+  if (options.json) {
+    Json::Value answer(Json::objectValue);
+    answer["success"] = true;
+    answer["records"] = counts(inventory);
+    print_json(answer);
+    return;
+  }
+  std::cout << fmt::format(
+      "{}: stored {} servers, {} cameras, {} schedules, {} event categories, {} generic "
+      "subscriptions, {} general object types.\n",
+      options.database, inventory.servers.size(), inventory.cameras.size(),
+      inventory.schedules.size(), inventory.categories.size(), inventory.subscriptions.size(),
+      inventory.object_types.size());
+}
+
+}  // namespace
+
+Exit_Status init(const Options& options, const std::string& inventory_path) {
+  const auto document = read_input("inventory", inventory_path);
+  const Read_Inventory read = embedded_server::read_inventory(document, stored_references(options));
+  if (!read.faults.empty()) {
+    std::vector<Located_Fault> faults;
+    for (const embedded_server::Document_Fault& fault : read.faults) {
+      faults.push_back({"inventory", inventory_path, &document, fault, std::nullopt, std::nullopt});
+    }
+    print_faults(options, faults);
+    return exit_rejected;
+  }
+  const auto database = Database::open(options.database, Database::Open_Mode::create_if_absent);
+  database->require_owner(options.server_id);
+  embedded_server::store_inventory(database, read.inventory);
+  print_stored(options, read.inventory);
+  return exit_done;
+}
+
+}  // namespace kuv::vemora::tools

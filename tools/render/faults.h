@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/options.h"
+#include "vemora/embedded_server/host/json_document.h"
+
+namespace kuv::vemora::tools {
+
+/// A fault of a document, and the file that it stands in.
+struct Located_Fault {
+  std::string role;  ///< "inventory", "config" or "mapping"
+  std::string path;  ///< empty: the stored one
+  const embedded_server::Json_Document* document;  ///< null when it could not be read
+  embedded_server::Document_Fault fault;
+  std::optional<std::size_t> index;
+  std::optional<std::uint64_t> id;
+};
+
+/// Prints why documents are rejected.
+void print_faults(const Options& options, const std::vector<Located_Fault>& faults);
+
+/// Prints why nothing could be done.
+void print_failure(const Options& options, const std::string& message);
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,222 @@
+#include "tools/render/pass.h"
+
+#include <fmt/format.h>
+
+#include <iostream>
+#include <string>
+
+#include "tools/render/json.h"
+#include "tools/render/terminal.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+using embedded_server::Changes;
+using embedded_server::Pass_Outcome;
+
+std::string key_of(std::uint64_t id) { return std::to_string(id); }
+
+Json::Value empty_object() { return Json::Value(Json::objectValue); }
+
+Json::Value to_json(const std::set<std::uint64_t>& ids) {
+  Json::Value list(Json::arrayValue);
+  for (const std::uint64_t id : ids) {
+    list.append(Json::UInt64(id));
+  }
+  return list;
+}
+
+Json::Value to_json(const std::set<std::string>& texts) {
+  Json::Value list(Json::arrayValue);
+  for (const std::string& text : texts) {
+    list.append(text);
+  }
+  return list;
+}
+
+Json::Value to_json(const std::set<Object_Search_Item>& items) {
+  Json::Value list(Json::arrayValue);
+  for (const Object_Search_Item& item : items) {
+    Json::Value entry = empty_object();
+    entry["type"] = item.object_type;
+    entry["motionRequired"] = item.motion_required;
+    list.append(entry);
+  }
+  return list;
+}
+
+template <class Value>
+Json::Value to_json(const std::map<std::uint64_t, Value>& by_id) {
+  Json::Value object = empty_object();
+  for (const auto& [id, value] : by_id) {
+    object[key_of(id)] = to_json(value);
+  }
+  return object;
+}
+
+Json::Value to_json(const Trigger_Config::Options& options) {
+  Json::Value object = empty_object();
+  object["anyTime"] = options.any_time;
+  return object;
+}
+
+template <class Value>
+Json::Value by_trigger(const std::map<std::uint64_t, Value>& values) {
+  Json::Value object = empty_object();
+  for (const auto& [id, value] : values) {
+    object[key_of(id)] = to_json(value);
+  }
+  return object;
+}
+
+Json::Value to_json(const std::optional<Notification_Properties::Milliseconds>& duration) {
+  return duration ? Json::Value(Json::UInt(duration->count())) : Json::Value();
+}
+
+Json::Value to_json(const Notification_Properties& properties) {
+  Json::Value object = empty_object();
+  object["maxLatencyMs"] = to_json(properties.max_latency);
+  object["digestCooldownMs"] = to_json(properties.digest_cooldown);
+  object["ackTimeoutMs"] = to_json(properties.ack_timeout);
+  object["nackDelayMs"] = to_json(properties.nack_delay);
+  return object;
+}
+
+Json::Value to_json(const std::optional<Trigger_Config_State>& state) {
+  if (!state) {
+    return {};
+  }
+  Json::Value object = empty_object();
+  object["appliedTriggers"] = by_trigger(state->applied_triggers);
+  object["onvifTopicsByTrigger"] = by_trigger(state->onvif_topics_by_trigger);
+  object["subscriptionsByTrigger"] = by_trigger(state->subscriptions_by_trigger);
+  object["searchItemsByTrigger"] = by_trigger(state->search_items_by_trigger);
+  object["properties"] = to_json(state->properties);
+  return object;
+}
+
+template <class Item>
+Json::Value counts(const Changes::Of<Item>& changes) {
+  Json::Value object = empty_object();
+  object["written"] = Json::UInt64(changes.added.size() + changes.updated.size());
+  object["deleted"] = Json::UInt64(changes.deleted.size());
+  return object;
+}
+
+Json::Value to_json(const Changes& changes) {
+  Json::Value object = empty_object();
+  object["triggers"] = counts(changes.triggers);
+  object["subscriptions"] = counts(changes.subscriptions);
+  object["subscriptionLinks"] = counts(changes.subscription_links);
+  object["detection"] = counts(changes.eta_cameras);
+  object["detectionLinks"] = counts(changes.eta_camera_links);
+  return object;
+}
+
+Json::Value errors_to_json(const Pass_Outcome& outcome) {
+  Json::Value list(Json::arrayValue);
+  for (const Directive_Config_Processing::Error& error : outcome.errors) {
+    Json::Value entry = empty_object();
+    entry["category"] = static_cast<int>(error.category);
+    entry["message"] = error.message;
+    list.append(entry);
+  }
+  return list;
+}
+
+void print_as_json(const Pass_Outcome& outcome) {
+  Json::Value answer = empty_object();
+  answer["success"] = outcome.status == Pass_Outcome::Status::done;
+  answer["errors"] = errors_to_json(outcome);
+  answer["reconciled"] = to_json(outcome.reconciled);
+  answer["state"] = to_json(outcome.state);
+  answer["changes"] = to_json(outcome.changes);
+  for (const std::string& remark : outcome.remarks) {
+    answer["remarks"].append(remark);
+  }
+  print_json(answer);
+}
+
+template <class Item>
+void print_count(const char* what, const Changes::Of<Item>& changes) {
+  const std::size_t written = changes.added.size() + changes.updated.size();
+  if (written + changes.deleted.size() != 0) {
+    std::cout << fmt::format("  {:<20} {:>8} written {:>8} deleted\n", what, written,
+                             changes.deleted.size());
+  }
+}
+
+bool is_empty(const Changes& changes) {
+  const auto none = [](const auto& kind) {
+    return kind.added.empty() && kind.updated.empty() && kind.deleted.empty();
+  };
+  return none(changes.triggers) && none(changes.subscriptions) &&
+         none(changes.subscription_links) && none(changes.eta_cameras) &&
+         none(changes.eta_camera_links);
+}
+
+void print_changes(const Changes& changes) {
+  if (is_empty(changes)) {
+    std::cout << "Nothing changed.\n";
+    return;
+  }
+  std::cout << "Changed:\n";
+  print_count("triggers", changes.triggers);
+  print_count("subscriptions", changes.subscriptions);
+  print_count("subscription links", changes.subscription_links);
+  print_count("detection records", changes.eta_cameras);
+  print_count("detection links", changes.eta_camera_links);
+}
+
+const char* headline(const Pass_Outcome& outcome) {
+  switch (outcome.status) {
+    case Pass_Outcome::Status::done:
+      return outcome.errors.empty() ? "Done." : "Done, with errors.";
+    case Pass_Outcome::Status::rejected:
+      return "Rejected; nothing changed.";
+    case Pass_Outcome::Status::failed:
+      break;
+  }
+  return "Failed.";
+}
+
+void print_for_people(const Pass_Outcome& outcome) {
+  for (const Directive_Config_Processing::Error& error : outcome.errors) {
+    std::cout << in_red("error: ") << printable(error.message) << '\n';
+  }
+  for (const std::string& remark : outcome.remarks) {
+    std::cout << "note: " << printable(remark) << '\n';
+  }
+  if (outcome.status != Pass_Outcome::Status::rejected) {
+    print_changes(outcome.changes);
+    std::cout << fmt::format("Cameras reconciled: {}\n", outcome.reconciled.size());
+  }
+  if (outcome.state) {
+    std::cout << fmt::format("Active triggers: {}\n", outcome.state->applied_triggers.size());
+  }
+  std::cout << headline(outcome) << '\n';
+}
+
+}  // namespace
+
+Exit_Status exit_status_of(const Pass_Outcome& outcome) {
+  switch (outcome.status) {
+    case Pass_Outcome::Status::done:
+      return outcome.errors.empty() ? exit_done : exit_trigger_errors;
+    case Pass_Outcome::Status::rejected:
+      return exit_rejected;
+    case Pass_Outcome::Status::failed:
+      break;
+  }
+  return exit_failed;
+}
+
+void print_outcome(const Options& options, const Pass_Outcome& outcome) {
+  if (options.json) {
+    print_as_json(outcome);
+  } else {
+    print_for_people(outcome);
+  }
+}
+
+}  // namespace kuv::vemora::tools
