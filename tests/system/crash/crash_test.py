@@ -176,7 +176,7 @@ class Crash_Test(unittest.TestCase):
         self.assertGreater(phases.get("before the storing", 0), 0)
 
     def test_killed_at_random_moments(self):
-        self.prepare(cameras=12000)
+        self.prepare(cameras=25000)
         site = self.fresh_copy()
         began = time.monotonic()
         site.run("apply", os.path.join(site.folder, "after.json"))
