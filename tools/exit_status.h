@@ -5,9 +5,9 @@ namespace kuv::vemora::tools {
 /// What the process answers; scripts rely on the numbers.
 enum Exit_Status : int {
   exit_done = 0,
-  exit_trigger_errors = 1,     ///< done, but single triggers failed
-  exit_rejected = 2,  ///< a document was rejected and nothing changed
-  exit_failed = 3,             ///< the pass or the database failed
+  exit_trigger_errors = 1,  ///< done, but single triggers failed
+  exit_rejected = 2,        ///< a document was rejected and nothing changed
+  exit_failed = 3,          ///< the pass or the database failed
   exit_usage = 64,
 };
 

@@ -44,7 +44,8 @@ void add_global_options(CLI::App& app, Invocation& call) {
                  "Log to standard error from this level on: off, trace, debug, detail, info, "
                  "warning, error, fatal")
       ->capture_default_str()
-      ->check(CLI::IsMember({"off", "trace", "debug", "detail", "info", "warning", "error", "fatal"}));
+      ->check(
+          CLI::IsMember({"off", "trace", "debug", "detail", "info", "warning", "error", "fatal"}));
 }
 
 void add_documents(CLI::App& command, Invocation& call) {
@@ -57,8 +58,10 @@ void add_documents(CLI::App& command, Invocation& call) {
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
-  site->add_option("INVENTORY", call.inventory_path, "What there is; - is standard input")->required();
-  site->callback([&call] { call.command = [&call] { return init(call.options, call.inventory_path); }; });
+  site->add_option("INVENTORY", call.inventory_path, "What there is; - is standard input")
+      ->required();
+  site->callback(
+      [&call] { call.command = [&call] { return init(call.options, call.inventory_path); }; });
 
   CLI::App* const checked = app.add_subcommand("check", "Validate documents; nothing is written");
   add_documents(*checked, call);
@@ -66,7 +69,8 @@ void add_commands(CLI::App& app, Invocation& call) {
     call.command = [&call] { return check(call.options, call.config_path, call.mapping_path); };
   });
 
-  CLI::App* const applied = app.add_subcommand("apply", "Run the pass on new documents and store them");
+  CLI::App* const applied =
+      app.add_subcommand("apply", "Run the pass on new documents and store them");
   add_documents(*applied, call);
   applied->callback([&call] {
     call.command = [&call] { return apply(call.options, call.config_path, call.mapping_path); };
@@ -77,7 +81,9 @@ void add_commands(CLI::App& app, Invocation& call) {
   });
 
   CLI::App* const shown = app.add_subcommand("show", "Show what is stored");
-  shown->add_option("WHAT", call.what, "triggers, subscriptions, detection, cameras, config, mapping")
+  shown
+      ->add_option("WHAT", call.what,
+                   "triggers, subscriptions, detection, cameras, config, mapping")
       ->required()
       ->check(CLI::IsMember(
           {"triggers", "subscriptions", "detection", "cameras", "config", "mapping"}));

@@ -77,8 +77,7 @@ Rejected_Part locate_in_properties(const Json::Value& config, const std::string&
 
 Rejected_Part locate_in_mapping(Trigger_Parser& parser, const Json::Value& mapping,
                                 const std::string& message) {
-  const Json::Value* associations =
-      mapping.isObject() ? &mapping["triggerMapping"] : nullptr;
+  const Json::Value* associations = mapping.isObject() ? &mapping["triggerMapping"] : nullptr;
   if (associations == nullptr || !associations->isArray()) {
     return {follow_named_key(mapping, message), std::nullopt, std::nullopt};
   }
@@ -106,7 +105,8 @@ Rejected_Part locate_in_triggers(Trigger_Parser& parser, const Json::Value& conf
     return {};  // the server is unknown, whatever its triggers are
   }
   const auto say = [&](const Json::Value& trigger) {
-    return verdict([&] { parser.parse_trigger_configs(document_of("triggers", trigger), mapping); });
+    return verdict(
+        [&] { parser.parse_trigger_configs(document_of("triggers", trigger), mapping); });
   };
   std::set<std::uint64_t> kept;
   for (Json::ArrayIndex index = 0; index < triggers->size(); ++index) {

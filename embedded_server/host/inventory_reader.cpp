@@ -37,10 +37,11 @@ class Reader {
     read_records(root, "subscriptions",
                  [this](const Json::Value& record) { read_subscription(record); });
     read_object_types(root["objectTypes"]);
-    std::stable_sort(result_.faults.begin(), result_.faults.end(), [](const auto& a, const auto& b) {
-      return std::tie(a.location.line, a.location.column) <
-             std::tie(b.location.line, b.location.column);
-    });
+    std::stable_sort(result_.faults.begin(), result_.faults.end(),
+                     [](const auto& a, const auto& b) {
+                       return std::tie(a.location.line, a.location.column) <
+                              std::tie(b.location.line, b.location.column);
+                     });
     return std::move(result_);
   }
 
@@ -49,7 +50,8 @@ class Reader {
     result_.faults.push_back({std::move(message), document_.locate(place)});
   }
 
-  void require_known_keys(const Json::Value& object, std::initializer_list<std::string_view> known) {
+  void require_known_keys(const Json::Value& object,
+                          std::initializer_list<std::string_view> known) {
     for (auto member = object.begin(); member != object.end(); ++member) {
       if (std::find(known.begin(), known.end(), member.name()) == known.end()) {
         fault(*member, fmt::format("Unknown key \"{}\".", member.name()));

@@ -14,8 +14,8 @@ struct Read_Inventory {
   std::vector<Document_Fault> faults;  ///< every one, in the order of the document
 };
 
-/// Reads a whole inventory document. `stored` is what the database holds already and the document may
-/// refer to.
+/// Reads a whole inventory document. `stored` is what the database holds already and the document
+/// may refer to.
 VEMORA_API Read_Inventory read_inventory(const Json_Document& document,
                                          const Inventory_References& stored);
 

@@ -31,9 +31,9 @@ class VEMORA_API Document_Error : public std::runtime_error {
   Location location;
 };
 
-/// A JSON document with its own text, so that it can be stored as it was written and faults found in
-/// it have a place. Read strictly: an object or array at the root and nothing behind it, no comments,
-/// no duplicate keys.
+/// A JSON document with its own text, so that it can be stored as it was written and faults found
+/// in it have a place. Read strictly: an object or array at the root and nothing behind it, no
+/// comments, no duplicate keys.
 class VEMORA_API Json_Document {
  public:
   /// Throws Document_Error.

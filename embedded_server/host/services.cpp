@@ -26,9 +26,13 @@ void Recording_Capture_Manager::reconcile_metadata_stream(std::uint64_t camera_i
   reconciled_.insert(camera_id);
 }
 
-void Snapshot_Pusher::stop() { forget(); }
+void Snapshot_Pusher::stop() {
+  forget();
+}
 
-void Snapshot_Pusher::apply_trigger_state(Trigger_Config_State state) { state_ = std::move(state); }
+void Snapshot_Pusher::apply_trigger_state(Trigger_Config_State state) {
+  state_ = std::move(state);
+}
 
 std::vector<std::string> Inventory_Meta_Type_Resolver::resolve(
     const std::vector<std::string>& types) {

@@ -60,6 +60,7 @@ class VEMORA_API Inventory_Meta_Type_Resolver : public Meta_Type_Resolver {
 };
 
 /// A general name that leads back to itself; nothing when there is none.
-VEMORA_API std::optional<std::string> find_cycle(const Inventory_Meta_Type_Resolver::Object_Types& types);
+VEMORA_API std::optional<std::string> find_cycle(
+    const Inventory_Meta_Type_Resolver::Object_Types& types);
 
 }  // namespace kuv::vemora::embedded_server

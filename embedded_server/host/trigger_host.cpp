@@ -88,7 +88,7 @@ Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t ser
 Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping) {
   const std::lock_guard<std::mutex> lock(mutex_);
   Pass_Scope pass(database_, server_id_);
-  begin(pass);
+  begin();
   Pass_Outcome outcome;
   const Json::Value schedules = value_of(mapping, pass.documents().mapping);
   if (!schedules.isObject()) {
@@ -117,9 +117,9 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
 Pass_Outcome Trigger_Host::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
   Pass_Scope pass(database_, server_id_);
-  begin(pass);
-  const auto manager = make_manager(stored_value(pass.documents().config),
-                                    stored_value(pass.documents().mapping));
+  begin();
+  const auto manager =
+      make_manager(stored_value(pass.documents().config), stored_value(pass.documents().mapping));
   Pass_Outcome outcome;
   Trigger_Config_State state;
   outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
@@ -133,14 +133,14 @@ std::optional<Check_Fault> Trigger_Host::check(const Json_Document& config,
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
   Vemora_Trigger_Parser parser(repository_, server_id_);
   const Json::Value& configured = config.value();
-  const Json::Value stored =
-      with_default(stored_value(pass.documents().mapping), "triggerMapping");
+  const Json::Value stored = with_default(stored_value(pass.documents().mapping), "triggerMapping");
   const Json::Value& schedules = mapping != nullptr ? mapping->value() : stored;
   Trigger_Mapping parsed;
   const std::array<Stage, 3> stages{{
       {"config", &config, [&] { parser.parse_config_properties(configured); },
        [&](const std::string& message) { return locate_in_properties(configured, message); }},
-      {"mapping", mapping, [&] { parsed = parser.parse_trigger_mapping(with_default(schedules, "triggerMapping")); },
+      {"mapping", mapping,
+       [&] { parsed = parser.parse_trigger_mapping(with_default(schedules, "triggerMapping")); },
        [&](const std::string& message) { return locate_in_mapping(parser, schedules, message); }},
       {"config", &config, [&] { parser.parse_trigger_configs(configured, parsed); },
        [&](const std::string& message) {
@@ -166,7 +166,7 @@ std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(const Json::V
       std::make_unique<Vemora_Trigger_Parser>(repository_, server_id_), pusher_, resolver_);
 }
 
-void Trigger_Host::begin(Pass_Scope&) {
+void Trigger_Host::begin() {
   capture_manager_->forget();
   pusher_->forget();
   resolver_->learn(load_object_types(database_));
@@ -185,7 +185,8 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
       outcome.status = Status::failed;
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});
       outcome.remarks.emplace_back(
-          "The records of the pass are committed, its documents are not stored: repeat the command.");
+          "The records of the pass are committed, its documents are not stored: repeat the "
+          "command.");
       return;
     }
     if (outcome.status == Status::failed) {
@@ -204,8 +205,12 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
       outcome.remarks.emplace_back("What the pass had written before the fault is committed.");
     }
   } catch (const Database_Error& error) {
+    if (outcome.status != Status::done) {
+      outcome.remarks.emplace_back(error.what());  // the library has said that it failed
+    } else {
+      outcome.errors.push_back({Error::Category::failed_processing, error.what()});
+    }
     outcome.status = Status::failed;
-    outcome.errors.push_back({Error::Category::failed_processing, error.what()});
   }
 }
 

@@ -33,9 +33,9 @@ struct Pass_Outcome {
 
   Status status = Status::failed;
   std::vector<Directive_Config_Processing::Error> errors;  ///< the library's own, in order
-  std::vector<std::string> remarks;                        ///< what else there is to say of a failure
-  std::set<std::uint64_t> reconciled;                      ///< cameras whose streams were brought in line
-  std::optional<Trigger_Config_State> state;               ///< what the pusher received
+  std::vector<std::string> remarks;           ///< what else there is to say of a failure
+  std::set<std::uint64_t> reconciled;         ///< cameras whose streams were brought in line
+  std::optional<Trigger_Config_State> state;  ///< what the pusher received
   Changes changes;
 };
 
@@ -47,27 +47,28 @@ struct Check_Fault {
   std::optional<std::uint64_t> id;   ///< of the trigger
 };
 
-/// Runs passes over one database as a server would. May be used from any thread; passes queue up. What
-/// the database throws (Database_Error) before a pass has begun reaches the caller.
+/// Runs passes over one database as a server would. May be used from any thread; passes queue up.
+/// What the database throws (Database_Error) before a pass has begun reaches the caller.
 class VEMORA_API Trigger_Host {
  public:
   Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id);
 
-  /// Runs a pass with a new configuration, and a new mapping where one is given, and stores them when
-  /// it succeeded.
+  /// Runs a pass with a new configuration, and a new mapping where one is given, and stores them
+  /// when it succeeded.
   Pass_Outcome apply(const Json_Document& config, const Json_Document* mapping);
 
   /// Runs a pass on the stored documents.
   Pass_Outcome refresh();
 
-  /// The first fault for which the parser would reject the documents (the stored mapping where none is
-  /// given), with exactly its text; nothing when they are valid. Writes nothing and waits for nobody.
+  /// The first fault for which the parser would reject the documents (the stored mapping where none
+  /// is given), with exactly its text; nothing when they are valid. Writes nothing and waits for
+  /// nobody.
   std::optional<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
 
  private:
   std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
                                                        const Json::Value& mapping);
-  void begin(Pass_Scope& pass);
+  void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);
   void reconcile_leftovers(Pass_Scope& pass);

@@ -7,8 +7,8 @@
 
 namespace kuv::vemora::tools {
 
-// Each command prints its outcome to standard output and answers the exit status. Documents that cannot
-// be read and databases that fail are thrown (Document_Error, Database_Error).
+// Each command prints its outcome to standard output and answers the exit status. Documents that
+// cannot be read and databases that fail are thrown (Document_Error, Database_Error).
 
 Exit_Status init(const Options& options, const std::string& inventory_path);
 

@@ -24,8 +24,8 @@ bool is_there(const std::string& location) {
          std::filesystem::file_size(prefixed ? location.substr(7) : location, ignored) != 0;
 }
 
-/// What a new inventory may refer to; nothing where there is no database yet, and none is made for a
-/// document that may turn out to be faulty.
+/// What a new inventory may refer to; nothing where there is no database yet, and none is made for
+/// a document that may turn out to be faulty.
 embedded_server::Inventory_References stored_references(const Options& options) {
   if (!is_there(options.database)) {
     return {};

@@ -12,8 +12,8 @@ namespace kuv::vemora::tools {
 
 /// A fault of a document, and the file that it stands in.
 struct Located_Fault {
-  std::string role;  ///< "inventory", "config" or "mapping"
-  std::string path;  ///< empty: the stored one
+  std::string role;                                ///< "inventory", "config" or "mapping"
+  std::string path;                                ///< empty: the stored one
   const embedded_server::Json_Document* document;  ///< null when it could not be read
   embedded_server::Document_Fault fault;
   std::optional<std::size_t> index;

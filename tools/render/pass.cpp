@@ -14,9 +14,13 @@ namespace {
 using embedded_server::Changes;
 using embedded_server::Pass_Outcome;
 
-std::string key_of(std::uint64_t id) { return std::to_string(id); }
+std::string key_of(std::uint64_t id) {
+  return std::to_string(id);
+}
 
-Json::Value empty_object() { return Json::Value(Json::objectValue); }
+Json::Value empty_object() {
+  return Json::Value(Json::objectValue);
+}
 
 Json::Value to_json(const std::set<std::uint64_t>& ids) {
   Json::Value list(Json::arrayValue);

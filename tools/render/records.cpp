@@ -27,10 +27,9 @@ Json::Value ids_to_json(const std::vector<std::uint64_t>& ids) {
 
 Json::Value to_json(const Activity_Duration& activity) {
   Json::Value object(Json::objectValue);
-  object["mode"] = activity.mode == Activity_Duration_Mode::object_track ? "object-track"
-                                                                         : "object-presence";
-  object["minDurationMs"] =
-      Json::Int64(duration_cast<milliseconds>(activity.min_duration).count());
+  object["mode"] =
+      activity.mode == Activity_Duration_Mode::object_track ? "object-track" : "object-presence";
+  object["minDurationMs"] = Json::Int64(duration_cast<milliseconds>(activity.min_duration).count());
   if (activity.dropout.count() != 0) {
     object["dropoutMs"] = Json::Int64(duration_cast<milliseconds>(activity.dropout).count());
   }
@@ -87,7 +86,8 @@ Json::Value to_json(const metadata_event_subscription& record) {
   object["id"] = Json::UInt64(record.id);
   object["name"] = record.name;
   object["onvifTopic"] = to_json(record.onvif_topic);
-  object["cameraId"] = record.camera ? Json::Value(Json::UInt64(record.camera_id())) : Json::Value();
+  object["cameraId"] =
+      record.camera ? Json::Value(Json::UInt64(record.camera_id())) : Json::Value();
   object["triggerIds"] = ids_to_json(record.trigger_ids());
   object["tags"] = Json::Value(Json::objectValue);
   for (const Tag_Entry& tag : record.tags) {
@@ -169,8 +169,8 @@ std::string describe(const Trigger_Source& source) {
     text += source.search_item->motion_required ? " in motion" : "";
   }
   if (source.activity_duration) {
-    text += fmt::format(
-        " for {} s", static_cast<double>(source.activity_duration->min_duration.count()) / 1e6);
+    text += fmt::format(" for {} s",
+                        static_cast<double>(source.activity_duration->min_duration.count()) / 1e6);
   }
   return printable(text);
 }

@@ -15,7 +15,8 @@ template <class Record>
 using Records = std::vector<std::shared_ptr<Record>>;
 
 void print_triggers(const Options& options, const Records<trigger>& records);
-void print_subscriptions(const Options& options, const Records<metadata_event_subscription>& records);
+void print_subscriptions(const Options& options,
+                         const Records<metadata_event_subscription>& records);
 void print_detection(const Options& options, const Records<eta_camera>& records);
 void print_cameras(const Options& options, const Records<camera>& records);
 

@@ -18,7 +18,9 @@ bool wants_colour() {
   return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
 }
 
-bool is_control(unsigned char byte) { return byte < 0x20 || byte == 0x7F; }
+bool is_control(unsigned char byte) {
+  return byte < 0x20 || byte == 0x7F;
+}
 
 /// The second byte of an 8-bit control character (U+0080 to U+009F) in UTF-8.
 bool is_wide_control(unsigned char before, unsigned char byte) {
