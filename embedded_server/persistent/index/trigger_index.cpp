@@ -2,6 +2,7 @@
 
 #include "embedded_server/persistent/index/row_reader.h"
 #include "embedded_server/persistent/index/schedule_index.h"
+#include "embedded_server/persistent/index/trigger_values.h"
 #include "embedded_server/persistent/mapping/source_row.h"
 #include "records-odb.h"
 #include "rows-odb.h"
@@ -109,7 +110,9 @@ std::map<std::uint64_t, Trigger_Index::Change> Trigger_Index::settle() {
   for (auto& [id, stored] : touched_) {
     const auto found = records_.find(id);
     Change change{std::move(stored), found == records_.end() ? nullptr : found->second.accepted};
-    if (change.stored || change.now) {
+    const bool same = change.stored && change.now ? same_values(*change.stored, *change.now)
+                                                  : !change.stored && !change.now;
+    if (!same) {
       changes.emplace_hint(changes.end(), id, std::move(change));
     }
   }

@@ -1,8 +1,8 @@
 #include "embedded_server/persistent/pass/write_changes.h"
 
-#include <algorithm>
 #include <odb/database.hxx>
 
+#include "embedded_server/persistent/index/trigger_values.h"
 #include "embedded_server/persistent/mapping/source_row.h"
 #include "records-odb.h"
 #include "rows-odb.h"
@@ -23,21 +23,6 @@ void erase_sources(odb::database& database, const trigger& record) {
   }
 }
 
-bool same_source(const Trigger_Source& left, const Trigger_Source& right) {
-  const auto same_item = [](const Object_Search_Item& a, const Object_Search_Item& b) {
-    return a.object_type == b.object_type && a.motion_required == b.motion_required;
-  };
-  const auto same_duration = [](const Activity_Duration& a, const Activity_Duration& b) {
-    return a.mode == b.mode && a.min_duration == b.min_duration && a.dropout == b.dropout;
-  };
-  return left.type == right.type && left.onvif_topic == right.onvif_topic &&
-         left.search_item.has_value() == right.search_item.has_value() &&
-         (!left.search_item || same_item(*left.search_item, *right.search_item)) &&
-         left.activity_duration.has_value() == right.activity_duration.has_value() &&
-         (!left.activity_duration ||
-          same_duration(*left.activity_duration, *right.activity_duration));
-}
-
 void insert_schedules(odb::database& database, const trigger& record) {
   for (const Trigger_Mapping_Entry& entry : record.schedules) {
     database.persist(rows::Trigger_Schedule{{record.id, entry.schedule->id}});
@@ -50,21 +35,15 @@ void erase_schedules(odb::database& database, const trigger& record) {
   }
 }
 
-bool same_schedule(const Trigger_Mapping_Entry& left, const Trigger_Mapping_Entry& right) {
-  return left.schedule->id == right.schedule->id;
-}
-
 void update_trigger(odb::database& database, const trigger& stored, const trigger& now) {
   if (stored.name != now.name) {
     database.update(now);
   }
-  if (!std::equal(stored.sources.begin(), stored.sources.end(), now.sources.begin(),
-                  now.sources.end(), same_source)) {
+  if (!same_sources(stored.sources, now.sources)) {
     erase_sources(database, stored);
     insert_sources(database, now);
   }
-  if (!std::equal(stored.schedules.begin(), stored.schedules.end(), now.schedules.begin(),
-                  now.schedules.end(), same_schedule)) {
+  if (!same_schedules(stored.schedules, now.schedules)) {
     erase_schedules(database, stored);
     insert_schedules(database, now);
   }
