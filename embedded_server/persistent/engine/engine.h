@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <odb/database.hxx>
 #include <optional>
@@ -40,8 +41,8 @@ class Engine {
   /// The version of the schema; nothing where the database is empty. Throws when it is not ours.
   virtual std::optional<std::int32_t> schema_version() = 0;
 
-  /// Whether a text column takes this text.
-  virtual bool can_hold(std::string_view text) = 0;
+  /// Whether a row with these texts in it, beside numbers, can be stored.
+  virtual bool can_hold(std::initializer_list<std::string_view> texts) = 0;
 
   /// Whether the transaction that is current on this thread can still be committed.
   virtual bool holds_transaction() = 0;

@@ -9,10 +9,9 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-// Readers go on during a pass (WAL); a commit is on the disk when it returns (FULL). The cache is
-// large enough that a pass over a big site does not read its own pages twice.
+// A commit is on the disk when it returns (FULL). The cache is large enough that a pass over a big
+// site does not read its own pages twice.
 constexpr const char* settings =
-    "PRAGMA journal_mode=WAL;"
     "PRAGMA synchronous=FULL;"
     "PRAGMA cache_size=-262144;"
     "PRAGMA temp_store=MEMORY;";

@@ -18,6 +18,10 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
+// The limit on texts is one on rows too. No table of ours has more than nine columns; each takes at
+// most nine bytes in the head of a row, and eight more when it is a number.
+constexpr std::size_t numbers_of_a_row = 160;
+
 constexpr std::int64_t application_id = 0x564D5247;  // marks the file as ours, for file(1) and us
 
 /// SQLite takes some names for other things than files (":memory:").
@@ -53,6 +57,11 @@ void run_script(sqlite3* handle, const char* script) {
   if (sqlite3_exec(handle, script, nullptr, nullptr, nullptr) != SQLITE_OK) {
     throw Database_Error(sqlite3_errmsg(handle));
   }
+}
+
+/// Readers go on during a pass. The mode is part of the file, so only a file of ours is touched.
+void use_write_ahead_log(sqlite3* handle) {
+  run_script(handle, "PRAGMA journal_mode=WAL");
 }
 
 sqlite3* current_handle() {
@@ -92,11 +101,13 @@ std::optional<std::int32_t> SQLite_Engine::schema_version() {
   if (query_number(handle, "PRAGMA application_id") != application_id) {
     throw Database_Error("it is a database of another program");
   }
+  use_write_ahead_log(handle);
   return static_cast<std::int32_t>(query_number(handle, "SELECT schema_version FROM site"));
 }
 
 void SQLite_Engine::migrate() {
   const std::int32_t present = schema_version().value_or(0);
+  use_write_ahead_log(database_->connection()->handle());
   odb::transaction transaction(database_->begin_immediate());
   for (std::size_t version = static_cast<std::size_t>(present); version < sqlite_schema.size();
        ++version) {
@@ -110,9 +121,13 @@ void SQLite_Engine::migrate() {
   transaction.commit();
 }
 
-bool SQLite_Engine::can_hold(std::string_view text) {
+bool SQLite_Engine::can_hold(std::initializer_list<std::string_view> texts) {
   const int limit = sqlite3_limit(current_handle(), SQLITE_LIMIT_LENGTH, -1);
-  return text.size() < static_cast<std::size_t>(limit);
+  std::size_t size = numbers_of_a_row;
+  for (const std::string_view text : texts) {
+    size += text.size();
+  }
+  return size <= static_cast<std::size_t>(limit);
 }
 
 bool SQLite_Engine::holds_transaction() {

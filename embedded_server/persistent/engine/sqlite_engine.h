@@ -25,7 +25,7 @@ class SQLite_Engine : public Engine {
   std::unique_ptr<Pass_Lock> lock_passes() override;
   void migrate() override;
   std::optional<std::int32_t> schema_version() override;
-  bool can_hold(std::string_view text) override;
+  bool can_hold(std::initializer_list<std::string_view> texts) override;
   bool holds_transaction() override;
   std::string describe(const std::exception& fault) override;
 

@@ -131,13 +131,6 @@ void ETA_Camera_Index::delete_without_triggers() {
   }
 }
 
-void ETA_Camera_Index::replace_trigger(const std::shared_ptr<trigger>& fresh) {
-  for (Entry* const entry : records_.holders(fresh->id)) {
-    entry->record->triggers.erase(fresh);
-    entry->record->triggers.insert(fresh);
-  }
-}
-
 ETA_Camera_Index::Net_Changes ETA_Camera_Index::settle() {
   Net_Changes net;
   for (const std::uint64_t id : added_) {

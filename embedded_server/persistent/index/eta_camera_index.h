@@ -45,7 +45,7 @@ class ETA_Camera_Index {
   void delete_without_triggers();
 
   /// Puts a fresh record of a trigger in the place of one that carries refused changes.
-  void replace_trigger(const std::shared_ptr<trigger>& fresh);
+  void replace_trigger(const std::shared_ptr<trigger>& fresh) { records_.replace_trigger(fresh); }
 
   Net_Changes settle();
   void save_ids() { ids_.save(); }

@@ -97,6 +97,13 @@ class Linked_Records {
     entry.record = std::move(fresh);
   }
 
+  /// Puts a fresh record of a trigger in the place of one that carries refused changes.
+  void replace_trigger(const std::shared_ptr<trigger>& fresh) {
+    for (Entry* const entry : holders(fresh->id)) {
+      replace_link(*entry->record, fresh);
+    }
+  }
+
   /// Takes triggers that are being deleted off every record.
   void drop_triggers(const std::set<std::uint64_t>& dead) {
     Entry_List affected;

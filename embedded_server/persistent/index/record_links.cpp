@@ -13,6 +13,14 @@ std::uint64_t id_of(const odb::lazy_shared_ptr<trigger>& link) {
   return loaded != nullptr ? loaded->id : link.object_id();
 }
 
+/// Where the link to that trigger is, or would be.
+template <class Links>
+auto place_of(Links& links, std::uint64_t trigger_id) {
+  return std::lower_bound(
+      links.begin(), links.end(), trigger_id,
+      [](const auto& link, std::uint64_t wanted) { return id_of(link) < wanted; });
+}
+
 /// Takes `triggers` off the notes, and makes what was taken off in memory what was stored of it.
 void forget_notes(const std::set<std::uint64_t>& triggers, Trigger_Link_Changes& notes,
                   std::vector<std::uint64_t>& taken_off) {
@@ -36,9 +44,7 @@ std::shared_ptr<trigger> probe(std::uint64_t trigger_id) {
 
 bool holds(const metadata_event_subscription& record, std::uint64_t trigger_id) {
   const auto& links = record.trigger_links;
-  const auto place =
-      std::lower_bound(links.begin(), links.end(), trigger_id,
-                       [](const auto& link, std::uint64_t wanted) { return id_of(link) < wanted; });
+  const auto place = place_of(links, trigger_id);
   return place != links.end() && id_of(*place) == trigger_id;
 }
 
@@ -85,6 +91,18 @@ void append_link(metadata_event_subscription& record, const std::shared_ptr<trig
 
 void append_link(eta_camera& record, const std::shared_ptr<trigger>& held) {
   record.triggers.insert(record.triggers.end(), held);
+}
+
+void replace_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& fresh) {
+  if (holds(record, fresh->id)) {
+    *place_of(record.trigger_links, fresh->id) = fresh;
+  }
+}
+
+void replace_link(eta_camera& record, const std::shared_ptr<trigger>& fresh) {
+  if (record.triggers.erase(fresh) != 0) {
+    record.triggers.insert(fresh);
+  }
 }
 
 std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,

@@ -43,6 +43,10 @@ bool holds_nothing(const eta_camera& record);
 void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held);
 void append_link(eta_camera& record, const std::shared_ptr<trigger>& held);
 
+/// Puts a fresh record of a trigger that is held in the place of the one before.
+void replace_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& fresh);
+void replace_link(eta_camera& record, const std::shared_ptr<trigger>& fresh);
+
 /// Takes all of these triggers off at once, and off the notes in the record; answers those it held
 /// when it was last handed over.
 std::vector<std::uint64_t> remove_links(metadata_event_subscription& record,

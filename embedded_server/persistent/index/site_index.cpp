@@ -46,7 +46,9 @@ bool Site_Index::add_trigger(const std::shared_ptr<trigger>& added) {
 }
 
 void Site_Index::restore_trigger(std::uint64_t id) {
-  eta_cameras().replace_trigger(triggers().restore(id));
+  const std::shared_ptr<trigger> fresh = triggers().restore(id);
+  subscriptions().replace_trigger(fresh);
+  eta_cameras().replace_trigger(fresh);
 }
 
 void Site_Index::delete_triggers(const std::set<std::uint64_t>& dead) {

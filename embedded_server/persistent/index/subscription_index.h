@@ -49,6 +49,9 @@ class Subscription_Index {
   void drop_triggers(const std::set<std::uint64_t>& dead);
   void delete_without_triggers();
 
+  /// Puts a fresh record of a trigger in the place of one that carries refused changes.
+  void replace_trigger(const std::shared_ptr<trigger>& fresh) { records_.replace_trigger(fresh); }
+
   Net_Changes settle();
   void save_ids() { ids_.save(); }
 

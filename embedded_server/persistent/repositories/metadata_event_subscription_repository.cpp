@@ -13,9 +13,8 @@ class Stored_Subscriptions : public Metadata_Event_Subscription_Repository {
 
   bool add(const std::shared_ptr<metadata_event_subscription>& added) override {
     return write(database_, [&](Site_Index& site) {
-      Engine& engine = database_->engine();
-      return engine.can_hold(added->name) && engine.can_hold(added->onvif_topic.value_or("")) &&
-             site.subscriptions().add(added);
+      const std::string topic = added->onvif_topic.value_or("");
+      return database_->engine().can_hold({added->name, topic}) && site.subscriptions().add(added);
     });
   }
 

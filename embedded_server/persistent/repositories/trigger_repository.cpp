@@ -11,10 +11,10 @@ namespace {
 /// Whether the engine takes every text of the record.
 bool fits(Engine& engine, const trigger& record) {
   const auto source_fits = [&engine](const Trigger_Source& source) {
-    return engine.can_hold(source.onvif_topic.value_or("")) &&
-           (!source.search_item || engine.can_hold(source.search_item->object_type));
+    const std::string topic = source.onvif_topic.value_or("");
+    return engine.can_hold({topic, source.search_item ? source.search_item->object_type : ""});
   };
-  return engine.can_hold(record.name) &&
+  return engine.can_hold({record.name}) &&
          std::all_of(record.sources.begin(), record.sources.end(), source_fits);
 }
 
