@@ -57,22 +57,26 @@ odb::database& Pass::odb() {
 
 void Pass::commit() {
   run([this](Site_Index& site) {
-    const Site_Index::Net_Changes net = site.settle();
-    append_changes(net, changes_);
-    if (mode_ != Pass_Scope::Mode::commit) {
-      return;
-    }
+    store_changes(site);
+    verify_against_database();
+  });
+}
+
+void Pass::store_changes(Site_Index& site) {
+  const Site_Index::Net_Changes net = site.settle();
+  if (mode_ == Pass_Scope::Mode::commit) {
     try {
       write(net);
       transaction_->commit();
-    } catch (...) {
-      lost_ = true;  // half of it may be written: it goes as a whole
+    } catch (const std::exception& fault) {
+      note_fault(fault);  // as long as the connection still knows what it was
+      lost_ = true;       // half of it may be written: it goes as a whole
       transaction_.reset();
       throw;
     }
     transaction_.reset();
-    verify_against_database();
-  });
+  }
+  append_changes(net, changes_);
 }
 
 void Pass::write(const Site_Index::Net_Changes& net) {
@@ -98,7 +102,7 @@ void Pass::end() {
   }
   if (!lost_) {
     try {
-      commit();
+      run([this](Site_Index& site) { store_changes(site); });
       fault_ = fault;
       return;
     } catch (const Database_Error&) {
@@ -138,7 +142,7 @@ void Pass::throw_if_faulty() const {
 
 void Pass::verify_against_database() {
 #ifndef NDEBUG
-  if (purpose_ == Purpose::whole_pass) {
+  if (purpose_ == Purpose::whole_pass && mode_ == Pass_Scope::Mode::commit) {
     verify_index(database_->engine().odb(), site_);
   }
 #endif

@@ -71,6 +71,7 @@ class Pass {
 
  private:
   void begin_if_necessary();
+  void store_changes(Site_Index& site);
   void write(const Site_Index::Net_Changes& net);
   void note_fault(const std::exception& fault);
   void poison(std::string reason);
