@@ -48,6 +48,10 @@ std::size_t Foreign_Program::count(const std::string& table) {
   return std::stoul(query("SELECT count(*) FROM " + table).at(0).at(0).value());
 }
 
+std::ostream& operator<<(std::ostream& stream, const Database_Engine& engine) {
+  return stream << engine.name;
+}
+
 std::vector<Database_Engine> database_engines() {
   return {
       {"sqlite", [] { return std::make_unique<SQLite_Place>(); }},

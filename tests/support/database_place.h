@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,9 @@ struct Database_Engine {
   std::string name;
   std::function<std::unique_ptr<Database_Place>()> make_place;
 };
+
+/// By its name.
+std::ostream& operator<<(std::ostream& stream, const Database_Engine& engine);
 
 /// Every engine there is: one line each.
 std::vector<Database_Engine> database_engines();

@@ -118,9 +118,13 @@ std::vector<Contract> contracts() {
   return all;
 }
 
+std::ostream& operator<<(std::ostream& stream, const Contract& contract) {
+  return stream << contract.engine
+                << (contract.joining == Joining::one_pass ? "_in_a_pass" : "_on_its_own");
+}
+
 std::string name_of_contract(const testing::TestParamInfo<Contract>& info) {
-  return info.param.engine.name +
-         (info.param.joining == Joining::one_pass ? "_in_a_pass" : "_on_its_own");
+  return testing::PrintToString(info.param);
 }
 
 }  // namespace kuv::test

@@ -67,6 +67,8 @@ struct Contract {
   Joining joining;
 };
 
+std::ostream& operator<<(std::ostream& stream, const Contract& contract);
+
 /// A test of what the repositories promise, on every engine, inside a pass and outside one.
 class Contract_Test : public testing::TestWithParam<Contract>, public Database_Fixture {
  protected:

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "vemora/embedded_server/persistent/database.h"
+
+namespace kuv::test {
+
+/// The connection that the next pass over an SQLite database will use; for tests that count what it
+/// does or make things hard for it. No pass may be open.
+sqlite3* idle_connection(vemora::embedded_server::Database& database);
+
+/// The rows that were inserted, updated and deleted through a connection so far.
+std::int64_t rows_written(sqlite3* connection);
+
+}  // namespace kuv::test
