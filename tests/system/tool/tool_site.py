@@ -1,0 +1,159 @@
+"""A site in a temporary folder, and `vemora-triggers` as a process on it."""
+
+import json
+import os
+import shutil
+import sqlite3
+import subprocess
+import tempfile
+import unittest
+
+TOOL = os.environ["TOOL"]
+LARGEST_ID = 18446744073709551615
+
+DONE, TRIGGER_ERRORS, REJECTED, FAILED, WRONG_USAGE = 0, 1, 2, 3, 64
+
+MOTION = "tns1:VideoSource/MotionAlarm"
+CROSSED = "tns1:RuleEngine/LineDetector/Crossed"
+
+
+def camera(number, topics=(), tags=None, **others):
+    """A camera of an inventory that can report these topics."""
+    topic_filter = {"TopicFilter": {"capabilities": {topic: "" for topic in topics}}}
+    return {"id": number, "name": f"camera {number}", "tags": tags or {},
+            "capabilities": {"Metadata": {"Mode": {"capabilities": {"On": topic_filter}}}}, **others}
+
+
+def small_inventory():
+    return {
+        "servers": [{"id": 1, "name": "one", "tags": {"site": "north"}}],
+        "cameras": [camera(10, [MOTION, CROSSED], {"area": "gate"}, objectDetection=True, motionDetection=True),
+                    camera(11, [MOTION], {"area": "dock"}, objectDetection=True)],
+        "schedules": [{"id": 1, "name": "always"}, {"id": 2, "name": "expired", "usable": False}],
+        "eventCategories": [{"id": 1, "name": "access"}],
+        "subscriptions": [{"id": 3, "name": "door forced", "categoryId": 1, "tags": {"door": "main"},
+                           "cameraIds": [11, 10]}],
+        "objectTypes": {"vehicle": ["car", "truck"]},
+    }
+
+
+def topic_source(topic=MOTION):
+    return {"type": "onvif-metadata", "onvifTopic": topic}
+
+
+def object_source(object_type="person", **others):
+    return {"type": "object-detection", "searchItem": {"type": object_type}, **others}
+
+
+def trigger(number, *sources, **others):
+    return {"id": number, "name": f"trigger {number}", "tags": {}, "sources": list(sources) or [topic_source()],
+            **others}
+
+
+def config(*triggers, **others):
+    return {"triggers": list(triggers), **others}
+
+
+def mapping(*associations):
+    return {"triggerMapping": [{"scheduleIds": schedules, "triggerIds": triggers}
+                               for schedules, triggers in associations]}
+
+
+class Outcome:
+    """What a process answered."""
+
+    def __init__(self, process):
+        self.status = process.returncode
+        self.out = process.stdout
+        self.err = process.stderr
+
+    @property
+    def text(self):
+        return self.out.decode("utf-8")
+
+    @property
+    def json(self):
+        """Standard output, which must be exactly one JSON object or array."""
+        value = json.loads(self.out.decode("ascii"))
+        assert isinstance(value, (dict, list)), value
+        return value
+
+
+class Site(unittest.TestCase):
+    """Each test has a folder of its own, with the database in `vemora.db`."""
+
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.database = self.path("vemora.db")
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def write(self, name, document):
+        """Writes a document, given as a value, a text or bytes; answers its name."""
+        if not isinstance(document, (str, bytes)):
+            document = json.dumps(document)
+        if isinstance(document, str):
+            document = document.encode("utf-8")
+        with open(self.path(name), "wb") as file:
+            file.write(document)
+        return name
+
+    def run_tool(self, *arguments, given=None, **options):
+        process = subprocess.run([TOOL, *arguments], cwd=self.folder, input=given or b"",
+                                 stdout=options.pop("stdout", subprocess.PIPE), stderr=subprocess.PIPE,
+                                 timeout=300, check=False, **options)
+        return Outcome(process)
+
+    def init(self, inventory=None):
+        """Makes the site, which must succeed."""
+        name = self.write("inventory.json", small_inventory() if inventory is None else inventory)
+        outcome = self.run_tool("init", name)
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""), outcome.out)
+
+    def apply(self, configuration, associations=None, expected=DONE):
+        """Applies documents and answers the JSON outcome."""
+        names = [self.write("config.json", configuration)]
+        if associations is not None:
+            names.append(self.write("mapping.json", associations))
+        outcome = self.run_tool("--json", "apply", *names)
+        self.assertEqual(outcome.status, expected, outcome.out)
+        return outcome.json
+
+    def check(self, configuration, associations=None, expected=REJECTED):
+        names = [self.write("config.json", configuration)]
+        if associations is not None:
+            names.append(self.write("mapping.json", associations))
+        outcome = self.run_tool("--json", "check", *names)
+        self.assertEqual(outcome.status, expected, outcome.out)
+        return outcome.json
+
+    def show(self, what):
+        outcome = self.run_tool("--json", "show", what)
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        return outcome.json
+
+    def sql(self, statement, *values):
+        """Reads or writes the database behind the tool's back."""
+        connection = sqlite3.connect(self.database)
+        try:
+            with connection:
+                return connection.execute(statement, values).fetchall()
+        finally:
+            connection.close()
+
+    def rows(self):
+        """Every row of every table."""
+        tables = [name for (name,) in self.sql("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
+        return {table: sorted(self.sql(f"SELECT * FROM {table}"), key=repr) for table in tables}
+
+    def files(self):
+        """Every file of the folder with its bytes."""
+        found = {}
+        for name in sorted(os.listdir(self.folder)):
+            with open(self.path(name), "rb") as file:
+                found[name] = file.read()
+        return found
