@@ -63,7 +63,8 @@ std::set<std::uint64_t> Pass_Scope::pending_cameras() {
 }
 
 void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
-  if (state_->mode != Mode::commit) {
+  const bool nothing = !accepted.config && !accepted.mapping && reconciled.empty();
+  if (state_->mode != Mode::commit || nothing) {
     return;
   }
   state_->pass.run([&](Site_Index&) {
