@@ -20,6 +20,9 @@ std::shared_ptr<Database> Database_Fixture::open_again(std::chrono::milliseconds
 }
 
 Foreign_Program& Database_Fixture::foreign_program() {
+  if (!exists_) {
+    database();
+  }
   if (!foreign_program_) {
     foreign_program_ = place_->foreign_program();
   }

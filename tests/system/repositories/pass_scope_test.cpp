@@ -448,6 +448,7 @@ TEST_P(Passes, make_the_database_their_server_s_once_they_stored_something) {
     repository().triggers().delete_all();
     clean_up();
     looked_only.end();
+    looked_only.store({}, {});
   }
   {
     Pass_Scope rolled_back(database(), 5, Pass_Scope::Mode::roll_back);
