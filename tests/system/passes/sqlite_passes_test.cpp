@@ -1,0 +1,108 @@
+#include "system/passes/whole_pass_test.h"
+#include "system/repositories/sqlite_connection.h"
+
+namespace kuv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// What can be told of SQLite alone: rows counted, and texts too long for it.
+class Passes_On_SQLite : public testing::Test, public Server_Around {
+ protected:
+  Passes_On_SQLite() : Server_Around({"sqlite", [] { return std::make_unique<SQLite_Place>(); }}) {
+    site.given_server(server_id);
+    site.given_schedule(1);
+    site.given_camera(10).with_topic("a").with_topic("b").detecting_objects();
+    site.given_camera(11).with_topic("a").detecting_motion();
+    site.given_generic_subscription(100).with_tag("door");
+    site.given_generic_subscription(101);
+  }
+
+  void given_a_limit_of(int bytes) {
+    sqlite3_limit(idle_connection(*database()), SQLITE_LIMIT_LENGTH, bytes);
+  }
+
+  Log_Capture log;
+};
+
+TEST_F(Passes_On_SQLite, write_not_one_row_when_nothing_changed) {
+  ASSERT_THAT(update_config(R"({"triggers": [
+      {"id": 7, "name": "topics", "tags": {}, "scheduleIds": [1], "sources": [
+        {"type": "onvif-metadata", "onvifTopic": "a"}, {"type": "onvif-metadata", "onvifTopic": "b"},
+        {"type": "object-detection", "searchItem": {"type": "car"}}]},
+      {"id": 8, "name": "without topics", "tags": {}, "sources": [
+        {"type": "metadata-event"}, {"type": "motion-detection"}]},
+      {"id": 9, "name": "of no camera", "tags": {"camera": {"nowhere": null}}, "sources": [
+        {"type": "metadata-event"}, {"type": "onvif-metadata", "onvifTopic": "a"}]},
+      {"id": 10, "name": "by tag", "tags": {"eventSubscription": {"door": null}}, "sources": [
+        {"type": "metadata-event"}, {"type": "onvif-metadata", "onvifTopic": "b"}]}]})")
+                  .errors,
+              IsEmpty());
+  ASSERT_THAT(generic_subscriptions(),
+              ElementsAre("subscription 100: 8 9 10", "subscription 101: 8 9"));
+  const auto version = [this] { return foreign_program().query("PRAGMA data_version"); };
+  const Rows version_before = version();
+  sqlite3* const connection = idle_connection(*database());
+  const std::int64_t rows_before = rows_written(connection);
+
+  EXPECT_TRUE(refresh().success);
+  EXPECT_TRUE(refresh().success);
+
+  EXPECT_EQ(rows_written(connection), rows_before);
+  EXPECT_EQ(version(), version_before);
+}
+
+TEST_F(Passes_On_SQLite, report_a_trigger_that_cannot_be_stored_and_go_on) {
+  given_a_limit_of(2000);
+  const std::string large(3000, 'x');
+  const auto config = [](const std::string& first, const std::string& second) {
+    return R"({"triggers": [
+        {"id": 7, "name": ")" +
+           first + R"(", "tags": {}, "sources": [{"type": "onvif-metadata", "onvifTopic": "a"}]},
+        {"id": 8, "name": ")" +
+           second + R"(", "tags": {}, "sources": [{"type": "onvif-metadata", "onvifTopic": "a"},
+          {"type": "object-detection", "searchItem": {"type": "car"}}]}]})";
+  };
+
+  Outcome outcome = update_config(config(large, "small"));
+  EXPECT_TRUE(outcome.success);
+  EXPECT_THAT(outcome.errors,
+              ElementsAre("1: Trigger 7: Failed to process config (Failed to create trigger)."));
+  EXPECT_THAT(topic_subscriptions(), ElementsAre("camera 10 topic a: 8", "camera 11 topic a: 8"));
+
+  outcome = update_config(config("small", large));
+  EXPECT_TRUE(outcome.success);
+  EXPECT_THAT(outcome.errors,
+              ElementsAre("1: Trigger 8: Failed to process config (Failed to update trigger)."));
+  EXPECT_THAT(lines_of(outcome.state),
+              ElementsAre("7 applied", "7 camera 10 topics a", "7 camera 11 topics a",
+                          "error Trigger 8: Failed to process config (Failed to update trigger)."));
+  EXPECT_THAT(topic_subscriptions(), ElementsAre("camera 10 topic a: 7", "camera 11 topic a: 7"));
+  EXPECT_THAT(detections(), IsEmpty());
+  EXPECT_THAT(stored_triggers(),
+              ElementsAre("trigger 7 \"small\" schedules [] sources [type 0 topic \"a\"]"));
+}
+
+TEST_F(Passes_On_SQLite, report_a_subscription_that_cannot_be_stored_and_go_on) {
+  // Short enough for a source, too long for a subscription, which is named after its topic.
+  const std::string large(1500, 't');
+  site.given_camera(11).with_topic(large);
+  given_a_limit_of(2000);
+
+  const Outcome outcome = update_config(R"({"triggers": [{"id": 7, "name": "", "tags": {},
+      "sources": [{"type": "onvif-metadata", "onvifTopic": "a"},
+                  {"type": "onvif-metadata", "onvifTopic": ")" +
+                                        large + R"("}]}]})");
+
+  EXPECT_TRUE(outcome.success);
+  EXPECT_THAT(
+      outcome.errors,
+      ElementsAre("1: Trigger 7: Failed to create subscription for trigger | ONVIF topic \"" +
+                  large + "\", camera ID 11"));
+  EXPECT_THAT(topic_subscriptions(), ElementsAre("camera 10 topic a: 7", "camera 11 topic a: 7"));
+  EXPECT_THAT(outcome.reconciled, ElementsAre(10, 11));
+}
+
+}  // namespace
+}  // namespace kuv::test
