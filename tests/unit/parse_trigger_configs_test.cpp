@@ -156,6 +156,8 @@ TEST_F(Parse_Trigger_Configs, takes_a_whole_valued_double_as_an_id) {
 
   EXPECT_EQ(id_of("7.0"), 7U);
   EXPECT_EQ(id_of("0.0"), 0U);
+  EXPECT_EQ(id_of("-0.0"), 0U);
+  EXPECT_EQ(id_of("-0"), 0U);
   EXPECT_EQ(id_of("1e3"), 1000U);
   EXPECT_EQ(id_of("9223372036854775808.0"), 9223372036854775808U);
   EXPECT_EQ(id_of("18446744073709549568.0"), 18446744073709549568U);

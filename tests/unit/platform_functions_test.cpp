@@ -192,7 +192,7 @@ TEST(Transform_Json_Array, appends_the_numbers_in_their_order) {
 TEST(Transform_Json_Array, keeps_what_is_there_already) {
   Numbers numbers{5, 6};
   EXPECT_TRUE(kuv::utils::transform_json_array(json("[7]"), numbers));
-  EXPECT_TRUE(kuv::utils::transform_json_array(json("[]"), numbers));
+  EXPECT_TRUE(kuv::utils::transform_json_array<Numbers>(json("[]"), numbers));
   EXPECT_EQ(numbers, (Numbers{5, 6, 7}));
 }
 

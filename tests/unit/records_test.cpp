@@ -10,6 +10,8 @@
 #include "vemora/platform/records/metadata_event_subscription.h"
 #include "vemora/platform/records/record_comparator.h"
 #include "vemora/platform/records/trigger.h"
+#include "vemora/platform/repositories/eta_camera_repository.h"
+#include "vemora/platform/repositories/metadata_event_subscription_repository.h"
 
 namespace kuv::test {
 namespace {
@@ -47,6 +49,28 @@ TEST(Records, keep_their_fields_in_the_order_that_servers_were_built_with) {
                            subscription.onvif_topic, subscription.camera,
                            subscription.trigger_links, subscription.tags,
                            subscription.camera_links));
+}
+
+TEST(Query_Parameters, keep_their_fields_in_the_order_that_servers_were_built_with) {
+  const ETA_Camera_Repository::Get_Params detection;
+  EXPECT_TRUE(lie_in_order(detection.trigger, detection.cameras, detection.cameras_match));
+  const Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params subscriptions;
+  EXPECT_TRUE(lie_in_order(subscriptions.trigger, subscriptions.topics, subscriptions.cameras,
+                           subscriptions.tags, subscriptions.trigger_match));
+}
+
+TEST(Query_Parameters, ask_for_every_record_that_holds_the_trigger_unless_told_otherwise) {
+  using Params = Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+  const ETA_Camera_Repository::Get_Params detection;
+  EXPECT_EQ(detection.trigger, nullptr);
+  EXPECT_THAT(detection.cameras, IsEmpty());
+  EXPECT_EQ(detection.cameras_match, ETA_Camera_Repository::Get_Params::Cameras::matching);
+  const Params subscriptions;
+  EXPECT_EQ(subscriptions.trigger, nullptr);
+  EXPECT_EQ(subscriptions.trigger_match, Params::Trigger_Match::holding);
+  EXPECT_EQ(subscriptions.kind, Params::Kind::any);
+  EXPECT_EQ(subscriptions.topics_and_cameras, Params::Topics_And_Cameras::matching);
+  EXPECT_EQ(subscriptions.tags_match, Params::Tags::matching);
 }
 
 TEST(Records, have_no_links_when_they_are_new) {
