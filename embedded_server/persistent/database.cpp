@@ -45,17 +45,16 @@ Database::Database(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) 
 Database::~Database() = default;
 
 std::optional<std::uint64_t> Database::owner() {
-  Pass pass(shared_from_this(), Pass::Purpose::single_read);
-  return pass.run([&pass](Site_Index&) {
+  return read(shared_from_this(), [this](Site_Index&) {
     rows::Site site;
-    pass.odb().load(1, site);
+    engine_->odb().load(1, site);
     return site.server_id;
   });
 }
 
 void Database::require_owner(std::uint64_t server_id) {
-  Pass pass(shared_from_this(), Pass::Purpose::single_read);
-  pass.run([&](Site_Index&) { embedded_server::require_owner(pass.odb(), server_id); });
+  read(shared_from_this(),
+       [&](Site_Index&) { embedded_server::require_owner(engine_->odb(), server_id); });
 }
 
 }  // namespace kuv::vemora::embedded_server

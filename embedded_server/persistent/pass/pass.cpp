@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <stdexcept>
+
 #include "embedded_server/persistent/pass/join_pass.h"
 #include "embedded_server/persistent/pass/verify_index.h"
 #include "embedded_server/persistent/pass/write_changes.h"
@@ -9,7 +11,7 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-thread_local Pass* innermost = nullptr;
+thread_local Pass* open_pass = nullptr;
 
 /// Capabilities are looked at by whoever holds a camera, in a pass or after it.
 Capability_Guard capability_guard(const std::shared_ptr<Database>& database) {
@@ -27,21 +29,19 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
       mode_(mode),
       server_id_(server_id),
       lock_(purpose == Purpose::single_read ? nullptr : database_->engine().lock_passes()),
-      site_(database_->engine().odb(), capability_guard(database_)),
-      enclosing_(innermost) {
-  innermost = this;
+      site_(database_->engine().odb(), capability_guard(database_)) {
+  if (open_pass != nullptr) {
+    throw std::logic_error("a pass is open on this thread already");
+  }
+  open_pass = this;
 }
 
 Pass::~Pass() {
-  innermost = enclosing_;
+  open_pass = nullptr;
 }
 
 Pass* Pass::current(const Database& database) {
-  Pass* pass = innermost;
-  while (pass != nullptr && pass->database_.get() != &database) {
-    pass = pass->enclosing_;
-  }
-  return pass;
+  return open_pass != nullptr && open_pass->database_.get() == &database ? open_pass : nullptr;
 }
 
 void Pass::begin_if_necessary() {

@@ -28,6 +28,7 @@ class Pass {
     single_read,
   };
 
+  /// One at a time on a thread, over whatever database: throws std::logic_error otherwise.
   Pass(std::shared_ptr<Database> database, Purpose purpose,
        Pass_Scope::Mode mode = Pass_Scope::Mode::commit,
        std::optional<std::uint64_t> server_id = std::nullopt);
@@ -88,7 +89,6 @@ class Pass {
   Changes changes_;
   std::optional<std::string> fault_;
   bool lost_ = false;  ///< what was done cannot be committed any more
-  Pass* enclosing_;    ///< of another database, on this thread
 };
 
 }  // namespace kuv::vemora::embedded_server

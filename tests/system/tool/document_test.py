@@ -1,0 +1,212 @@
+"""check: which documents are refused, with which text and place; documents that cannot be read at all."""
+
+import os
+import unittest
+
+from tool_site import (DONE, FAILED, REJECTED, MOTION, Site, config, mapping, object_source, topic_source, trigger)
+
+
+class Checked_Documents(Site):
+    def setUp(self):
+        super().setUp()
+        self.init()
+
+    def errors(self, configuration, associations=None):
+        answer = self.check(configuration, associations)
+        self.assertEqual(set(answer), {"success", "errors"})
+        self.assertIs(answer["success"], False)
+        return answer["errors"]
+
+    def test_valid_documents_have_no_errors(self):
+        self.assertEqual(self.check(config(trigger(7)), mapping(([1], [7])), expected=DONE),
+                         {"success": True, "errors": []})
+        self.assertEqual(self.run_tool("check", "config.json", "mapping.json").text, "Valid.\n")
+
+    def test_a_fault_of_a_trigger_is_told_with_its_place_index_and_id(self):
+        document = """{"triggers": [
+  {"id": 6, "name": "fine", "tags": {}, "sources": [{"type": "metadata-event"}]},
+  {"id": 7, "name": 12, "tags": {},
+   "sources": [{"type": "metadata-event"}]}
+]}
+"""
+        [error] = self.errors(document)
+        self.assertEqual(error["message"], "\"name\" field is missing or invalid.")
+        self.assertEqual((error["document"], error["index"], error["id"], error["line"]), ("config", 1, 7, 3))
+        self.assertEqual(set(error), {"document", "message", "index", "id", "line", "column"})
+
+    def test_a_fault_deep_in_a_source_is_told_with_its_line_and_column(self):
+        document = """{"triggers": [
+  {"id": 7, "name": "seven", "tags": {}, "sources": [
+    {"type": "metadata-event"},
+    {"type": "onvif-metadata", "onvifTopic": ""}
+  ]}
+]}
+"""
+        [error] = self.errors(document)
+        self.assertEqual(error["message"],
+                         "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")
+        self.assertEqual((error["index"], error["id"], error["line"]), (0, 7, 4))
+
+    def test_a_trigger_without_an_id_is_told_by_its_index(self):
+        [error] = self.errors(config(trigger(6), {"name": "x"}))
+        self.assertEqual((error["message"], error["index"]), ("\"id\" field is missing or invalid.", 1))
+        self.assertNotIn("id", error)
+
+    def test_a_duplicate_is_told_where_it_stands(self):
+        [error] = self.errors('{"triggers": [\n%s,\n%s]}' % ((
+            '{"id": 7, "name": "", "tags": {}, "sources": [{"type": "metadata-event"}]}',) * 2))
+        self.assertEqual(error["message"], "All \"id\" values must be unique, 7 is duplicated.")
+        self.assertEqual((error["index"], error["id"], error["line"]), (1, 7, 3))
+
+    def test_a_fault_of_the_properties_has_a_place_and_no_trigger(self):
+        [error] = self.errors('{"triggers": [],\n "properties": {\n  "notificationNackDelayMs": "1"}}')
+        self.assertEqual(error, {"document": "config", "line": 3, "column": 30, "message":
+                                 "\"properties.notificationNackDelayMs\" must be an unsigned integer."})
+
+    def test_a_fault_of_the_mapping_names_the_mapping(self):
+        [error] = self.errors(config(), '{"triggerMapping": [\n {"scheduleIds": [], "triggerIds": [1]},\n'
+                                        ' {"scheduleIds": [], "triggerIds": []}\n]}')
+        self.assertEqual((error["document"], error["message"], error["index"], error["line"]),
+                         ("mapping", "\"triggerIds\" array is empty.", 1, 3))
+
+    def test_the_documents_are_checked_in_the_order_of_a_pass(self):
+        broken = {"triggers": 1, "properties": 1}
+        self.assertEqual(self.errors(broken, [])[0]["message"], "\"properties\" must be a JSON object.")
+        del broken["properties"]
+        self.assertEqual(self.errors(broken, [])[0]["message"], "Trigger mapping must be a JSON object.")
+        self.assertEqual(self.errors(broken)[0]["message"], "Missing \"triggers\" array.")
+
+    def test_documents_that_are_no_objects_are_rejected(self):
+        self.assertEqual(self.errors([])[0]["message"], "Trigger configuration must be a JSON object.")
+        self.assertEqual(self.errors(config(), [])[0]["message"], "Trigger mapping must be a JSON object.")
+
+    def test_apply_says_what_check_says(self):
+        for what, broken in (("id", {"id": -1}), ("tags", {"tags": None}), ("sources", {"sources": []})):
+            with self.subTest(what):
+                document = config({**trigger(7), **broken})
+                [applied] = self.apply(document, expected=REJECTED)["errors"]
+                self.assertEqual(applied["message"],
+                                 "Failed to parse trigger config: " + self.errors(document)[0]["message"])
+
+    def test_people_read_file_line_and_column_and_the_line(self):
+        self.write("config.json", '{"triggers": [\n  {"id": "x"}\n]}')
+        outcome = self.run_tool("check", "config.json")
+        self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
+config.json:2:10: error: "id" field is missing or invalid. (element 0)
+      {"id": "x"}
+             ^
+"""))
+
+    def test_people_read_no_line_that_is_too_long_to_help(self):
+        self.write("config.json", config({**trigger(7), "name": 1, "comment": "x" * 5000}))
+        outcome = self.run_tool("check", "config.json")
+        self.assertEqual(outcome.status, REJECTED)
+        self.assertLess(len(outcome.out), 300)
+        self.assertIn(b"config.json:1:", outcome.out)
+
+    def test_a_check_writes_nothing(self):
+        self.apply(config(trigger(7)), mapping(([1], [7])))
+        self.write("new.json", config(trigger(8), trigger(9, object_source())))
+        self.write("broken.json", config({}))
+        self.write("none.json", mapping())
+        before = self.files()
+        for arguments in (["new.json"], ["new.json", "none.json"], ["broken.json"], ["missing.json"]):
+            self.run_tool("check", *arguments)
+        after = self.files()
+        self.assertEqual(list(after), list(before))
+        for name, content in before.items():
+            self.assertTrue(after[name] == content, f"{name} was changed")
+
+
+TEXTS_THAT_ARE_NO_DOCUMENT = {
+    "nothing": "",
+    "blanks": " \n\n",
+    "a number": "7",
+    "a text": '"triggers"',
+    "null": "null",
+    "cut off": '{"triggers": [',
+    "a comment": '{"triggers": [] /* none */}',
+    "a line comment": '// none\n{"triggers": []}',
+    "a comma too many": '{"triggers": [],}',
+    "a duplicate key": '{"triggers": [], "triggers": []}',
+    "a duplicate key of a trigger": '{"triggers": [{"id": 1, "id": 2}]}',
+    "something behind it": '{"triggers": []} x',
+    "a second document": '{"triggers": []}{}',
+    "single quotes": "{'triggers': []}",
+    "a number key": "{1: 2}",
+    "NaN": '{"triggers": [NaN]}',
+    "huge nesting": '{"triggers": ' + "[" * 100000 + "]" * 100000 + "}",
+    "a control character": '{"triggers": [] \x01}',
+}
+
+
+class Unreadable_Documents(Site):
+    def setUp(self):
+        super().setUp()
+        self.init()
+        self.apply(config(trigger(7)))
+        self.write("good.json", config())
+        self.before = self.rows()
+
+    def assert_unreadable(self, path, role="config"):
+        """Each command that takes documents refuses it with one located error, and changes nothing."""
+        commands = {
+            "config": (["check", path], ["apply", path]),
+            "mapping": (["check", "good.json", path], ["apply", "good.json", path]),
+            "inventory": (["init", path],),
+        }[role]
+        for command in commands:
+            outcome = self.run_tool("--json", *command)
+            self.assertEqual((outcome.status, outcome.err), (REJECTED, b""), command)
+            self.assertIs(outcome.json["success"], False)
+            [error] = outcome.json["errors"]
+            self.assertEqual(error["document"], role)
+            self.assertNotEqual(error["message"], "")
+            self.assertIn(error["message"].encode("utf-8", "replace").split(b"\n")[0],
+                          self.run_tool(*command).out)
+        self.assertEqual(self.rows(), self.before)
+        return error
+
+    def test_texts_that_are_no_document_are_rejected_in_every_role(self):
+        for what, text in TEXTS_THAT_ARE_NO_DOCUMENT.items():
+            for role in ("config", "mapping", "inventory"):
+                with self.subTest(what, role=role):
+                    self.assert_unreadable(self.write("text.json", text), role)
+
+    def test_the_place_of_a_syntax_error_is_told(self):
+        error = self.assert_unreadable(self.write("text.json", '{"triggers": [\n  {"id": 7,, "name": ""}\n]}'))
+        self.assertEqual((error["line"], error["column"]), (2, 12))
+
+    def test_the_place_of_a_duplicate_key_is_told(self):
+        error = self.assert_unreadable(self.write("text.json", '{"triggers": [],\n "triggers": []}'))
+        self.assertEqual(error["line"], 2)
+        self.assertIn("triggers", error["message"])
+
+    def test_binary_files_are_rejected(self):
+        self.assert_unreadable(self.write("binary", bytes(range(256)) * 100))
+        self.assert_unreadable(TOOL_FILE)
+
+    def test_missing_files_and_folders_are_rejected_with_the_reason(self):
+        self.assertIn("missing.json", self.assert_unreadable("missing.json")["message"])
+        os.mkdir(self.path("folder"))
+        self.assertIn("directory", self.assert_unreadable("folder")["message"])
+        os.rmdir(self.path("folder"))
+        self.assert_unreadable("good.json/inside")
+
+    @unittest.skipIf(os.geteuid() == 0, "root may read every file")
+    def test_files_without_permission_are_rejected(self):
+        name = self.write("secret.json", config())
+        os.chmod(self.path(name), 0)
+        self.assert_unreadable(name)
+
+    def test_a_byte_order_mark_is_no_fault_or_one_with_a_place(self):
+        name = self.write("bom.json", b"\xef\xbb\xbf" + b'{"triggers": []}')
+        outcome = self.run_tool("--json", "check", name)
+        self.assertIn(outcome.status, (DONE, REJECTED))
+        self.assertEqual(outcome.json["success"], outcome.status == DONE)
+
+
+TOOL_FILE = os.environ["TOOL"]
+
+if __name__ == "__main__":
+    unittest.main()
