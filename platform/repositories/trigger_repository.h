@@ -18,8 +18,8 @@ class VEMORA_API Trigger_Repository {
   /// The trigger of that id; null when there is none.
   virtual std::shared_ptr<trigger> find_by_id(std::uint64_t id) = 0;
 
-  /// Stores a new trigger under the id it carries. Refused when that id is taken, and when one of its
-  /// schedules is not stored.
+  /// Stores a new trigger under the id it carries. Refused when that id is taken, and when one of
+  /// its schedules is not stored.
   virtual bool add(const std::shared_ptr<trigger>& added) = 0;
 
   /// Stores name, schedules and sources of a changed trigger. Refused when it is not stored, and

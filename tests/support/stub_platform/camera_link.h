@@ -1,9 +1,10 @@
 #pragma once
 
+#include "vemora/platform/odb_runtime.h"
+
 #include <cstdint>
 #include <memory>
 
-#include "vemora/platform/odb_runtime.h"
 #include "vemora/platform/records/camera.h"
 
 // The little that a link needs to know of a camera to answer its id without loading it; where there

@@ -1,5 +1,6 @@
-// Preloaded into the tool by the crash tests: counts the calls by which it writes files and brings them
-// to the disk, and kills the process at one of them, as a power cut or an impatient administrator would.
+// Preloaded into the tool by the crash tests: counts the calls by which it writes files and brings
+// them to the disk, and kills the process at one of them, as a power cut or an impatient
+// administrator would.
 //
 //   KILL_AT_CALL=N     die at the N-th call; of a write, half is done by then
 //   COUNT_CALLS_IN=F   write the number of calls into file F at the end
@@ -29,7 +30,9 @@ bool is_file(int descriptor) {
 }
 
 /// True when this call is the one to die at.
-bool is_last(int descriptor) { return is_file(descriptor) && ++calls == wanted(); }
+bool is_last(int descriptor) {
+  return is_file(descriptor) && ++calls == wanted();
+}
 
 [[noreturn]] void die() {
   kill(getpid(), SIGKILL);
@@ -107,6 +110,8 @@ int ftruncate64(int descriptor, off64_t size) {
   return real(descriptor, size);
 }
 
-int ftruncate(int descriptor, off_t size) { return ftruncate64(descriptor, size); }
+int ftruncate(int descriptor, off_t size) {
+  return ftruncate64(descriptor, size);
+}
 
 }  // extern "C"
