@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
+#include <string_view>
+#include <utility>
 
 #include "unit/parser_test.h"
 
@@ -40,38 +42,51 @@ std::string text_of(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Replaces the escapes that message texts use.
-std::string unescaped(const std::string& literal) {
-  return std::regex_replace(literal, std::regex(R"(\\(["\\]))"), "$1");
-}
+/// Reads the string literals of a source text. Those that nothing stands between are one; comments
+/// and includes, which quote things too, are passed over.
+class Literal_Reader {
+ public:
+  explicit Literal_Reader(std::string source) : source_(std::move(source)) {}
 
-/// The string literals of a source text; those that stand next to each other are one.
-std::vector<std::string> literals_in(const std::string& source) {
-  static const std::regex literal_run(R"re((?:"(?:[^"\\\n]|\\.)*"\s*)+)re");
-  static const std::regex literal(R"re("((?:[^"\\\n]|\\.)*)")re");
-  std::vector<std::string> found;
-  for (std::sregex_iterator run(source.begin(), source.end(), literal_run), end; run != end;
-       ++run) {
-    const std::string text = run->str();
-    std::string joined;
-    for (std::sregex_iterator part(text.begin(), text.end(), literal); part != end; ++part) {
-      joined += (*part)[1];
+  std::vector<std::string> read() {
+    while (place_ < source_.size()) {
+      step();
     }
-    found.push_back(unescaped(joined));
+    return literals_;
   }
-  return found;
-}
 
-/// The sources of the parser without comments and includes, which quote things too.
-std::string parser_sources() {
-  std::string all;
-  for (const auto& entry : std::filesystem::directory_iterator(VEMORA_PARSER_SOURCES)) {
-    if (entry.path().extension() == ".cpp") {
-      all += text_of(entry.path());
+ private:
+  void step() {
+    const char character = source_[place_];
+    if (character == '#' || source_.compare(place_, 2, "//") == 0) {
+      place_ = std::min(source_.find('\n', place_), source_.size());
+    } else if (character == '"') {
+      read_literal();
+    } else {
+      joins_ = joins_ && std::isspace(static_cast<unsigned char>(character)) != 0;
+      ++place_;
     }
   }
-  return std::regex_replace(all, std::regex(R"(//[^\n]*|#include[^\n]*)"), "");
-}
+
+  void read_literal() {
+    if (!joins_) {
+      literals_.emplace_back();
+    }
+    for (++place_; source_.at(place_) != '"'; ++place_) {
+      if (source_[place_] == '\\') {
+        ++place_;  // what is escaped in these texts stands for itself
+      }
+      literals_.back() += source_.at(place_);
+    }
+    ++place_;
+    joins_ = true;
+  }
+
+  std::string source_;
+  std::size_t place_ = 0;
+  bool joins_ = false;  ///< nothing came since the last literal
+  std::vector<std::string> literals_;
+};
 
 /// A sentence; names of keys, modes and channels are none.
 bool is_sentence(const std::string& text) {
@@ -82,19 +97,33 @@ bool is_log_line(const std::string& text) {
   return text.find(" | ") != std::string::npos;
 }
 
-/// Whether a pattern of the sources, its holes filled, can become that registered message.
-bool can_become(const std::string& pattern, const std::string& message) {
-  static const std::regex special(R"([.*+?^$()\[\]\\|])");
-  static const std::regex hole(R"(\{\})");
-  const std::string escaped = std::regex_replace(pattern, special, R"(\$&)");
-  return std::regex_match(message, std::regex(std::regex_replace(escaped, hole, ".+")));
+/// Whether a pattern of the sources, its holes filled, can become that text.
+bool can_become(std::string_view pattern, std::string_view text) {
+  const std::size_t hole = pattern.find("{}");
+  if (hole == std::string_view::npos) {
+    return pattern == text;
+  }
+  if (text.substr(0, hole) != pattern.substr(0, hole)) {
+    return false;
+  }
+  for (std::size_t end = hole + 1; end <= text.size(); ++end) {
+    if (can_become(pattern.substr(hole + 2), text.substr(end))) {
+      return true;
+    }
+  }
+  return false;
 }
 
 std::vector<std::string> message_patterns() {
   std::vector<std::string> patterns;
-  for (const std::string& literal : literals_in(parser_sources())) {
-    if (is_sentence(literal) && !is_log_line(literal)) {
-      patterns.push_back(literal);
+  for (const auto& entry : std::filesystem::directory_iterator(VEMORA_PARSER_SOURCES)) {
+    if (entry.path().extension() != ".cpp") {
+      continue;
+    }
+    for (const std::string& literal : Literal_Reader(text_of(entry.path())).read()) {
+      if (is_sentence(literal) && !is_log_line(literal)) {
+        patterns.push_back(literal);
+      }
     }
   }
   return patterns;
@@ -108,6 +137,15 @@ TEST(Message_Register, lists_every_sentence_of_the_parser) {
                             [&](const auto& message) { return can_become(pattern, message); }))
         << pattern;
   }
+}
+
+TEST(Literals_Of_A_Source, are_read_as_the_compiler_reads_them) {
+  EXPECT_THAT(Literal_Reader(R"(#include "a.h"
+      f("one"); // "none"
+      g("two \"quoted\" " /* no */, "three"
+        " and" "\\");)")
+                  .read(),
+              ::testing::ElementsAre("one", "two \"quoted\" ", "three and\\"));
 }
 
 TEST(Message_Register, lists_nothing_that_the_parser_cannot_say) {

@@ -92,12 +92,12 @@ void Subscription_Index::load_links(odb::database& database) {
 
 void Subscription_Index::enter(Entry& entry) {
   const Record& record = *entry.record;
-  if (!is_topic_kind(record)) {
+  if (is_generic(record)) {
     generic_.push_back(&entry);
     for (const Tag_Entry& tag : record.tags) {
       tags_.add(tag.name, tag.info.value, &entry);
     }
-  } else if (record.camera && record.onvif_topic) {
+  } else if (is_topic_kind(record)) {
     by_topic_[*record.onvif_topic].emplace(record.camera_id(), &entry);
   }
 }

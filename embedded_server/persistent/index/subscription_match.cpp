@@ -19,8 +19,15 @@ bool Subscription_Match::operator()(const metadata_event_subscription& record) c
 }
 
 bool Subscription_Match::kind_fits(const metadata_event_subscription& record) const {
-  return query_.kind == Query::Kind::any ||
-         is_topic_kind(record) == (query_.kind == Query::Kind::topic);
+  switch (query_.kind) {
+    case Query::Kind::topic:
+      return is_topic_kind(record);
+    case Query::Kind::generic:
+      return is_generic(record);
+    case Query::Kind::any:
+      break;
+  }
+  return true;
 }
 
 bool Subscription_Match::place_fits(const metadata_event_subscription& record) const {

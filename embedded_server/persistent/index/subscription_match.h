@@ -8,9 +8,15 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// With a camera and a topic; what has a camera alone is a corrupt one of the same kind.
+/// With a camera and a topic.
 inline bool is_topic_kind(const metadata_event_subscription& record) {
-  return static_cast<bool>(record.camera) || record.onvif_topic.has_value();
+  return record.camera && record.onvif_topic;
+}
+
+/// With neither. What has one of the two is corrupt and of no kind: no pass touches it, and each
+/// one that reads it back fails, until somebody has looked at it.
+inline bool is_generic(const metadata_event_subscription& record) {
+  return !record.camera && !record.onvif_topic;
 }
 
 /// Everything that a subscription query asks for, but for who holds or lacks the trigger.

@@ -28,10 +28,12 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
       purpose_(purpose),
       mode_(mode),
       server_id_(server_id),
-      lock_(purpose == Purpose::single_read ? nullptr : database_->engine().lock_passes()),
       site_(database_->engine().odb(), capability_guard(database_)) {
   if (open_pass != nullptr) {
     throw std::logic_error("a pass is open on this thread already");
+  }
+  if (purpose_ != Purpose::single_read) {
+    lock_ = database_->engine().lock_passes();
   }
   open_pass = this;
 }

@@ -466,7 +466,7 @@ TEST_P(Passes_That_Fail, at_the_resolver_have_stored_their_records) {
                           "type 2 object \"car\"]"));
 }
 
-TEST_P(Passes_That_Fail, are_none_that_meet_a_subscription_without_a_topic) {
+TEST_P(Passes_That_Fail, at_a_camera_without_a_topic_leave_the_corrupt_record_as_it_is) {
   update_config(config_with_topic("a"));
   restart();
   foreign_program().execute("INSERT INTO subscription (id, name, camera_id) VALUES (77, 'x', 11)");
@@ -474,11 +474,15 @@ TEST_P(Passes_That_Fail, are_none_that_meet_a_subscription_without_a_topic) {
 
   const Outcome outcome = refresh();
 
-  // It lies outside every topic, so its triggers leave it, and then it goes.
-  EXPECT_THAT(outcome.errors, IsEmpty());
-  EXPECT_THAT(topic_subscriptions(), ElementsAre("camera 10 topic a: 7", "camera 11 topic a: 7"));
-  EXPECT_THAT(outcome.changes.subscriptions.deleted, ElementsAre(77));
-  EXPECT_THAT(outcome.reconciled, ElementsAre(11));
+  EXPECT_FALSE(outcome.success);
+  EXPECT_THAT(outcome.errors, ElementsAre("1: Encountered error refreshing the trigger config: "
+                                          "bad optional access"));
+  EXPECT_EQ(outcome.state, std::nullopt);
+  EXPECT_TRUE(is_empty(outcome.changes));
+
+  foreign_program().execute("DELETE FROM subscription WHERE id = 77");
+  foreign_program().execute("DELETE FROM subscription_trigger WHERE record_id = 77");
+  EXPECT_TRUE(refresh().success);
 }
 
 TEST_P(Passes_That_Fail, to_reconcile_a_camera_go_on_and_leave_it_pending) {
