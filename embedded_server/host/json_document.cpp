@@ -1,113 +1,95 @@
 #include "vemora/embedded_server/host/json_document.h"
 
-#include <fmt/format.h>
+#include <json/reader.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <memory>
-#include <system_error>
+#include <regex>
 #include <utility>
-
-#include "vemora/embedded_server/host/strict_json.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
-struct Closer {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-std::size_t offset_of(const Json::Value& part) {
-  return static_cast<std::size_t>(part.getOffsetStart());
+/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n".
+Document_Fault first_fault(const std::string& report) {
+  static const std::regex pattern(R"(\* Line (\d+), Column (\d+)\s+([^\n]*))");
+  std::smatch found;
+  if (!std::regex_search(report, found, pattern)) {
+    return {report, {}};
+  }
+  return {found[3], {std::stoul(found[1]), std::stoul(found[2])}};
 }
 
-Json::Value parse(const Document_Text& text) {
+Json::Value parse(const std::string& text) {
+  Json::CharReaderBuilder builder;
+  Json::CharReaderBuilder::strictMode(&builder.settings_);
+  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  Json::Value value;
+  std::string report;
   try {
-    return read_strict_json(text.text());
-  } catch (const Json_Syntax_Error& error) {
-    const Location location = text.locate(error.offset);
-    throw Document_Error({error.message, location}, text.line(location.line));
-  }
-}
-
-[[noreturn]] void fail_to_read(const std::string& name, const std::string& reason) {
-  throw Document_Error({fmt::format("Cannot read {}: {}.", name, reason), {}});
-}
-
-std::string read_all(std::FILE* file, const std::string& name) {
-  std::string text;
-  std::array<char, std::size_t{64} << 10> block{};
-  std::size_t count = 0;
-  while ((count = std::fread(block.data(), 1, block.size(), file)) != 0) {
-    text.append(block.data(), count);
-    if (text.size() > Json_Document::largest_size) {
-      fail_to_read(name, fmt::format("it is larger than {} MiB", Json_Document::largest_size >> 20));
+    if (!reader->parse(text.data(), text.data() + text.size(), &value, &report)) {
+      throw Document_Error(first_fault(report));
     }
+  } catch (const Json::Exception& error) {  // nested too deeply
+    throw Document_Error({error.what(), {}});
   }
-  if (std::ferror(file) != 0) {
-    fail_to_read(name, std::generic_category().message(errno));
+  return value;
+}
+
+std::string read_all(std::istream& stream, const std::string& name) {
+  std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+  if (stream.bad()) {
+    throw Document_Error({"cannot read " + name, {}});
   }
   return text;
 }
 
-/// Where the text begins whose closing quote stands at `end`: before it, every quote is escaped.
-std::size_t begin_of_key(const std::string& text, std::size_t end) {
-  std::size_t begin = end;
-  std::size_t backslashes = 0;
-  do {
-    begin = text.rfind('"', begin - 1);
-    backslashes = begin - (text.find_last_not_of('\\', begin - 1) + 1);
-  } while (backslashes % 2 != 0);
-  return begin;
-}
-
 }  // namespace
-
-Document_Text::Document_Text(std::string text) : text_(std::move(text)), line_begins_{0} {
-  for (std::size_t end = text_.find('\n'); end != std::string::npos; end = text_.find('\n', end)) {
-    line_begins_.push_back(++end);
-  }
-}
-
-Location Document_Text::locate(std::size_t offset) const {
-  const auto next = std::upper_bound(line_begins_.begin(), line_begins_.end(), offset);
-  return {static_cast<std::size_t>(next - line_begins_.begin()), offset - *std::prev(next) + 1};
-}
-
-std::string_view Document_Text::line(std::size_t number) const {
-  if (number == 0 || number > line_begins_.size()) {
-    return {};
-  }
-  const std::size_t begin = line_begins_[number - 1];
-  std::string_view found = std::string_view(text_).substr(begin, text_.find('\n', begin) - begin);
-  if (!found.empty() && found.back() == '\r') {
-    found.remove_suffix(1);
-  }
-  return found;
-}
 
 Json_Document::Json_Document(std::string text) : text_(std::move(text)), value_(parse(text_)) {}
 
-Location Json_Document::locate(const Json::Value& part) const {
-  return text_.locate(offset_of(part));
-}
-
-Location Json_Document::locate_key(const Json::Value& member) const {
-  const std::size_t end = text().rfind('"', text().rfind(':', offset_of(member)));
-  return text_.locate(begin_of_key(text(), end));
-}
-
-std::string read_document_file(const std::string& path) {
+Json_Document Json_Document::read(const std::string& path) {
   if (path == "-") {
-    return read_all(stdin, "standard input");
+    return Json_Document(read_all(std::cin, "standard input"));
   }
-  const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rbe"));
-  if (!file) {
-    fail_to_read(path, std::generic_category().message(errno));
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw Document_Error({"cannot read " + path + ": it is a directory", {}});
   }
-  return read_all(file.get(), path);
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) {
+    throw Document_Error({"cannot open " + path, {}});
+  }
+  return Json_Document(read_all(stream, path));
+}
+
+Location Json_Document::locate(const Json::Value& part) const {
+  const auto offset = std::min(static_cast<std::size_t>(part.getOffsetStart()), text_.size());
+  const auto place = text_.begin() + static_cast<std::ptrdiff_t>(offset);
+  const auto line = static_cast<std::size_t>(std::count(text_.begin(), place, '\n'));
+  const std::size_t line_end = offset == 0 ? std::string::npos : text_.rfind('\n', offset - 1);
+  const std::size_t line_begin = line_end == std::string::npos ? 0 : line_end + 1;
+  return {line + 1, offset - line_begin + 1};
+}
+
+std::string Json_Document::line(std::size_t number) const {
+  std::size_t begin = 0;
+  for (std::size_t passed = 1; passed < number && begin != std::string::npos; ++passed) {
+    const std::size_t end = text_.find('\n', begin);
+    begin = end == std::string::npos ? end : end + 1;
+  }
+  if (number == 0 || begin == std::string::npos) {
+    return {};
+  }
+  std::string found = text_.substr(begin, text_.find('\n', begin) - begin);
+  if (!found.empty() && found.back() == '\r') {
+    found.pop_back();
+  }
+  return found;
 }
 
 }  // namespace kuv::vemora::embedded_server
