@@ -1,9 +1,12 @@
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <iostream>
 #include <string>
+#include <system_error>
 
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
@@ -30,6 +33,17 @@ struct Invocation {
   std::function<Exit_Status()> command;
 };
 
+/// CLI11 takes signs, bases and numbers that do not fit; an id is none of those.
+std::string decimal_id(const std::string& text) {
+  std::uint64_t id = 0;
+  const char* const end = text.data() + text.size();
+  const auto [read, fault] = std::from_chars(text.data(), end, id);
+  const bool leading_zero = text.size() > 1 && text.front() == '0';
+  return fault == std::errc() && read == end && !leading_zero
+             ? std::string()
+             : text + " is no unsigned 64-bit number";
+}
+
 void add_global_options(CLI::App& app, Invocation& call) {
   app.require_subcommand(1);
   app.fallthrough();
@@ -38,7 +52,8 @@ void add_global_options(CLI::App& app, Invocation& call) {
   app.add_option("--database", call.options.database, "The site's database: a file, or sqlite:FILE")
       ->capture_default_str();
   app.add_option("--server-id", call.options.server_id, "The server that this process works for")
-      ->capture_default_str();
+      ->capture_default_str()
+      ->check(CLI::Validator(decimal_id, "NUMBER"));
   app.add_flag("--json", call.options.json, "Print one JSON document, for programs");
   app.add_option("--log-level", call.log_level,
                  "Log to standard error from this level on: off, trace, debug, detail, info, "

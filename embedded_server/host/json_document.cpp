@@ -3,12 +3,13 @@
 #include <json/reader.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <regex>
+#include <sstream>
 #include <utility>
 
 namespace kuv::vemora::embedded_server {
@@ -16,12 +17,16 @@ namespace {
 
 /// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n".
 Document_Fault first_fault(const std::string& report) {
-  static const std::regex pattern(R"(\* Line (\d+), Column (\d+)\s+([^\n]*))");
-  std::smatch found;
-  if (!std::regex_search(report, found, pattern)) {
+  std::istringstream stream(report);
+  std::string line;
+  std::getline(stream, line);
+  Location location;
+  if (std::sscanf(line.c_str(), "* Line %zu, Column %zu", &location.line, &location.column) != 2) {
     return {report, {}};
   }
-  return {found[3], {std::stoul(found[1]), std::stoul(found[2])}};
+  std::string message;
+  std::getline(stream >> std::ws, message);
+  return {message, location};
 }
 
 Json::Value parse(const std::string& text) {

@@ -47,15 +47,17 @@ void print_row(const std::vector<std::string>& row, const std::vector<std::size_
 
 std::string printable(const std::string& text) {
   std::string shown;
-  unsigned char before = 0;
-  for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (is_control(byte) || is_wide_control(before, byte)) {
+  for (std::size_t place = 0; place < text.size(); ++place) {
+    const auto byte = static_cast<unsigned char>(text[place]);
+    const auto next = place + 1 < text.size() ? static_cast<unsigned char>(text[place + 1]) : 0;
+    if (is_wide_control(byte, next)) {
+      shown += fmt::format("\\x{:02x}", next);
+      ++place;
+    } else if (is_control(byte)) {
       shown += fmt::format("\\x{:02x}", byte);
     } else {
-      shown += character;
+      shown += text[place];
     }
-    before = byte;
   }
   return shown;
 }
