@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from tool_site import (DONE, FAILED, REJECTED, MOTION, Site, config, mapping, object_source, topic_source, trigger)
+from tool_site import DONE, NO_OBJECT, REJECTED, Site, config, mapping, object_source, trigger
 
 
 class Checked_Documents(Site):
@@ -77,7 +77,7 @@ class Checked_Documents(Site):
         self.assertEqual(self.errors(broken)[0]["message"], "Missing \"triggers\" array.")
 
     def test_documents_that_are_no_objects_are_rejected(self):
-        self.assertEqual(self.errors([])[0]["message"], "Trigger configuration must be a JSON object.")
+        self.assertEqual(self.errors([]), [{"document": "config", "message": NO_OBJECT, "line": 1, "column": 1}])
         self.assertEqual(self.errors(config(), [])[0]["message"], "Trigger mapping must be a JSON object.")
 
     def test_apply_says_what_check_says(self):

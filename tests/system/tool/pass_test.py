@@ -2,8 +2,8 @@
 
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, LARGEST_ID, MOTION, REJECTED, TRIGGER_ERRORS, Site, camera, config,
-                       mapping, object_source, small_inventory, topic_source, trigger)
+from tool_site import (CROSSED, DONE, FAILED, LARGEST_ID, MOTION, NO_OBJECT, REJECTED, Site, camera, config, mapping,
+                       object_source, small_inventory, topic_source, trigger)
 
 NO_PROPERTIES = {"maxLatencyMs": None, "digestCooldownMs": None, "ackTimeoutMs": None, "nackDelayMs": None}
 NO_CHANGES = {kind: {"written": 0, "deleted": 0}
@@ -125,9 +125,9 @@ class Applied_Documents(Site):
         before = self.rows()
         prefix = "Failed to parse trigger config: "
         for what, documents, message in (
-                ("configuration", ([],), "Trigger configuration must be a JSON object."),
+                ("configuration", ([],), NO_OBJECT),
                 ("mapping", (config(), []), "Trigger mapping must be a JSON object."),
-                ("both", ([], []), "Trigger mapping must be a JSON object.")):
+                ("both", ([], []), NO_OBJECT)):
             with self.subTest(what):
                 answer = self.apply(*documents, expected=REJECTED)
                 self.assertEqual(answer["errors"], [{"category": 0, "message": prefix + message}])

@@ -89,9 +89,9 @@ ID  NAME       SCHEDULES  SOURCES
 7   trigger 7  1          onvif-metadata {CROSSED}, object-detection vehicle
 """,
             "subscriptions": f"""\
-ID  CAMERA  TOPIC (OR NAME)                      TAGS       TRIGGERS
+ID  CAMERA  TOPIC (OR NAME)                       TAGS       TRIGGERS
 1   10      {CROSSED}             7
-3   -       (door forced)                        door=main  
+3   -       (door forced)                         door=main  
 """,
             "detection": """\
 ID  CAMERA  TRIGGERS
