@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "embedded_server/persistent/engine/row_writer.h"
 #include "embedded_server/persistent/index/row_reader.h"
 #include "embedded_server/persistent/pass/join_pass.h"
 #include "records-odb.h"
@@ -10,122 +11,161 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// Creates a row, or replaces the one with its key.
-template <class Row, class Key>
-void put(odb::database& database, const Key& key, const Row& row) {
-  Row present;
-  if (database.find(key, present)) {
-    database.update(row);
-  } else {
-    database.persist(row);
-  }
+bool same_row(const rows::Subscription_Camera&, const rows::Subscription_Camera&) {
+  return true;
+}
+bool same_row(const rows::Meta_Type&, const rows::Meta_Type&) {
+  return true;
+}
+template <class Tag_Row>
+bool same_row(const Tag_Row& left, const Tag_Row& right) {
+  return left.value == right.value;
 }
 
-template <class Row>
-void replace_tags(odb::database& database, std::uint64_t record_id, const Tag_Map& tags) {
-  database.erase_query<Row>(odb::query<Row>::key.record_id == record_id);
-  for (const auto& [name, info] : tags) {
-    Row row;
-    row.key = {record_id, name};
-    row.value = info.value;
-    database.persist(row);
+/// Makes `wanted` the rows that `is_replaced` says yes to, touching none that stays as it is.
+template <class Row, class Is_Replaced>
+void replace_rows(Engine& engine, const char* key_columns, const std::vector<Row>& wanted,
+                  Is_Replaced is_replaced) {
+  using Key = decltype(Row::key);
+  std::map<Key, Row> present;
+  for_each_row<Row>(engine.odb(), key_columns, [&](const Row& row) {
+    if (is_replaced(row.key)) {
+      present.emplace(row.key, row);
+    }
+  });
+  std::vector<Row> changed;
+  for (const Row& row : wanted) {
+    const auto found = present.find(row.key);
+    if (found == present.end() || !same_row(found->second, row)) {
+      changed.push_back(row);
+    }
+    if (found != present.end()) {
+      present.erase(found);
+    }
   }
+  std::vector<Row> gone;
+  for (const auto& [key, row] : present) {
+    gone.push_back(row);
+  }
+  engine.rows().erase(gone);
+  engine.rows().put(changed);
+}
+
+/// The tags of records of one kind; a tag is in the order of its record and name.
+template <class Row, class Records>
+void replace_tags(Engine& engine, const Records& records) {
+  std::set<std::uint64_t> ids;
+  std::vector<Row> wanted;
+  for (const auto& record : records) {
+    ids.insert(record.id);
+    for (const auto& [name, info] : record.tags) {
+      Row row;
+      row.key = {record.id, name};
+      row.value = info.value;
+      wanted.push_back(std::move(row));
+    }
+  }
+  replace_rows<Row>(engine, "record_id, name", wanted,
+                    [&ids](const rows::Tag_Key& key) { return ids.count(key.record_id) != 0; });
 }
 
 /// Gives each capability text a document, the same to the same text.
 class Capability_Documents {
  public:
-  explicit Capability_Documents(odb::database& database) : database_(database) {
+  explicit Capability_Documents(odb::database& database) {
     for_each_row<rows::Capability_Text>(database, "id", [this](const rows::Capability_Text& row) {
       ids_.emplace(row.text, row.id);
       next_id_ = row.id + 1;
     });
   }
 
-  void assign(std::uint64_t camera_id, const std::string& text) {
-    if (text.empty()) {
-      database_.erase_query<rows::Camera_Capability>(
-          odb::query<rows::Camera_Capability>::camera_id == camera_id);
-      return;
-    }
-    rows::Camera_Capability row;
-    row.camera_id = camera_id;
-    row.document_id = id_of(text);
-    put(database_, camera_id, row);
-  }
-
-  void delete_unused() {
-    database_.execute(
-        "DELETE FROM capability_document WHERE id NOT IN "
-        "(SELECT document_id FROM camera_capability)");
-  }
-
- private:
   std::uint64_t id_of(const std::string& text) {
     const auto [place, is_new] = ids_.try_emplace(text, next_id_);
     if (is_new) {
-      rows::Capability_Text row;
-      row.id = next_id_++;
-      row.text = text;
-      database_.persist(row);
+      added_.push_back({next_id_++, text});
     }
     return place->second;
   }
 
-  odb::database& database_;
+  const std::vector<rows::Capability_Text>& added() const { return added_; }
+
+ private:
   std::unordered_map<std::string, std::uint64_t> ids_;
   std::uint64_t next_id_ = 1;
+  std::vector<rows::Capability_Text> added_;
 };
 
-void store_servers(odb::database& database, const std::vector<server>& servers) {
-  for (const server& record : servers) {
-    put(database, record.id, record);
-    replace_tags<rows::Server_Tag>(database, record.id, record.tags);
+void store_capabilities(Engine& engine, const std::vector<Inventory::Camera>& cameras) {
+  Capability_Documents documents(engine.odb());
+  std::set<std::uint64_t> silent;  // they say nothing any more
+  std::vector<rows::Camera_Capability> assigned;
+  for (const Inventory::Camera& given : cameras) {
+    if (given.capabilities.empty()) {
+      silent.insert(given.id);
+    } else {
+      assigned.push_back({given.id, documents.id_of(given.capabilities)});
+    }
   }
+  std::vector<rows::Camera_Capability> silenced;
+  for_each_row<rows::Camera_Capability>(engine.odb(), "camera_id",
+                                        [&](const rows::Camera_Capability& row) {
+                                          if (silent.count(row.camera_id) != 0) {
+                                            silenced.push_back(row);
+                                          }
+                                        });
+  engine.rows().insert(documents.added());
+  engine.rows().put(assigned);
+  engine.rows().erase(silenced);
+  engine.odb().execute(
+      "DELETE FROM capability_document WHERE id NOT IN "
+      "(SELECT document_id FROM camera_capability)");
 }
 
-void store_cameras(odb::database& database, const std::vector<Inventory::Camera>& cameras) {
-  Capability_Documents capabilities(database);
+void store_cameras(Engine& engine, const std::vector<Inventory::Camera>& cameras) {
+  std::vector<camera> records;
   for (const Inventory::Camera& given : cameras) {
     camera record;
     record.id = given.id;
     record.name = given.name;
     record.object_detection = given.object_detection;
     record.motion_detection = given.motion_detection;
-    put(database, record.id, record);
-    replace_tags<rows::Camera_Tag>(database, given.id, given.tags);
-    capabilities.assign(given.id, given.capabilities);
+    records.push_back(std::move(record));
   }
-  capabilities.delete_unused();
+  engine.rows().put(records);
+  replace_tags<rows::Camera_Tag>(engine, cameras);
+  store_capabilities(engine, cameras);
 }
 
-template <class Record>
-void store_plain(odb::database& database, const std::vector<Record>& records) {
-  for (const Record& record : records) {
-    put(database, record.id, record);
+void store_subscriptions(Engine& engine, const std::vector<Inventory::Subscription>& given) {
+  std::set<std::uint64_t> ids;
+  std::vector<rows::Subscription> records;
+  std::vector<rows::Subscription_Camera> cameras;
+  for (const Inventory::Subscription& subscription : given) {
+    rows::Subscription row;
+    row.id = subscription.id;
+    row.name = subscription.name;
+    row.category_id = subscription.category_id;
+    records.push_back(std::move(row));
+    ids.insert(subscription.id);
+    for (const std::uint64_t camera_id : subscription.camera_ids) {
+      cameras.push_back({{subscription.id, camera_id}});
+    }
   }
+  engine.rows().put(records);
+  replace_tags<rows::Subscription_Tag>(engine, given);
+  replace_rows(engine, "record_id, linked_id", cameras,
+               [&ids](const rows::Link& key) { return ids.count(key.record_id) != 0; });
 }
 
-void store_subscription(odb::database& database, const Inventory::Subscription& given) {
-  rows::Subscription row;
-  row.id = given.id;
-  row.name = given.name;
-  row.category_id = given.category_id;
-  put(database, row.id, row);
-  replace_tags<rows::Subscription_Tag>(database, given.id, given.tags);
-  using Query = odb::query<rows::Subscription_Camera>;
-  database.erase_query<rows::Subscription_Camera>(Query::key.record_id == given.id);
-  for (const std::uint64_t camera_id : given.camera_ids) {
-    database.persist(rows::Subscription_Camera{{given.id, camera_id}});
+void store_object_types(Engine& engine, const std::map<std::string, std::set<std::string>>& given) {
+  std::vector<rows::Meta_Type> wanted;
+  for (const auto& [name, types] : given) {
+    for (const std::string& type : types) {
+      wanted.push_back({{name, type}});
+    }
   }
-}
-
-void store_object_type(odb::database& database, const std::string& name,
-                       const std::set<std::string>& types) {
-  database.erase_query<rows::Meta_Type>(odb::query<rows::Meta_Type>::key.name == name);
-  for (const std::string& type : types) {
-    database.persist(rows::Meta_Type{{name, type}});
-  }
+  replace_rows(engine, "name, type", wanted,
+               [&given](const rows::Meta_Type_Key& key) { return given.count(key.name) != 0; });
 }
 
 std::map<std::string, std::set<std::string>> read_object_types(odb::database& database) {
@@ -164,17 +204,14 @@ std::map<std::string, std::set<std::string>> load_object_types(
 
 void store_inventory(const std::shared_ptr<Database>& database, const Inventory& inventory) {
   write(database, [&](Site_Index&) {
-    odb::database& odb = database->engine().odb();
-    store_servers(odb, inventory.servers);
-    store_cameras(odb, inventory.cameras);
-    store_plain(odb, inventory.schedules);
-    store_plain(odb, inventory.categories);
-    for (const Inventory::Subscription& subscription : inventory.subscriptions) {
-      store_subscription(odb, subscription);
-    }
-    for (const auto& [name, types] : inventory.object_types) {
-      store_object_type(odb, name, types);
-    }
+    Engine& engine = database->engine();
+    engine.rows().put(inventory.servers);
+    replace_tags<rows::Server_Tag>(engine, inventory.servers);
+    store_cameras(engine, inventory.cameras);
+    engine.rows().put(inventory.schedules);
+    engine.rows().put(inventory.categories);
+    store_subscriptions(engine, inventory.subscriptions);
+    store_object_types(engine, inventory.object_types);
   });
 }
 

@@ -14,6 +14,8 @@
 
 namespace kuv::vemora::embedded_server {
 
+class Row_Writer;
+
 /// What differs between the database engines; the rest of the library asks no engine its name.
 /// Everything throws Database_Error, or what ODB throws.
 class Engine {
@@ -27,6 +29,8 @@ class Engine {
   virtual ~Engine() = default;
 
   virtual odb::database& odb() = 0;
+
+  virtual Row_Writer& rows() = 0;
 
   /// How people call this database.
   virtual const std::string& location() const = 0;

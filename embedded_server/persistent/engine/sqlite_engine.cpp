@@ -80,6 +80,7 @@ SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
   database_ = std::make_unique<odb::sqlite::database>(
       as_file_name(path), SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | create, false, "",
       std::make_unique<SQLite_Connections>(lock_wait));
+  rows_ = std::make_unique<ODB_Row_Writer>(*database_);
 }
 
 SQLite_Engine::~SQLite_Engine() = default;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "embedded_server/persistent/engine/engine.h"
+#include "embedded_server/persistent/engine/odb_row_writer.h"
 #include "vemora/embedded_server/persistent/database.h"
 
 namespace odb::sqlite {
@@ -21,6 +22,7 @@ class SQLite_Engine : public Engine {
   ~SQLite_Engine() override;
 
   odb::database& odb() override;
+  Row_Writer& rows() override { return *rows_; }
   const std::string& location() const override { return path_; }
   std::unique_ptr<Pass_Lock> lock_passes() override;
   void migrate() override;
@@ -33,6 +35,7 @@ class SQLite_Engine : public Engine {
   std::string path_;
   std::chrono::milliseconds lock_wait_;
   std::unique_ptr<odb::sqlite::database> database_;
+  std::unique_ptr<ODB_Row_Writer> rows_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -95,22 +95,7 @@ bool ETA_Camera_Index::add(const std::shared_ptr<Record>& added) {
 }
 
 bool ETA_Camera_Index::update(const std::shared_ptr<Record>& changed) {
-  Entry* const entry = records_.find(changed->id);
-  if (entry == nullptr) {
-    return false;
-  }
-  std::vector<std::shared_ptr<trigger>> added;
-  for (const std::uint64_t trigger_id : changed->link_changes.added) {
-    added.push_back(triggers_.find(trigger_id));
-  }
-  if (std::count(added.begin(), added.end(), nullptr) != 0) {
-    if (entry->record == changed) {
-      records_.restore(*entry, [this](std::uint64_t id) { return triggers_.find(id); });
-    }
-    return false;
-  }
-  records_.update(*entry, *changed, added);
-  return true;
+  return records_.update(changed, [this](std::uint64_t id) { return triggers_.find(id); });
 }
 
 void ETA_Camera_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
@@ -118,17 +103,13 @@ void ETA_Camera_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
 }
 
 void ETA_Camera_Index::delete_without_triggers() {
-  for (auto place = records_.all().begin(); place != records_.all().end();) {
-    const std::shared_ptr<Record> record = (place++)->second.record;
-    if (!holds_nothing(*record)) {
-      continue;
-    }
+  const auto goes = [](const Record& record) { return holds_nothing(record); };
+  records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
     by_camera_.erase(record->camera_id());
     if (added_.erase(record->id) == 0) {
       deleted_.insert(record->id);
     }
-    records_.erase(record->id);
-  }
+  });
 }
 
 ETA_Camera_Index::Net_Changes ETA_Camera_Index::settle() {

@@ -60,8 +60,98 @@ class Linked_Records {
     return entry;
   }
 
-  /// Takes over the links that were added to and removed from a record.
-  void update(Entry& entry, Record& changed, const std::vector<std::shared_ptr<trigger>>& added) {
+  /// Takes over the links that were added to and removed from a record. False where the record or
+  /// one of the triggers added is not stored; the changes are forgotten then.
+  template <class Find_Trigger>
+  bool update(const std::shared_ptr<Record>& changed, Find_Trigger find_trigger) {
+    Entry* const entry = find(changed->id);
+    if (entry == nullptr) {
+      return false;
+    }
+    std::vector<std::shared_ptr<trigger>> added;
+    for (const std::uint64_t trigger_id : changed->link_changes.added) {
+      added.push_back(find_trigger(trigger_id));
+    }
+    if (std::count(added.begin(), added.end(), nullptr) != 0) {
+      if (entry->record == changed) {
+        restore(*entry, find_trigger);
+      }
+      return false;
+    }
+    take_over(*entry, *changed, added);
+    return true;
+  }
+
+  /// Puts a fresh record of a trigger in the place of one that carries refused changes.
+  void replace_trigger(const std::shared_ptr<trigger>& fresh) {
+    for (Entry* const entry : holders(fresh->id)) {
+      replace_link(*entry->record, fresh);
+    }
+  }
+
+  /// Takes triggers that are being deleted off every record.
+  void drop_triggers(const std::set<std::uint64_t>& dead) {
+    Entry_List affected;
+    for (const std::uint64_t trigger_id : dead) {
+      const Entry_List held = holders(trigger_id);
+      affected.insert(affected.end(), held.begin(), held.end());
+      holders_.erase(trigger_id);
+    }
+    sort_unique_by(affected, [](const Entry* entry) { return entry->record->id; });
+    for (Entry* const entry : affected) {
+      for (const std::uint64_t trigger_id : remove_links(*entry->record, dead)) {
+        journal_.note_removed(entry->record->id, trigger_id);
+      }
+    }
+  }
+
+  /// Takes away the records that `goes` says yes to, their links with them; `before` is told each.
+  template <class Goes, class Before>
+  void erase_if(Goes goes, Before before) {
+    for (auto place = entries_.begin(); place != entries_.end();) {
+      const std::shared_ptr<Record> record = place->second.record;
+      if (!goes(*record)) {
+        ++place;
+        continue;
+      }
+      before(record);
+      release_links(place->second);
+      place = entries_.erase(place);
+    }
+  }
+
+  /// The records that hold a trigger, ascending by id.
+  const Entry_List& holders(std::uint64_t trigger_id) {
+    static const Entry_List nobody;
+    const auto found = holders_.find(trigger_id);
+    if (found == holders_.end()) {
+      return nobody;
+    }
+    tidy(trigger_id, found->second);
+    return found->second;
+  }
+
+  /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next
+  /// call.
+  void mark_holders(std::uint64_t trigger_id) {
+    ++last_mark_;
+    for (Entry* const entry : holders(trigger_id)) {
+      entry->mark = last_mark_;
+    }
+  }
+  bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
+
+  /// A deleted trigger may have left rows behind that nobody wrote in a pass; they go with the
+  /// next.
+  void note_dangling(std::uint64_t record_id, std::uint64_t trigger_id) {
+    journal_.note_removed(record_id, trigger_id);
+  }
+
+  Changes::Of<Changes::Link> settle() { return journal_.settle(); }
+
+ private:
+  void take_over(Entry& entry, Record& changed,
+                 const std::vector<std::shared_ptr<trigger>>& added) {
     const std::vector<std::uint64_t> removed = std::move(changed.link_changes.removed);
     changed.link_changes = {};
     const bool same_object = &changed == entry.record.get();
@@ -97,69 +187,6 @@ class Linked_Records {
     entry.record = std::move(fresh);
   }
 
-  /// Puts a fresh record of a trigger in the place of one that carries refused changes.
-  void replace_trigger(const std::shared_ptr<trigger>& fresh) {
-    for (Entry* const entry : holders(fresh->id)) {
-      replace_link(*entry->record, fresh);
-    }
-  }
-
-  /// Takes triggers that are being deleted off every record.
-  void drop_triggers(const std::set<std::uint64_t>& dead) {
-    Entry_List affected;
-    for (const std::uint64_t trigger_id : dead) {
-      const Entry_List held = holders(trigger_id);
-      affected.insert(affected.end(), held.begin(), held.end());
-      holders_.erase(trigger_id);
-    }
-    sort_unique_by(affected, [](const Entry* entry) { return entry->record->id; });
-    for (Entry* const entry : affected) {
-      for (const std::uint64_t trigger_id : remove_links(*entry->record, dead)) {
-        journal_.note_removed(entry->record->id, trigger_id);
-      }
-    }
-  }
-
-  /// The record is gone, its links with it.
-  void erase(std::uint64_t id) {
-    tidy_all();  // no list may lead to a record that is gone
-    for (const std::uint64_t trigger_id : held_ids(*entries_.at(id).record)) {
-      journal_.note_removed(id, trigger_id);
-      forget_holder(trigger_id, &entries_.at(id));
-    }
-    entries_.erase(id);
-  }
-
-  /// The records that hold a trigger, ascending by id.
-  const Entry_List& holders(std::uint64_t trigger_id) {
-    static const Entry_List nobody;
-    const auto found = holders_.find(trigger_id);
-    if (found == holders_.end()) {
-      return nobody;
-    }
-    tidy(trigger_id, found->second);
-    return found->second;
-  }
-
-  /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next
-  /// call.
-  void mark_holders(std::uint64_t trigger_id) {
-    ++last_mark_;
-    for (Entry* const entry : holders(trigger_id)) {
-      entry->mark = last_mark_;
-    }
-  }
-  bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
-
-  /// A deleted trigger may have left rows behind that nobody wrote in a pass; they go with the
-  /// next.
-  void note_dangling(std::uint64_t record_id, std::uint64_t trigger_id) {
-    journal_.note_removed(record_id, trigger_id);
-  }
-
-  Changes::Of<Changes::Link> settle() { return journal_.settle(); }
-
- private:
   void tidy(std::uint64_t trigger_id, Entry_List& entries) {
     if (untidy_.erase(trigger_id) != 0) {
       const auto let_go = [trigger_id](const Entry* entry) {
@@ -174,6 +201,14 @@ class Linked_Records {
     while (!untidy_.empty()) {
       const std::uint64_t trigger_id = *untidy_.begin();
       tidy(trigger_id, holders_[trigger_id]);
+    }
+  }
+
+  void release_links(const Entry& entry) {
+    tidy_all();  // no list may lead to a record that is gone
+    for (const std::uint64_t trigger_id : held_ids(*entry.record)) {
+      journal_.note_removed(entry.record->id, trigger_id);
+      forget_holder(trigger_id, &entry);
     }
   }
 

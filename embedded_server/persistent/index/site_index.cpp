@@ -66,6 +66,7 @@ Site_Index::Net_Changes Site_Index::settle() {
   Net_Changes net;
   if (triggers_) {
     net.triggers = triggers_->settle();
+    net.strays = triggers_->take_strays();
   }
   if (subscriptions_) {
     net.subscriptions = subscriptions_->settle();

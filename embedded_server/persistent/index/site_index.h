@@ -38,6 +38,7 @@ class Site_Index {
   /// What the pass changed, as far as anything was loaded at all.
   struct Net_Changes {
     std::map<std::uint64_t, Trigger_Index::Change> triggers;
+    Trigger_Index::Strays strays;
     Subscription_Index::Net_Changes subscriptions;
     ETA_Camera_Index::Net_Changes eta_cameras;
   };

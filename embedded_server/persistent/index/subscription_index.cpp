@@ -209,22 +209,7 @@ bool Subscription_Index::add(const std::shared_ptr<Record>& added) {
 }
 
 bool Subscription_Index::update(const std::shared_ptr<Record>& changed) {
-  Entry* const entry = records_.find(changed->id);
-  if (entry == nullptr) {
-    return false;
-  }
-  std::vector<std::shared_ptr<trigger>> added;
-  for (const std::uint64_t trigger_id : changed->link_changes.added) {
-    added.push_back(triggers_.find(trigger_id));
-  }
-  if (std::count(added.begin(), added.end(), nullptr) != 0) {
-    if (entry->record == changed) {
-      records_.restore(*entry, [this](std::uint64_t id) { return triggers_.find(id); });
-    }
-    return false;
-  }
-  records_.update(*entry, *changed, added);
-  return true;
+  return records_.update(changed, [this](std::uint64_t id) { return triggers_.find(id); });
 }
 
 void Subscription_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
@@ -232,19 +217,17 @@ void Subscription_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
 }
 
 void Subscription_Index::delete_without_triggers() {
-  for (auto place = records_.all().begin(); place != records_.all().end();) {
-    const std::shared_ptr<Record> record = (place++)->second.record;
-    if (!is_topic_kind(*record) || !holds_nothing(*record)) {
-      continue;
-    }
+  const auto goes = [](const Record& record) {
+    return is_topic_kind(record) && holds_nothing(record);
+  };
+  records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
     if (record->camera && record->onvif_topic) {
       by_topic_[*record->onvif_topic].erase(record->camera_id());
     }
     if (added_.erase(record->id) == 0) {
       deleted_.emplace(record->id, record);
     }
-    records_.erase(record->id);
-  }
+  });
 }
 
 Subscription_Index::Net_Changes Subscription_Index::settle() {

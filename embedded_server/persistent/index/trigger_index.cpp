@@ -26,6 +26,8 @@ void Trigger_Index::load_sources(odb::database& database) {
         const auto found = records_.find(row.key.trigger_id);
         if (found != records_.end()) {
           found->second.record->sources.insert(rows::to_source(row));
+        } else {
+          strays_.sources.push_back(row);
         }
       });
 }
@@ -38,6 +40,8 @@ void Trigger_Index::load_schedules(odb::database& database, const Schedule_Index
         std::shared_ptr<schedule> record = schedules.find(row.key.linked_id);
         if (found != records_.end() && record) {
           found->second.record->schedules.insert(Trigger_Mapping_Entry{std::move(record)});
+        } else {
+          strays_.schedules.push_back(row);
         }
       });
 }

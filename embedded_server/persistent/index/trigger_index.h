@@ -6,8 +6,10 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
+#include "vemora/embedded_server/persistent/mapping/rows.h"
 #include "vemora/platform/records/trigger.h"
 
 namespace odb {
@@ -25,6 +27,14 @@ class Trigger_Index {
   struct Change {
     std::shared_ptr<const trigger> stored;
     std::shared_ptr<const trigger> now;
+  };
+
+  /// Rows of triggers or schedules that are gone: no pass leaves such behind, another program may.
+  struct Strays {
+    std::vector<rows::Trigger_Source_Row> sources;
+    std::vector<rows::Trigger_Schedule> schedules;
+
+    bool empty() const { return sources.empty() && schedules.empty(); }
   };
 
   Trigger_Index(odb::database& database, const Schedule_Index& schedules);
@@ -53,6 +63,9 @@ class Trigger_Index {
   /// What differs from the database, ascending by id; taken as stored from then on.
   std::map<std::uint64_t, Change> settle();
 
+  /// What was found astray when the triggers were read; taken as deleted from then on.
+  Strays take_strays() { return std::exchange(strays_, {}); }
+
  private:
   struct Entry {
     std::shared_ptr<trigger> record;
@@ -66,6 +79,7 @@ class Trigger_Index {
   std::map<std::uint64_t, Entry> records_;
   /// What the database holds of the triggers that were touched; null where it holds none.
   std::map<std::uint64_t, std::shared_ptr<const trigger>> touched_;
+  Strays strays_;
 };
 
 }  // namespace kuv::vemora::embedded_server

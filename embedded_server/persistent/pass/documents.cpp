@@ -54,13 +54,4 @@ void store_documents(odb::database& database, const Documents& accepted) {
   store_document(database, "mapping", accepted.mapping);
 }
 
-void strike_out_pending(odb::database& database, const std::set<std::uint64_t>& camera_ids) {
-  for (const std::uint64_t camera_id : camera_ids) {
-    rows::Pending_Camera row;
-    if (database.find(camera_id, row)) {
-      database.erase<rows::Pending_Camera>(camera_id);
-    }
-  }
-}
-
 }  // namespace kuv::vemora::embedded_server

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <set>
 
 #include "vemora/embedded_server/persistent/pass_scope.h"
 
@@ -20,8 +19,5 @@ Documents load_documents(odb::database& database);
 
 /// Stores the documents that are given.
 void store_documents(odb::database& database, const Documents& accepted);
-
-/// Notes that these cameras were reconciled.
-void strike_out_pending(odb::database& database, const std::set<std::uint64_t>& camera_ids);
 
 }  // namespace kuv::vemora::embedded_server

@@ -33,7 +33,7 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
     throw std::logic_error("a pass is open on this thread already");
   }
   if (purpose_ != Purpose::single_read) {
-    lock_ = database_->engine().lock_passes();
+    lock_ = engine().lock_passes();
   }
   open_pass = this;
 }
@@ -48,13 +48,13 @@ Pass* Pass::current(const Database& database) {
 
 void Pass::begin_if_necessary() {
   if (!transaction_) {
-    transaction_ = std::make_unique<odb::transaction>(database_->engine().odb().begin());
+    transaction_ = std::make_unique<odb::transaction>(engine().odb().begin());
   }
 }
 
 odb::database& Pass::odb() {
   begin_if_necessary();
-  return database_->engine().odb();
+  return engine().odb();
 }
 
 void Pass::commit() {
@@ -85,10 +85,10 @@ void Pass::write(const Site_Index::Net_Changes& net) {
   if (is_empty(net)) {
     return;
   }
-  write_changes(database_->engine().odb(), net);
+  write_changes(engine(), net);
   site_.save_ids();
   if (server_id_) {
-    claim_for(database_->engine().odb(), *server_id_);
+    claim_for(engine().odb(), *server_id_);
   }
 }
 
@@ -100,7 +100,7 @@ void Pass::end() {
   const std::string fault = *fault_;
   if (!lost_) {
     fault_.reset();
-    lost_ = !transaction_ || !database_->engine().holds_transaction();
+    lost_ = !transaction_ || !engine().holds_transaction();
   }
   if (!lost_) {
     try {
@@ -125,8 +125,7 @@ void Pass::note_fault(const std::exception& fault) {
     poison(fault.what());
     return;
   }
-  fault_ = fmt::format("database {}: {}", database_->engine().location(),
-                       database_->engine().describe(fault));
+  fault_ = fmt::format("database {}: {}", engine().location(), engine().describe(fault));
 }
 
 /// What failed was no operation of the database, so the site in memory may be half changed.
@@ -145,7 +144,7 @@ void Pass::throw_if_faulty() const {
 void Pass::verify_against_database() {
 #ifndef NDEBUG
   if (purpose_ == Purpose::whole_pass && mode_ == Pass_Scope::Mode::commit) {
-    verify_index(database_->engine().odb(), site_);
+    verify_index(engine().odb(), site_);
   }
 #endif
 }

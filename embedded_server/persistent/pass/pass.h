@@ -67,6 +67,8 @@ class Pass {
   const Changes& changes() const { return changes_; }
   const std::optional<std::string>& fault() const { return fault_; }
 
+  Engine& engine() { return database_->engine(); }
+
   /// The database itself, with a transaction begun.
   odb::database& odb();
 

@@ -1,11 +1,10 @@
 #include "vemora/embedded_server/persistent/pass_scope.h"
 
 #include "embedded_server/persistent/engine/engine.h"
-#include "embedded_server/persistent/index/row_reader.h"
 #include "embedded_server/persistent/pass/documents.h"
 #include "embedded_server/persistent/pass/pass.h"
+#include "embedded_server/persistent/pass/pending_cameras.h"
 #include "embedded_server/persistent/pass/write_changes.h"
-#include "rows-odb.h"
 
 namespace kuv::vemora::embedded_server {
 
@@ -53,11 +52,7 @@ const Changes& Pass_Scope::changes() const {
 
 std::set<std::uint64_t> Pass_Scope::pending_cameras() {
   std::set<std::uint64_t> ids;
-  state_->pass.run([this, &ids](Site_Index&) {
-    for_each_row<rows::Pending_Camera>(
-        state_->pass.odb(), "camera_id",
-        [&ids](const rows::Pending_Camera& row) { ids.insert(row.camera_id); });
-  });
+  state_->pass.run([this, &ids](Site_Index&) { ids = load_pending(state_->pass.engine()); });
   state_->pass.commit();  // what is stored next must not stand on what was read here
   return ids;
 }
@@ -69,7 +64,7 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
   }
   state_->pass.run([&](Site_Index&) {
     store_documents(state_->pass.odb(), accepted);
-    strike_out_pending(state_->pass.odb(), reconciled);
+    strike_out_pending(state_->pass.engine(), reconciled);
     claim_for(state_->pass.odb(), state_->server_id);
   });
   state_->pass.commit();

@@ -2,101 +2,117 @@
 
 #include <odb/database.hxx>
 
+#include "embedded_server/persistent/engine/engine.h"
+#include "embedded_server/persistent/engine/row_writer.h"
 #include "embedded_server/persistent/index/trigger_values.h"
 #include "embedded_server/persistent/mapping/source_row.h"
+#include "embedded_server/persistent/pass/pending_cameras.h"
 #include "records-odb.h"
 #include "rows-odb.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
-void insert_sources(odb::database& database, const trigger& record) {
+/// The rows of the triggers that a pass wrote, table by table.
+struct Trigger_Rows {
+  std::vector<trigger> added;
+  std::vector<trigger> renamed;
+  std::vector<trigger> deleted;
+  std::vector<rows::Trigger_Source_Row> sources_added;
+  std::vector<rows::Trigger_Source_Row> sources_deleted;
+  std::vector<rows::Trigger_Schedule> schedules_added;
+  std::vector<rows::Trigger_Schedule> schedules_deleted;
+};
+
+/// The columns of a trigger's own row.
+trigger plain(const trigger& record) {
+  trigger row;
+  row.id = record.id;
+  row.name = record.name;
+  return row;
+}
+
+void append_sources(const trigger& record, std::vector<rows::Trigger_Source_Row>& to) {
   std::uint32_t position = 0;
   for (const Trigger_Source& source : record.sources) {
-    database.persist(rows::to_row(record.id, position++, source));
+    to.push_back(rows::to_row(record.id, position++, source));
   }
 }
 
-void erase_sources(odb::database& database, const trigger& record) {
-  for (std::uint32_t position = 0; position < record.sources.size(); ++position) {
-    database.erase<rows::Trigger_Source_Row>(rows::Source_Key{record.id, position});
-  }
-}
-
-void insert_schedules(odb::database& database, const trigger& record) {
+void append_schedules(const trigger& record, std::vector<rows::Trigger_Schedule>& to) {
   for (const Trigger_Mapping_Entry& entry : record.schedules) {
-    database.persist(rows::Trigger_Schedule{{record.id, entry.schedule->id}});
+    to.push_back({{record.id, entry.schedule->id}});
   }
 }
 
-void erase_schedules(odb::database& database, const trigger& record) {
-  for (const Trigger_Mapping_Entry& entry : record.schedules) {
-    database.erase<rows::Trigger_Schedule>(rows::Link{record.id, entry.schedule->id});
-  }
-}
-
-void update_trigger(odb::database& database, const trigger& stored, const trigger& now) {
+void append_update(const trigger& stored, const trigger& now, Trigger_Rows& to) {
   if (stored.name != now.name) {
-    database.update(now);
+    to.renamed.push_back(plain(now));
   }
   if (!same_sources(stored.sources, now.sources)) {
-    erase_sources(database, stored);
-    insert_sources(database, now);
+    append_sources(stored, to.sources_deleted);
+    append_sources(now, to.sources_added);
   }
   if (!same_schedules(stored.schedules, now.schedules)) {
-    erase_schedules(database, stored);
-    insert_schedules(database, now);
+    append_schedules(stored, to.schedules_deleted);
+    append_schedules(now, to.schedules_added);
   }
 }
 
-void write_trigger(odb::database& database, const Trigger_Index::Change& change) {
+void append_trigger(const Trigger_Index::Change& change, Trigger_Rows& to) {
   if (!change.now) {
-    erase_sources(database, *change.stored);
-    erase_schedules(database, *change.stored);
-    database.erase<trigger>(change.stored->id);
+    to.deleted.push_back(plain(*change.stored));
+    append_sources(*change.stored, to.sources_deleted);
+    append_schedules(*change.stored, to.schedules_deleted);
   } else if (!change.stored) {
-    database.persist(*change.now);
-    insert_sources(database, *change.now);
-    insert_schedules(database, *change.now);
+    to.added.push_back(plain(*change.now));
+    append_sources(*change.now, to.sources_added);
+    append_schedules(*change.now, to.schedules_added);
   } else {
-    update_trigger(database, *change.stored, *change.now);
+    append_update(*change.stored, *change.now, to);
   }
+}
+
+void write_triggers(Row_Writer& writer, const Site_Index::Net_Changes& net) {
+  Trigger_Rows rows;
+  for (const auto& [id, change] : net.triggers) {
+    append_trigger(change, rows);
+  }
+  writer.erase(net.strays.sources);
+  writer.erase(net.strays.schedules);
+  writer.erase(rows.sources_deleted);
+  writer.erase(rows.schedules_deleted);
+  writer.erase(rows.deleted);
+  writer.put(rows.renamed);
+  writer.insert(rows.added);
+  writer.insert(rows.sources_added);
+  writer.insert(rows.schedules_added);
 }
 
 template <class Row>
-void erase_all(odb::database& database, const std::vector<std::uint64_t>& ids) {
-  for (const std::uint64_t id : ids) {
-    database.erase<Row>(id);
+std::vector<Row> link_rows(const std::vector<Changes::Link>& links) {
+  std::vector<Row> rows;
+  rows.reserve(links.size());
+  for (const Changes::Link& link : links) {
+    rows.push_back({{link.record_id, link.trigger_id}});
   }
+  return rows;
 }
 
-template <class Row>
-void persist_all(odb::database& database, const std::vector<Row>& rows) {
-  for (const Row& row : rows) {
-    database.persist(row);
+/// Records of one table, and their links.
+template <class Record_Row, class Link_Row, class Net>
+void write_records(Row_Writer& writer, const Net& net) {
+  std::vector<Record_Row> deleted;
+  for (const std::uint64_t id : net.deleted) {
+    Record_Row row;
+    row.id = id;
+    deleted.push_back(row);
   }
-}
-
-template <class Row>
-void write_links(odb::database& database, const Changes::Of<Changes::Link>& links) {
-  for (const Changes::Link& link : links.deleted) {
-    database.erase<Row>(rows::Link{link.record_id, link.trigger_id});
-  }
-  Row row;
-  for (const Changes::Link& link : links.added) {
-    row.key = {link.record_id, link.trigger_id};
-    database.persist(const_cast<const Row&>(row));
-  }
-}
-
-void note_pending(odb::database& database, const std::set<std::uint64_t>& camera_ids) {
-  for (const std::uint64_t camera_id : camera_ids) {
-    rows::Pending_Camera row;
-    if (!database.find(camera_id, row)) {
-      row.camera_id = camera_id;
-      database.persist(row);
-    }
-  }
+  // What goes makes room for what takes its place.
+  writer.erase(deleted);
+  writer.insert(net.added);
+  writer.erase(link_rows<Link_Row>(net.links.deleted));
+  writer.insert(link_rows<Link_Row>(net.links.added));
 }
 
 template <class Item>
@@ -110,24 +126,18 @@ bool is_empty(const Site_Index::Net_Changes& net) {
   const auto no_links = [](const Changes::Of<Changes::Link>& links) {
     return links.added.empty() && links.deleted.empty();
   };
-  return net.triggers.empty() && net.subscriptions.added.empty() &&
+  return net.triggers.empty() && net.strays.empty() && net.subscriptions.added.empty() &&
          net.subscriptions.deleted.empty() && no_links(net.subscriptions.links) &&
          net.eta_cameras.added.empty() && net.eta_cameras.deleted.empty() &&
          no_links(net.eta_cameras.links);
 }
 
-void write_changes(odb::database& database, const Site_Index::Net_Changes& net) {
-  for (const auto& [id, change] : net.triggers) {
-    write_trigger(database, change);
-  }
-  // A subscription that goes makes room for one of the same camera and topic.
-  erase_all<rows::Subscription>(database, net.subscriptions.deleted);
-  persist_all(database, net.subscriptions.added);
-  write_links<rows::Subscription_Trigger>(database, net.subscriptions.links);
-  erase_all<rows::ETA_Camera>(database, net.eta_cameras.deleted);
-  persist_all(database, net.eta_cameras.added);
-  write_links<rows::ETA_Camera_Trigger>(database, net.eta_cameras.links);
-  note_pending(database, net.subscriptions.cameras);
+void write_changes(Engine& engine, const Site_Index::Net_Changes& net) {
+  Row_Writer& writer = engine.rows();
+  write_triggers(writer, net);
+  write_records<rows::Subscription, rows::Subscription_Trigger>(writer, net.subscriptions);
+  write_records<rows::ETA_Camera, rows::ETA_Camera_Trigger>(writer, net.eta_cameras);
+  note_pending(engine, net.subscriptions.cameras);
 }
 
 void claim_for(odb::database& database, std::uint64_t server_id) {

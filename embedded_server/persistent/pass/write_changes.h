@@ -7,10 +7,12 @@
 
 namespace kuv::vemora::embedded_server {
 
+class Engine;
+
 bool is_empty(const Site_Index::Net_Changes& net);
 
 /// Writes net changes in key order, and notes the cameras whose subscriptions changed as pending.
-void write_changes(odb::database& database, const Site_Index::Net_Changes& net);
+void write_changes(Engine& engine, const Site_Index::Net_Changes& net);
 
 /// From now on the database belongs to that server.
 void claim_for(odb::database& database, std::uint64_t server_id);

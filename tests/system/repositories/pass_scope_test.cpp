@@ -11,8 +11,11 @@
 namespace kuv::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 std::vector<std::string> link_texts(const std::vector<Changes::Link>& links) {
   std::vector<std::string> texts;
@@ -184,6 +187,37 @@ TEST_P(Passes, commit_at_their_end_what_did_not_come_to_the_clean_up) {
 
   EXPECT_EQ(foreign_program().count("trigger_record"), 1U);
   EXPECT_THAT(pass->changes().triggers.added, ElementsAre(7));
+}
+
+TEST_P(Passes, clear_away_what_another_program_left_of_a_trigger) {
+  given_two_triggers_at_work();
+  foreign_program().execute("DELETE FROM trigger_record WHERE id = 7");
+  foreign_program().execute("INSERT INTO trigger_schedule (record_id, linked_id) VALUES (8, 99)");
+  foreign_program().execute(
+      "INSERT INTO trigger_source (trigger_id, position, type) VALUES (9, 0, 1)");
+  const auto pass = a_pass();
+
+  EXPECT_THAT(texts_of(subscriptions()), Not(Contains(HasSubstr("7"))));
+  EXPECT_EQ(find(8)->schedules.size(), 0U);
+  clean_up();
+
+  EXPECT_EQ(foreign_program().query("SELECT trigger_id FROM trigger_source WHERE trigger_id <> 8"),
+            Rows());
+  EXPECT_EQ(foreign_program().count("trigger_schedule"), 0U);
+  EXPECT_EQ(foreign_program().count("subscription_trigger"), 2U);
+}
+
+TEST_P(Passes, add_a_trigger_anew_whose_record_another_program_deleted) {
+  given_two_triggers_at_work();
+  foreign_program().execute("DELETE FROM trigger_record WHERE id = 7");
+  const auto pass = a_pass();
+
+  add_subscription(10, "b", add_trigger(7));
+  clean_up();
+  pass->end();
+
+  EXPECT_EQ(foreign_program().count("trigger_record"), 2U);
+  EXPECT_EQ(pass->fault(), std::nullopt);
 }
 
 TEST_P(Passes, keep_nothing_when_nobody_ends_them) {

@@ -1,0 +1,54 @@
+#include "embedded_server/persistent/engine/odb_row_writer.h"
+
+#include <odb/database.hxx>
+
+#include "records-odb.h"
+#include "rows-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+template <class Row>
+using Key_Of = typename odb::object_traits<Row>::id_type;
+
+template <class Row>
+Key_Of<Row> key_of(const Row& row) {
+  return odb::object_traits<Row>::id(row);
+}
+
+}  // namespace
+
+void ODB_Row_Writer::insert_all(const Batch& batch) {
+  const auto insert = [this](const auto* rows) {
+    for (const auto& row : *rows) {
+      database_.persist(row);
+    }
+  };
+  std::visit(insert, batch);
+}
+
+void ODB_Row_Writer::put_all(const Batch& batch) {
+  const auto put = [this](const auto* rows) {
+    typename std::decay_t<decltype(*rows)>::value_type present;
+    for (const auto& row : *rows) {
+      if (database_.find(key_of(row), present)) {
+        database_.update(row);
+      } else {
+        database_.persist(row);
+      }
+    }
+  };
+  std::visit(put, batch);
+}
+
+void ODB_Row_Writer::erase_all(const Batch& batch) {
+  const auto erase = [this](const auto* rows) {
+    using Row = typename std::decay_t<decltype(*rows)>::value_type;
+    for (const Row& row : *rows) {
+      database_.erase<Row>(key_of(row));
+    }
+  };
+  std::visit(erase, batch);
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+
+namespace kuv::vemora::embedded_server {
+
+class Engine;
+
+// The cameras whose subscriptions changed and whose streams have not been reconciled since, in the
+// transaction at hand.
+
+std::set<std::uint64_t> load_pending(Engine& engine);
+
+void note_pending(Engine& engine, const std::set<std::uint64_t>& camera_ids);
+
+/// Notes that these cameras were reconciled.
+void strike_out_pending(Engine& engine, const std::set<std::uint64_t>& camera_ids);
+
+}  // namespace kuv::vemora::embedded_server
