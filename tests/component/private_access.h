@@ -78,6 +78,12 @@ struct Expand_Search_Items {
 };
 template struct Opened<Expand_Search_Items, &Vemora_Trigger_Manager::expand_search_items_>;
 
+struct Manager_Lock {
+  using Member = boost::shared_mutex Vemora_Trigger_Manager::*;
+  friend Member open(Manager_Lock);
+};
+template struct Opened<Manager_Lock, &Vemora_Trigger_Manager::mutex_>;
+
 struct Cameras_To_Reconcile {
   using Member = std::set<std::uint64_t> Vemora_Trigger_Manager::*;
   friend Member open(Cameras_To_Reconcile);

@@ -10,6 +10,20 @@ std::string id_of(const Trigger_Record& record) {
   return record ? std::to_string(record->id) : "nobody";
 }
 
+const char* name_of(Subscription_Query::Kind kind) {
+  switch (kind) {
+    case Subscription_Query::Kind::any:
+      return "any";
+    case Subscription_Query::Kind::topic:
+      return "topic";
+    case Subscription_Query::Kind::generic:
+      return "generic";
+  }
+  return "?";
+}
+
+}  // namespace
+
 std::vector<std::uint64_t> ids_of(const Cameras& cameras) {
   std::vector<std::uint64_t> ids;
   for (const Camera_Record& record : cameras) {
@@ -25,20 +39,6 @@ std::vector<std::string> texts_of(const Terms& terms) {
   }
   return texts;
 }
-
-const char* name_of(Subscription_Query::Kind kind) {
-  switch (kind) {
-    case Subscription_Query::Kind::any:
-      return "any";
-    case Subscription_Query::Kind::topic:
-      return "topic";
-    case Subscription_Query::Kind::generic:
-      return "generic";
-  }
-  return "?";
-}
-
-}  // namespace
 
 std::string describe(const Subscription_Query& query) {
   using Match = Subscription_Query::Trigger_Match;

@@ -15,6 +15,10 @@ using Subscription_Query =
     Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
 using ETA_Query = ETA_Camera_Repository::Get_Params;
 
+std::vector<std::uint64_t> ids_of(const Cameras& cameras);
+/// "name" or "name=value".
+std::vector<std::string> texts_of(const Terms& terms);
+
 /// Every field of a query in words, the trigger and the cameras by id.
 std::string describe(const Subscription_Query& query);
 std::string describe(const ETA_Query& query);
