@@ -4,97 +4,104 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <memory>
-#include <sstream>
 #include <utility>
+
+#include "vemora/embedded_server/host/json_grammar.h"
+#include "vemora/embedded_server/host/letters.h"
+#include "vemora/embedded_server/host/read_file.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n".
-Document_Fault first_fault(const std::string& report) {
-  std::istringstream stream(report);
-  std::string line;
-  std::getline(stream, line);
-  Location location;
-  if (std::sscanf(line.c_str(), "* Line %zu, Column %zu", &location.line, &location.column) != 2) {
-    return {report, {}};
+/// Where the reader means. It counts bytes, from behind a byte order mark, and takes a carriage
+/// return for the end of a line.
+std::size_t offset_told_by_reader(std::string_view text, std::size_t line, std::size_t column) {
+  std::size_t offset = byte_order_mark_size(text);
+  for (std::size_t passed = 1; passed < line && offset < text.size(); ++passed) {
+    offset = std::min(text.find_first_of("\r\n", offset), text.size() - 1) + 1;
+    if (text[offset - 1] == '\r' && offset < text.size() && text[offset] == '\n') {
+      ++offset;
+    }
   }
-  std::string message;
-  std::getline(stream >> std::ws, message);
-  return {message, location};
+  return offset + column - 1;
 }
 
-Json::Value parse(const std::string& text) {
+/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n".
+Document_Fault fault_in_report(const std::string& report, std::string_view text,
+                               const Text_Places& places) {
+  std::size_t line = 0;
+  std::size_t column = 0;
+  int head = 0;
+  if (std::sscanf(report.c_str(), "* Line %zu, Column %zu\n%n", &line, &column, &head) != 2) {
+    return {report, {}};
+  }
+  std::string message = report.substr(static_cast<std::size_t>(head));
+  message.erase(message.find_last_not_of('\n') + 1);
+  return {message, places.locate(text, offset_told_by_reader(text, line, column))};
+}
+
+std::string_view line_of(std::string_view text, const Text_Places& places, std::size_t number) {
+  std::string_view found = text.substr(places.begin_of_line(text, number));
+  found = found.substr(0, found.find('\n'));
+  if (!found.empty() && found.back() == '\r') {
+    found.remove_suffix(1);
+  }
+  return found;
+}
+
+Json::Value parse(const std::string& text, const Text_Places& places) {
+  const auto reject = [&](const Document_Fault& fault) {
+    throw Document_Error(fault, line_of(text, places, fault.location.line));
+  };
+  if (const auto fault = find_grammar_fault(text)) {
+    reject({fault->message, places.locate(text, fault->offset)});
+  }
   Json::CharReaderBuilder builder;
   Json::CharReaderBuilder::strictMode(&builder.settings_);
+  builder["stackLimit"] = Json::UInt64(deepest_nesting);
   const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
   Json::Value value;
   std::string report;
-  try {
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, &report)) {
-      throw Document_Error(first_fault(report));
-    }
-  } catch (const Json::Exception& error) {  // nested too deeply
-    throw Document_Error({error.what(), {}});
+  if (!reader->parse(text.data(), text.data() + text.size(), &value, &report)) {
+    reject(fault_in_report(report, text, places));
   }
   return value;
 }
 
-std::string read_all(std::istream& stream, const std::string& name) {
-  std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-  if (stream.bad()) {
-    throw Document_Error({"cannot read " + name, {}});
-  }
-  return text;
-}
-
 }  // namespace
 
-Json_Document::Json_Document(std::string text) : text_(std::move(text)), value_(parse(text_)) {}
+Json_Document::Json_Document(std::string text)
+    : text_(std::move(text)), places_(text_), value_(parse(text_, places_)) {}
 
 Json_Document Json_Document::read(const std::string& path) {
-  if (path == "-") {
-    return Json_Document(read_all(std::cin, "standard input"));
-  }
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    throw Document_Error({"cannot read " + path + ": it is a directory", {}});
-  }
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream) {
-    throw Document_Error({"cannot open " + path, {}});
-  }
-  return Json_Document(read_all(stream, path));
+  return Json_Document(read_file(path));
+}
+
+std::size_t Json_Document::offset_of(const Json::Value& part) const {
+  return byte_order_mark_size(text_) + static_cast<std::size_t>(part.getOffsetStart());
 }
 
 Location Json_Document::locate(const Json::Value& part) const {
-  const auto offset = std::min(static_cast<std::size_t>(part.getOffsetStart()), text_.size());
-  const auto place = text_.begin() + static_cast<std::ptrdiff_t>(offset);
-  const auto line = static_cast<std::size_t>(std::count(text_.begin(), place, '\n'));
-  const std::size_t line_end = offset == 0 ? std::string::npos : text_.rfind('\n', offset - 1);
-  const std::size_t line_begin = line_end == std::string::npos ? 0 : line_end + 1;
-  return {line + 1, offset - line_begin + 1};
+  return places_.locate(text_, offset_of(part));
 }
 
-std::string Json_Document::line(std::size_t number) const {
-  std::size_t begin = 0;
-  for (std::size_t passed = 1; passed < number && begin != std::string::npos; ++passed) {
-    const std::size_t end = text_.find('\n', begin);
-    begin = end == std::string::npos ? end : end + 1;
-  }
-  if (number == 0 || begin == std::string::npos) {
-    return {};
-  }
-  std::string found = text_.substr(begin, text_.find('\n', begin) - begin);
-  if (!found.empty() && found.back() == '\r') {
-    found.pop_back();
-  }
-  return found;
+Location Json_Document::locate_key(const Json::Value& member) const {
+  // Backwards from the value: a colon, the quote that ends the key, and the one that begins it,
+  // which is the next that is not escaped, that is, has an even number of backslashes before it.
+  const std::size_t colon = text_.rfind(':', offset_of(member) - 1);
+  const std::size_t end = text_.rfind('"', colon);
+  std::size_t begin = end;
+  std::size_t backslashes = 0;
+  do {
+    begin = text_.rfind('"', begin - 1);
+    backslashes = begin - (text_.find_last_not_of('\\', begin - 1) + 1);
+  } while (backslashes % 2 != 0);
+  return places_.locate(text_, begin);
+}
+
+std::string_view Json_Document::line(std::size_t number) const {
+  return line_of(text_, places_, number);
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -5,35 +5,27 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
+#include "vemora/embedded_server/host/document_fault.h"
+#include "vemora/embedded_server/host/text_places.h"
 #include "vemora/platform/export.h"
 
 namespace kuv::vemora::embedded_server {
 
-/// A place in a text, both counted from 1, columns in bytes; 0 where it is not known.
-struct Location {
-  std::size_t line = 0;
-  std::size_t column = 0;
-};
-
-/// What is wrong with a document, and where.
-struct Document_Fault {
-  std::string message;
-  Location location;
-};
-
 /// A document that cannot be read at all.
 class VEMORA_API Document_Error : public std::runtime_error {
  public:
-  explicit Document_Error(Document_Fault fault)
-      : std::runtime_error(fault.message), location(fault.location) {}
+  explicit Document_Error(const Document_Fault& fault, std::string_view its_line = {})
+      : std::runtime_error(fault.message), location(fault.location), line(its_line) {}
 
   Location location;
+  std::string line;  ///< of the fault, as far as it is known
 };
 
 /// A JSON document with its own text, so that it can be stored as it was written and faults found
-/// in it have a place. Read strictly: an object or array at the root and nothing behind it, no
-/// comments, no duplicate keys.
+/// in it have a place. Read strictly: the grammar of JSON to the letter, an object or array at the
+/// root and nothing behind it, no duplicate keys.
 class VEMORA_API Json_Document {
  public:
   /// Throws Document_Error.
@@ -48,11 +40,17 @@ class VEMORA_API Json_Document {
   /// Where a value of this document begins.
   Location locate(const Json::Value& part) const;
 
+  /// Where the key of a member of an object of this document begins.
+  Location locate_key(const Json::Value& member) const;
+
   /// A line of the text, counted from 1, without its end; empty when there is none.
-  std::string line(std::size_t number) const;
+  std::string_view line(std::size_t number) const;
 
  private:
+  std::size_t offset_of(const Json::Value& part) const;
+
   std::string text_;
+  Text_Places places_;
   Json::Value value_;
 };
 

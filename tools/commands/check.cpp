@@ -34,9 +34,10 @@ Exit_Status check(const Options& options, const std::string& config_path,
     return exit_done;
   }
   const bool in_config = found->document == "config";
-  print_faults(options, {{found->document, in_config ? config_path : mapping_path,
-                          in_config ? &config : pointer_to(mapping), found->fault, found->index,
-                          found->id}});
+  const auto* const document = in_config ? &config : pointer_to(mapping);
+  print_faults(options, {{found->document, in_config ? config_path : mapping_path, found->fault,
+                          document != nullptr ? document->line(found->fault.location.line) : "",
+                          found->index, found->id}});
   return exit_rejected;
 }
 

@@ -70,7 +70,8 @@ Exit_Status init(const Options& options, const std::string& inventory_path) {
   if (!read.faults.empty()) {
     std::vector<Located_Fault> faults;
     for (const embedded_server::Document_Fault& fault : read.faults) {
-      faults.push_back({"inventory", inventory_path, &document, fault, std::nullopt, std::nullopt});
+      faults.push_back({"inventory", inventory_path, fault, document.line(fault.location.line),
+                        std::nullopt, std::nullopt});
     }
     print_faults(options, faults);
     return exit_rejected;

@@ -13,6 +13,7 @@ struct Unreadable_Document {
   std::string role;  ///< "inventory", "config" or "mapping"
   std::string path;
   embedded_server::Document_Fault fault;
+  std::string line;
 };
 
 /// Reads a document; throws Unreadable_Document.
@@ -20,7 +21,7 @@ inline embedded_server::Json_Document read_input(const std::string& role, const 
   try {
     return embedded_server::Json_Document::read(path);
   } catch (const embedded_server::Document_Error& error) {
-    throw Unreadable_Document{role, path, {error.what(), error.location}};
+    throw Unreadable_Document{role, path, {error.what(), error.location}, error.line};
   }
 }
 

@@ -3,14 +3,20 @@
 #include <fmt/format.h>
 
 #include <iostream>
+#include <string_view>
 
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
+#include "vemora/embedded_server/host/letters.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
-constexpr std::size_t widest_excerpt = 160;
+using embedded_server::count_letters;
+using embedded_server::first_letters;
+
+constexpr std::size_t widest_side = 60;  ///< letters before the place of a fault, and from it on
+constexpr std::size_t most_excerpts = 100;
 
 Json::Value to_json(const Located_Fault& located) {
   Json::Value error(Json::objectValue);
@@ -37,18 +43,30 @@ std::string place_of(const Located_Fault& located) {
   return place;
 }
 
-/// The line of the fault with a mark under its place; of a very long line, nothing.
+/// The text with "..." in the place of all but its last letters.
+std::string shown_end(std::string_view text) {
+  const std::size_t letters = count_letters(text);
+  if (letters <= widest_side) {
+    return printable(text);
+  }
+  text.remove_prefix(first_letters(text, letters - widest_side).size());
+  return "..." + printable(text);
+}
+
+std::string shown_beginning(std::string_view text) {
+  const std::string_view beginning = first_letters(text, widest_side);
+  return printable(beginning) + (beginning.size() < text.size() ? "..." : "");
+}
+
+/// What surrounds the fault in its line, with a mark under its place.
 void print_excerpt(const Located_Fault& located) {
-  if (located.document == nullptr || located.fault.location.line == 0) {
+  if (located.line.empty() || located.fault.location.column == 0) {
     return;
   }
-  const std::string line = located.document->line(located.fault.location.line);
-  if (line.size() > widest_excerpt) {
-    return;
-  }
-  const std::string before = printable(line.substr(0, located.fault.location.column - 1));
-  std::cout << "    " << printable(line) << '\n'
-            << "    " << std::string(before.size(), ' ') << in_red("^") << '\n';
+  const std::string_view before = first_letters(located.line, located.fault.location.column - 1);
+  const std::string shown_before = shown_end(before);
+  std::cout << "    " << shown_before << shown_beginning(located.line.substr(before.size())) << '\n'
+            << "    " << std::string(count_letters(shown_before), ' ') << in_red("^") << '\n';
 }
 
 void print_for_people(const Located_Fault& located) {
@@ -59,16 +77,24 @@ void print_for_people(const Located_Fault& located) {
     std::cout << fmt::format(" (element {})", *located.index);
   }
   std::cout << '\n';
-  print_excerpt(located);
+}
+
+/// Every fault, and of the first ones the line.
+void print_for_people(const std::vector<Located_Fault>& faults) {
+  std::size_t excerpts = 0;
+  for (const Located_Fault& located : faults) {
+    print_for_people(located);
+    if (excerpts++ < most_excerpts) {
+      print_excerpt(located);
+    }
+  }
 }
 
 }  // namespace
 
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults) {
   if (!options.json) {
-    for (const Located_Fault& located : faults) {
-      print_for_people(located);
-    }
+    print_for_people(faults);
     return;
   }
   Json::Value answer(Json::objectValue);

@@ -3,19 +3,20 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/options.h"
-#include "vemora/embedded_server/host/json_document.h"
+#include "vemora/embedded_server/host/document_fault.h"
 
 namespace kuv::vemora::tools {
 
 /// A fault of a document, and the file that it stands in.
 struct Located_Fault {
-  std::string role;                                ///< "inventory", "config" or "mapping"
-  std::string path;                                ///< empty: the stored one
-  const embedded_server::Json_Document* document;  ///< null when it could not be read
+  std::string role;  ///< "inventory", "config" or "mapping"
+  std::string path;  ///< empty: the stored one
   embedded_server::Document_Fault fault;
+  std::string_view line;  ///< that the fault stands in; empty when it is not known
   std::optional<std::size_t> index;
   std::optional<std::uint64_t> id;
 };

@@ -7,10 +7,16 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <utility>
+
+#include "vemora/embedded_server/host/letters.h"
 
 namespace kuv::vemora::tools {
 namespace {
+
+using embedded_server::count_letters;
+using embedded_server::letter_size;
 
 bool wants_colour() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
@@ -18,26 +24,40 @@ bool wants_colour() {
   return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
 }
 
-bool is_control(unsigned char byte) {
-  return byte < 0x20 || byte == 0x7F;
+/// What a letter is called when it must not be shown: it is a control character (which a terminal
+/// obeys) or turns the direction of what follows; nothing for all others.
+std::optional<unsigned> unshown(std::string_view letter) {
+  const auto byte = [letter](std::size_t place) {
+    return static_cast<unsigned char>(letter[place]);
+  };
+  if (letter.size() == 1 && (byte(0) < 0x20 || byte(0) == 0x7F)) {
+    return byte(0);
+  }
+  if (letter.size() == 2 && byte(0) == 0xC2 && byte(1) < 0xA0) {
+    return byte(1);
+  }
+  if (letter.size() != 3 || byte(0) != 0xE2) {
+    return std::nullopt;
+  }
+  const unsigned code = 0x2000U + (byte(1) & 0x3FU) * 64 + (byte(2) & 0x3FU);
+  const bool turns = code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+                     (code >= 0x2066 && code <= 0x2069);
+  return turns ? std::make_optional(code) : std::nullopt;
 }
 
-/// The second byte of an 8-bit control character (U+0080 to U+009F) in UTF-8.
-bool is_wide_control(unsigned char before, unsigned char byte) {
-  return before == 0xC2 && byte >= 0x80 && byte <= 0x9F;
-}
-
-/// How many columns a UTF-8 text takes, near enough: one a letter.
-std::size_t width_of(const std::string& text) {
-  return static_cast<std::size_t>(
-      std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+std::string shown(std::string_view letter) {
+  const std::optional<unsigned> code = unshown(letter);
+  if (!code) {
+    return std::string(letter);
+  }
+  return letter.size() == 1 ? fmt::format("\\x{:02x}", *code) : fmt::format("\\u{:04x}", *code);
 }
 
 void print_row(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
   for (std::size_t column = 0; column < row.size(); ++column) {
     std::cout << row[column];
     if (column + 1 < row.size()) {
-      std::cout << std::string(widths[column] - width_of(row[column]) + 2, ' ');
+      std::cout << std::string(widths[column] - count_letters(row[column]) + 2, ' ');
     }
   }
   std::cout << '\n';
@@ -45,21 +65,18 @@ void print_row(const std::vector<std::string>& row, const std::vector<std::size_
 
 }  // namespace
 
-std::string printable(const std::string& text) {
-  std::string shown;
-  for (std::size_t place = 0; place < text.size(); ++place) {
-    const auto byte = static_cast<unsigned char>(text[place]);
-    const auto next = place + 1 < text.size() ? static_cast<unsigned char>(text[place + 1]) : 0;
-    if (is_wide_control(byte, next)) {
-      shown += fmt::format("\\x{:02x}", next);
-      ++place;
-    } else if (is_control(byte)) {
-      shown += fmt::format("\\x{:02x}", byte);
+std::string printable(std::string_view text) {
+  std::string all;
+  for (std::size_t place = 0; place < text.size();) {
+    const std::size_t size = letter_size(text, place);
+    if (size == 0) {
+      all += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[place]));
     } else {
-      shown += text[place];
+      all += shown(text.substr(place, size));
     }
+    place += std::max<std::size_t>(size, 1);
   }
-  return shown;
+  return all;
 }
 
 std::string in_red(const std::string& text) {
@@ -70,9 +87,9 @@ void print_table(const std::vector<std::string>& headings,
                  const std::vector<std::vector<std::string>>& rows) {
   std::vector<std::size_t> widths;
   for (std::size_t column = 0; column < headings.size(); ++column) {
-    std::size_t width = width_of(headings[column]);
+    std::size_t width = count_letters(headings[column]);
     for (const std::vector<std::string>& row : rows) {
-      width = std::max(width, width_of(row[column]));
+      width = std::max(width, count_letters(row[column]));
     }
     widths.push_back(width);
   }

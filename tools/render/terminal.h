@@ -4,13 +4,15 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 namespace kuv::vemora::tools {
 
-/// A text that can be shown: control characters, which a terminal would obey, are spelled out.
-std::string printable(const std::string& text);
+/// A text that can be shown: what a terminal would obey, and bytes that are no letter, is spelled
+/// out.
+std::string printable(std::string_view text);
 
 /// The text in the colour of failures, where standard output is a terminal that wants colours.
 std::string in_red(const std::string& text);

@@ -97,12 +97,33 @@ config.json:2:10: error: "id" field is missing or invalid. (element 0)
              ^
 """))
 
-    def test_people_read_no_line_that_is_too_long_to_help(self):
-        self.write("config.json", config({**trigger(7), "name": 1, "comment": "x" * 5000}))
+    def test_people_read_of_a_long_line_what_surrounds_the_fault(self):
+        before, after = "x" * 5000, "y" * 5000
+        self.write("config.json", f'{{"a": "{before}", "triggers": 1, "b": "{after}"}}')
         outcome = self.run_tool("check", "config.json")
-        self.assertEqual(outcome.status, REJECTED)
-        self.assertLess(len(outcome.out), 300)
-        self.assertIn(b"config.json:1:", outcome.out)
+        self.assertEqual((outcome.status, outcome.text), (REJECTED, f"""\
+config.json:1:5023: error: Missing "triggers" array.
+    ...{"x" * 45}", "triggers": 1, "b": "{"y" * 51}...
+    {" " * 63}^
+"""))
+
+    def test_the_mark_stands_under_its_letter_whatever_comes_before(self):
+        document = '{"first": 0,\r\n "Tür \u202e": "門", "triggers": 1}'
+        [error] = self.errors(document)
+        self.assertEqual((error["line"], error["column"]), (2, 28))
+        self.assertEqual(self.run_tool("check", "config.json").text, """\
+config.json:2:28: error: Missing "triggers" array.
+     "Tür \\u202e": "門", "triggers": 1}
+                                    ^
+""")
+
+    def test_people_read_the_line_of_a_document_that_cannot_be_read(self):
+        self.write("config.json", '{"triggers": [\n  {"id": 7,, "name": ""}\n]}')
+        self.assertEqual(self.run_tool("check", "config.json").text, """\
+config.json:2:12: error: A key in double quotes is expected.
+      {"id": 7,, "name": ""}
+               ^
+""")
 
     def test_a_check_writes_nothing(self):
         self.apply(config(trigger(7)), mapping(([1], [7])))
@@ -137,6 +158,12 @@ TEXTS_THAT_ARE_NO_DOCUMENT = {
     "NaN": '{"triggers": [NaN]}',
     "huge nesting": '{"triggers": ' + "[" * 100000 + "]" * 100000 + "}",
     "a control character": '{"triggers": [] \x01}',
+    "a control character in a text": '{"triggers": ["\x01"]}',
+    "a number that ends with its point": '{"triggers": [1.]}',
+    "a number that begins with a zero": '{"triggers": [01]}',
+    "a number without an end": '{"triggers": [1e999]}',
+    "half a letter": '{"triggers": ["\\udc00"]}',
+    "an escape of one's own": '{"triggers": ["\\x41"]}',
 }
 
 
@@ -199,11 +226,15 @@ class Unreadable_Documents(Site):
         os.chmod(self.path(name), 0)
         self.assert_unreadable(name)
 
-    def test_a_byte_order_mark_is_no_fault_or_one_with_a_place(self):
-        name = self.write("bom.json", b"\xef\xbb\xbf" + b'{"triggers": []}')
-        outcome = self.run_tool("--json", "check", name)
-        self.assertIn(outcome.status, (DONE, REJECTED))
-        self.assertEqual(outcome.json["success"], outcome.status == DONE)
+    def test_a_byte_order_mark_is_no_fault_and_moves_no_place(self):
+        mark = b"\xef\xbb\xbf"
+        self.assertEqual(self.run_tool("check", self.write("good.json", mark + b'{"triggers": []}')).status, DONE)
+        outcome = self.run_tool("check", self.write("bad.json", mark + b'{"triggers": 1}'))
+        self.assertEqual((outcome.status, outcome.out), (REJECTED, b"""\
+bad.json:1:14: error: Missing "triggers" array.
+    {"triggers": 1}
+                 ^
+"""))
 
 
 TOOL_FILE = os.environ["TOOL"]

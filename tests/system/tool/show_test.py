@@ -168,6 +168,12 @@ class Strange_Texts(Site):
         outcome = self.run_tool("check", name)
         self.assertNotIn(b"\x1b", outcome.out + outcome.err)
         self.assertIn("\\x1b[31m", outcome.text)
+        stray = self.run_tool("check", self.write("stray.json", b'{"triggers": 1, "\x80\x9b31m \xc2\x9b \xff\xc3": 1}'))
+        self.assertEqual(stray.text, """\
+stray.json:1:14: error: Missing "triggers" array.
+    {"triggers": 1, "\\x80\\x9b31m \\u009b \\xff\\xc3": 1}
+                 ^
+""")
         missing = self.run_tool("check", "missing\x1b[1m.json")
         self.assertNotIn(b"\x1b", missing.out + missing.err)
         failed = self.run_tool("--database", "none\x1b[1m.db", "show", "triggers")
@@ -183,7 +189,8 @@ class Strange_Texts(Site):
         self.assertEqual((applied.status, applied.json["errors"]), (DONE, []))
         self.assertTrue(self.show("triggers")[0]["name"].startswith("bad "))
         self.assertEqual(self.run_tool("show", "config").out, document)
-        self.assertEqual(self.run_tool("show", "triggers").status, DONE)
+        self.assertIn("bad \\xff\\xfe\\xc3 name", self.run_tool("show", "triggers").text)
+        self.assertIn("onvif-metadata \\x80\\xc0", self.run_tool("show", "triggers").text)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace kuv::vemora::embedded_server {
+
+/// A place in a text, both counted from 1, columns in letters; 0 where it is not known.
+struct Location {
+  std::size_t line = 0;
+  std::size_t column = 0;
+};
+
+/// What is wrong with a document, and where.
+struct Document_Fault {
+  std::string message;
+  Location location;
+};
+
+}  // namespace kuv::vemora::embedded_server
