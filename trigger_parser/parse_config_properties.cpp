@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <cstdint>
+#include <optional>
 
 #include "trigger_parser/validation.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
@@ -24,11 +25,26 @@ std::optional<Milliseconds> parse_duration(const Json::Value& properties, const 
   return Milliseconds(static_cast<std::uint32_t>(value.asUInt()) * milliseconds_per_unit);
 }
 
-std::string describe(const std::optional<Milliseconds>& duration) {
-  return duration ? fmt::format("{}{}", duration->count(), "ms") : "default";
-}
+/// A setting as the log line shows it. It is formatted with the line and not before, so that a line
+/// that nobody takes costs nothing.
+struct Shown_Setting {
+  const std::optional<Milliseconds>& duration;
+};
 
 }  // namespace
+}  // namespace kuv::vemora
+
+template <>
+struct fmt::formatter<kuv::vemora::Shown_Setting> {
+  constexpr auto parse(fmt::format_parse_context& context) { return context.begin(); }
+
+  auto format(const kuv::vemora::Shown_Setting& setting, fmt::format_context& context) const {
+    return setting.duration ? fmt::format_to(context.out(), "{}{}", setting.duration->count(), "ms")
+                            : fmt::format_to(context.out(), "default");
+  }
+};
+
+namespace kuv::vemora {
 
 Notification_Properties Vemora_Trigger_Parser::parse_config_properties(
     const Json::Value& document) {
@@ -44,8 +60,8 @@ Notification_Properties Vemora_Trigger_Parser::parse_config_properties(
   logger_.log(kuv::logging::severity_level::debug,
               "Parsed trigger config properties | max_latency={} | digest_cooldown={} | "
               "ack_timeout={} | nack_delay={}",
-              describe(parsed.max_latency), describe(parsed.digest_cooldown),
-              describe(parsed.ack_timeout), describe(parsed.nack_delay));
+              Shown_Setting{parsed.max_latency}, Shown_Setting{parsed.digest_cooldown},
+              Shown_Setting{parsed.ack_timeout}, Shown_Setting{parsed.nack_delay});
   return parsed;
 }
 

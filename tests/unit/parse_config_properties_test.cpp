@@ -2,6 +2,7 @@
 #include <json/json.h>
 
 #include "support/log_capture.h"
+#include "unit/counted_formatting.h"
 #include "unit/logging_core.h"
 #include "unit/parser_test.h"
 
@@ -227,6 +228,32 @@ TEST_F(Parse_Config_Properties, logs_nothing_where_the_core_filters_its_level) {
   const Lines_Filtered_Below filter(severity_level::debug);
   parse("{}");
   EXPECT_THAT(log.lines(), ::testing::SizeIs(1));
+}
+
+// A line that nobody takes
+
+struct Suppressed_Properties_Line : Parse_Config_Properties {
+  int texts_formatted_by_parsing() {
+    const Json::Value document =
+        json(R"({"properties": {"notificationMaxLatencySecs": 30, "notificationNackDelayMs": 0}})");
+    const int before = texts_formatted();
+    parse_properties(document);
+    return texts_formatted() - before;
+  }
+};
+
+TEST_F(Suppressed_Properties_Line, is_not_formatted_while_logging_is_disabled) {
+  const Logging_Disabled disabled;
+  EXPECT_EQ(texts_formatted_by_parsing(), 0);
+}
+
+TEST_F(Suppressed_Properties_Line, is_not_formatted_where_the_core_filters_its_level) {
+  const Lines_Filtered_Below filter(severity_level::info);
+  EXPECT_EQ(texts_formatted_by_parsing(), 0);
+}
+
+TEST_F(Suppressed_Properties_Line, is_formatted_in_one_go_once_it_is_taken) {
+  EXPECT_EQ(texts_formatted_by_parsing(), 1);
 }
 
 }  // namespace

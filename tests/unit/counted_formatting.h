@@ -1,0 +1,8 @@
+#pragma once
+
+namespace kuv::test {
+
+/// How many texts were formatted in this process so far, in whichever library.
+int texts_formatted();
+
+}  // namespace kuv::test
