@@ -74,8 +74,8 @@ Json::Value parse(const std::string& text, const Text_Places& places) {
 Json_Document::Json_Document(std::string text)
     : text_(std::move(text)), places_(text_), value_(parse(text_, places_)) {}
 
-Json_Document Json_Document::read(const std::string& path) {
-  return Json_Document(read_file(path));
+Json_Document Json_Document::read(const std::string& path, std::size_t limit) {
+  return Json_Document(read_file(path, limit));
 }
 
 std::size_t Json_Document::offset_of(const Json::Value& part) const {

@@ -13,6 +13,9 @@
 
 namespace kuv::vemora::embedded_server {
 
+/// How many bytes a document may take: about half of what a field of the database can hold.
+constexpr std::size_t largest_document = std::size_t{512} << 20;
+
 /// A document that cannot be read at all.
 class VEMORA_API Document_Error : public std::runtime_error {
  public:
@@ -31,8 +34,9 @@ class VEMORA_API Json_Document {
   /// Throws Document_Error.
   explicit Json_Document(std::string text);
 
-  /// The content of a file; "-" is standard input. Throws Document_Error.
-  static Json_Document read(const std::string& path);
+  /// The content of a file; "-" is standard input. Throws Document_Error, also where there are
+  /// more than `limit` bytes or no end of them.
+  static Json_Document read(const std::string& path, std::size_t limit = largest_document);
 
   const std::string& text() const { return text_; }
   const Json::Value& value() const { return value_; }

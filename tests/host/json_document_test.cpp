@@ -2,7 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <filesystem>
+#include <fstream>
+#include <memory>
 #include <string>
 
 #include "vemora/embedded_server/host/json_grammar.h"
@@ -227,6 +231,39 @@ TEST(Lines_Of_Documents, are_empty_where_there_is_none) {
   const Json_Document document("{\n}");
   EXPECT_EQ(document.line(0), "");
   EXPECT_EQ(document.line(3), "");
+}
+
+class Document_Files : public testing::Test {
+ protected:
+  Document_Files() { std::ofstream(path_, std::ios::binary) << "{\"a\": 1}"; }
+  ~Document_Files() override { std::filesystem::remove(path_); }
+
+  const std::string path_ = testing::TempDir() + "document." + std::to_string(::getpid());
+};
+
+std::string complaint_of_reading(const std::string& path, std::size_t limit = largest_document) {
+  try {
+    Json_Document::read(path, limit);
+    return {};
+  } catch (const Document_Error& error) {
+    EXPECT_EQ(error.location.line, 0);
+    return error.what();
+  }
+}
+
+TEST_F(Document_Files, are_read_up_to_the_limit) {
+  EXPECT_EQ(Json_Document::read(path_).text(), "{\"a\": 1}");
+  EXPECT_EQ(complaint_of_reading(path_, 8), "");
+  EXPECT_EQ(complaint_of_reading(path_, 7), path_ + " is larger than a document may be (7 bytes)");
+}
+
+TEST_F(Document_Files, that_cannot_be_read_are_told_with_the_reason) {
+  EXPECT_EQ(complaint_of_reading(path_ + ".not"),
+            "cannot open " + path_ + ".not: No such file or directory");
+  EXPECT_EQ(complaint_of_reading(path_ + "/inside"),
+            "cannot open " + path_ + "/inside: Not a directory");
+  EXPECT_EQ(complaint_of_reading(testing::TempDir()),
+            "cannot read " + testing::TempDir() + ": Is a directory");
 }
 
 TEST(Documents, keep_their_text_as_it_was_written) {

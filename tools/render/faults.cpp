@@ -106,6 +106,18 @@ void print_faults(const Options& options, const std::vector<Located_Fault>& faul
   print_json(answer);
 }
 
+void print_wrong_usage(bool json, const std::string& message) {
+  if (!json) {
+    std::cerr << "vemora-triggers: " << printable(message)
+              << "\nRun with --help for more information.\n";
+    return;
+  }
+  Json::Value answer(Json::objectValue);
+  answer["success"] = false;
+  answer["errors"][0]["message"] = message;
+  print_json(answer);
+}
+
 void print_failure(const Options& options, const std::string& message) {
   if (!options.json) {
     std::cerr << "vemora-triggers: " << printable(message) << '\n';

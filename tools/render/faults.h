@@ -24,6 +24,9 @@ struct Located_Fault {
 /// Prints why documents are rejected.
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults);
 
+/// Prints why a command line was not understood.
+void print_wrong_usage(bool json, const std::string& message);
+
 /// Prints why nothing could be done.
 void print_failure(const Options& options, const std::string& message);
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "tools/exit_status.h"
+#include "tools/options.h"
+
+namespace CLI {
+class App;
+class ParseError;
+}  // namespace CLI
+
+namespace kuv::vemora::tools {
+
+/// What the command line said.
+struct Invocation {
+  Options options;
+  std::string log_level = "off";
+  std::string inventory_path;
+  std::string config_path;
+  std::string mapping_path;
+  std::string what;
+  std::function<Exit_Status()> command;
+};
+
+/// Makes `app` understand the command line, and leave what it said in `call`, which must live as
+/// long.
+void describe_command_line(CLI::App& app, Invocation& call);
+
+/// What to say of a command line that was not understood.
+std::string complaint_of(const CLI::App& app, const CLI::ParseError& error);
+
+}  // namespace kuv::vemora::tools
