@@ -19,8 +19,7 @@ Exit_Status run(const Invocation& call) {
     kuv::logging::log_to(std::cerr, kuv::logging::parse_severity(call.log_level));
     return call.command();
   } catch (const Unreadable_Document& unreadable) {
-    print_faults(call.options, {{unreadable.role, unreadable.path, unreadable.fault,
-                                 unreadable.line, std::nullopt, std::nullopt}});
+    print_faults(call.options, {unreadable.located()});
     return exit_rejected;
   } catch (const std::exception& error) {
     print_failure(call.options, error.what());

@@ -1,6 +1,7 @@
 #include "vemora/embedded_server/host/services.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -22,15 +23,36 @@ void gather(const Object_Types& types, const std::string& name, std::set<std::st
 
 }  // namespace
 
+Recording_Capture_Manager::Recording_Capture_Manager(std::shared_ptr<capture::Manager> behind)
+    : behind_(std::move(behind)) {}
+
 void Recording_Capture_Manager::reconcile_metadata_stream(std::uint64_t camera_id) {
+  asked_for_.insert(camera_id);
+  if (behind_) {
+    behind_->reconcile_metadata_stream(camera_id);
+  }
   reconciled_.insert(camera_id);
 }
 
+void Recording_Capture_Manager::forget() {
+  asked_for_.clear();
+  reconciled_.clear();
+}
+
+Snapshot_Pusher::Snapshot_Pusher(std::shared_ptr<Trigger_Notification_Pusher> behind)
+    : behind_(std::move(behind)) {}
+
 void Snapshot_Pusher::stop() {
+  if (behind_) {
+    behind_->stop();
+  }
   forget();
 }
 
 void Snapshot_Pusher::apply_trigger_state(Trigger_Config_State state) {
+  if (behind_) {
+    behind_->apply_trigger_state(state);
+  }
   state_ = std::move(state);
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -15,30 +16,40 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// A capture manager without cameras: it keeps what it was asked for.
+/// Keeps what it was asked for. The work is done by the capture manager behind it, where there is
+/// one; without, there are no cameras.
 class VEMORA_API Recording_Capture_Manager : public capture::Manager {
  public:
+  explicit Recording_Capture_Manager(std::shared_ptr<capture::Manager> behind = nullptr);
+
   void reconcile_metadata_stream(std::uint64_t camera_id) override;
 
-  /// The cameras asked for since the last forget().
-  const std::set<std::uint64_t>& reconciled() const { return reconciled_; }
-  void forget() { reconciled_.clear(); }
+  // Of the time since the last forget().
+  const std::set<std::uint64_t>& asked_for() const { return asked_for_; }
+  const std::set<std::uint64_t>& reconciled() const { return reconciled_; }  ///< nothing was thrown
+
+  void forget();
 
  private:
+  std::shared_ptr<capture::Manager> behind_;
+  std::set<std::uint64_t> asked_for_;
   std::set<std::uint64_t> reconciled_;
 };
 
-/// A pusher that delivers nothing: it keeps the state it was given last.
+/// Keeps the state it was given last. It is delivered by the pusher behind it, where there is one.
 class VEMORA_API Snapshot_Pusher : public Trigger_Notification_Pusher {
  public:
+  explicit Snapshot_Pusher(std::shared_ptr<Trigger_Notification_Pusher> behind = nullptr);
+
   void stop() override;
   void apply_trigger_state(Trigger_Config_State state) override;
 
-  /// Nothing when none was given since the last forget().
+  /// Nothing when none was taken since the last forget().
   const std::optional<Trigger_Config_State>& state() const { return state_; }
   void forget() { state_.reset(); }
 
  private:
+  std::shared_ptr<Trigger_Notification_Pusher> behind_;
   std::optional<Trigger_Config_State> state_;
 };
 

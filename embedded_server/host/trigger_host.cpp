@@ -18,13 +18,34 @@ namespace {
 using Directive_Config_Processing::Error;
 using Status = Pass_Outcome::Status;
 
-/// A stored document was accepted before, so it can be read; before the first one it is empty.
-Json::Value stored_value(const std::optional<std::string>& text) {
-  return text ? Json_Document(*text).value() : Json::Value(Json::objectValue);
+std::optional<Json::Value> object_in(const std::string& text) {
+  try {
+    Json::Value value = Json_Document(text).value();
+    return value.isObject() ? std::make_optional(std::move(value)) : std::nullopt;
+  } catch (const Document_Error&) {
+    return std::nullopt;
+  }
 }
 
-Json::Value value_of(const Json_Document* given, const std::optional<std::string>& stored) {
-  return given != nullptr ? given->value() : stored_value(stored);
+/// A stored document was accepted before, so it can be read unless it was damaged since; before the
+/// first one it is empty.
+Json::Value stored_value(const std::optional<std::string>& text, const char* name) {
+  if (!text) {
+    return Json::Value(Json::objectValue);
+  }
+  if (auto value = object_in(*text)) {
+    return *std::move(value);
+  }
+  throw Database_Error(
+      fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
+}
+
+Json::Value stored_config(const Pass_Scope& pass) {
+  return stored_value(pass.documents().config, "configuration");
+}
+
+Json::Value value_of(const Json_Document* mapping, const Pass_Scope& pass) {
+  return mapping != nullptr ? mapping->value() : stored_value(pass.documents().mapping, "mapping");
 }
 
 /// The documents of a manager that was just made have what a missing key stands for.
@@ -76,50 +97,58 @@ Status status_of(const Directive_Config_Processing::Result& result) {
 
 }  // namespace
 
-Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id)
+Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id,
+                           Host_Services services)
     : logger_("Trigger_Host"),
       database_(std::move(database)),
       server_id_(server_id),
       repository_(make_repository(database_)),
-      capture_manager_(std::make_shared<Recording_Capture_Manager>()),
-      pusher_(std::make_shared<Snapshot_Pusher>()),
+      capture_manager_(
+          std::make_shared<Recording_Capture_Manager>(std::move(services.capture_manager))),
+      pusher_(std::make_shared<Snapshot_Pusher>(std::move(services.pusher))),
       resolver_(std::make_shared<Inventory_Meta_Type_Resolver>()) {}
 
 Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping) {
   const std::lock_guard<std::mutex> lock(mutex_);
   Pass_Scope pass(database_, server_id_);
   begin();
+  const Json::Value schedules = value_of(mapping, pass);
   Pass_Outcome outcome;
-  const Json::Value schedules = value_of(mapping, pass.documents().mapping);
-  if (!schedules.isObject()) {
-    // No manager can be made with it, so its parser is asked what a pass would have said.
-    Vemora_Trigger_Parser parser(repository_, server_id_);
-    try {
-      parser.parse_config_properties(config.value());
-      parser.parse_trigger_mapping(schedules);
-    } catch (const std::exception& error) {
-      outcome.status = Status::rejected;
-      outcome.errors = {{Error::Category::rejected_document,
-                         fmt::format("Failed to parse trigger config: {}", error.what())}};
-    }
-    return outcome;
-  }
-  const auto manager = make_manager(stored_value(pass.documents().config), schedules);
-  Directive_Config_Processing::Result result = manager->update_config(config.value());
+  Directive_Config_Processing::Result result = update_config(pass, config, schedules);
   outcome.status = status_of(result);
   outcome.errors = std::move(result.errors);
+  if (outcome.status == Status::rejected && !pass.fault()) {
+    outcome.rejection = find_rejection(config, mapping, schedules);
+  }
   finish(pass,
          {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
          outcome);
+  if (outcome.status != Status::rejected) {
+    outcome.rejection.reset();  // the database failed in looking for it
+  }
   return outcome;
+}
+
+Directive_Config_Processing::Result Trigger_Host::update_config(Pass_Scope& pass,
+                                                                const Json_Document& config,
+                                                                const Json::Value& mapping) {
+  if (mapping.isObject()) {
+    // The configuration before is about to be replaced: nothing is lost where it was damaged.
+    const auto before = object_in(pass.documents().config.value_or("{}"));
+    return make_manager(before.value_or(Json::objectValue), mapping)->update_config(config.value());
+  }
+  // No manager can be made with such a mapping, so its parser says what a pass would have said.
+  const auto rejection = find_rejection(config, nullptr, mapping);
+  return {false,
+          {{Error::Category::rejected_document,
+            "Failed to parse trigger config: " + rejection.value().fault.message}}};
 }
 
 Pass_Outcome Trigger_Host::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
   Pass_Scope pass(database_, server_id_);
   begin();
-  const auto manager =
-      make_manager(stored_value(pass.documents().config), stored_value(pass.documents().mapping));
+  const auto manager = make_manager(stored_config(pass), value_of(nullptr, pass));
   Pass_Outcome outcome;
   Trigger_Config_State state;
   outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
@@ -131,10 +160,19 @@ Pass_Outcome Trigger_Host::refresh() {
 std::optional<Check_Fault> Trigger_Host::check(const Json_Document& config,
                                                const Json_Document* mapping) {
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
+  const auto found = find_rejection(config, mapping, value_of(mapping, pass));
+  if (pass.fault()) {
+    throw Database_Error(*pass.fault());
+  }
+  return found;
+}
+
+/// `schedules` is the mapping, or the stored one.
+std::optional<Check_Fault> Trigger_Host::find_rejection(const Json_Document& config,
+                                                        const Json_Document* mapping,
+                                                        const Json::Value& schedules) {
   Vemora_Trigger_Parser parser(repository_, server_id_);
   const Json::Value& configured = config.value();
-  const Json::Value stored = with_default(stored_value(pass.documents().mapping), "triggerMapping");
-  const Json::Value& schedules = mapping != nullptr ? mapping->value() : stored;
   Trigger_Mapping parsed;
   const std::array<Stage, 3> stages{{
       {"config", &config, [&] { parser.parse_config_properties(configured); },
@@ -148,11 +186,7 @@ std::optional<Check_Fault> Trigger_Host::check(const Json_Document& config,
        }},
   }};
   for (const Stage& stage : stages) {
-    const std::optional<std::string> rejection = rejection_by(stage.parse);
-    if (pass.fault()) {
-      throw Database_Error(*pass.fault());
-    }
-    if (rejection) {
+    if (const std::optional<std::string> rejection = rejection_by(stage.parse)) {
       return describe(stage, *rejection);
     }
   }
@@ -217,7 +251,7 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
 /// Cameras that an earlier pass changed and was cut short before it could have them reconciled.
 void Trigger_Host::reconcile_leftovers(Pass_Scope& pass) {
   for (const std::uint64_t camera_id : pass.pending_cameras()) {
-    if (capture_manager_->reconciled().count(camera_id) != 0) {
+    if (capture_manager_->asked_for().count(camera_id) != 0) {
       continue;
     }
     try {

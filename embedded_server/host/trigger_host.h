@@ -23,6 +23,14 @@ class Vemora_Trigger_Manager;
 
 namespace kuv::vemora::embedded_server {
 
+/// Why a document would be rejected.
+struct Check_Fault {
+  std::string document;  ///< "config" or "mapping"
+  Document_Fault fault;
+  std::optional<std::size_t> index;  ///< of the trigger or association in its array
+  std::optional<std::uint64_t> id;   ///< of the trigger
+};
+
 /// What became of one pass.
 struct Pass_Outcome {
   enum class Status {
@@ -37,21 +45,22 @@ struct Pass_Outcome {
   std::set<std::uint64_t> reconciled;         ///< cameras whose streams were brought in line
   std::optional<Trigger_Config_State> state;  ///< what the pusher received
   Changes changes;
+  std::optional<Check_Fault> rejection;  ///< of a rejected document: what for, as check() tells it
 };
 
-/// Why a document would be rejected.
-struct Check_Fault {
-  std::string document;  ///< "config" or "mapping"
-  Document_Fault fault;
-  std::optional<std::size_t> index;  ///< of the trigger or association in its array
-  std::optional<std::uint64_t> id;   ///< of the trigger
+/// Who acts on what passes bring about. Where one is missing, nobody does.
+struct Host_Services {
+  std::shared_ptr<capture::Manager> capture_manager;
+  std::shared_ptr<Trigger_Notification_Pusher> pusher;
 };
 
 /// Runs passes over one database as a server would. May be used from any thread; passes queue up.
-/// What the database throws (Database_Error) before a pass has begun reaches the caller.
+/// What the database throws (Database_Error) before a pass has begun reaches the caller, and so
+/// does what the services throw that is no standard exception.
 class VEMORA_API Trigger_Host {
  public:
-  Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id);
+  Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id,
+               Host_Services services = {});
 
   /// Runs a pass with a new configuration, and a new mapping where one is given, and stores them
   /// when it succeeded.
@@ -68,6 +77,11 @@ class VEMORA_API Trigger_Host {
  private:
   std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
                                                        const Json::Value& mapping);
+  Directive_Config_Processing::Result update_config(Pass_Scope& pass, const Json_Document& config,
+                                                    const Json::Value& mapping);
+  std::optional<Check_Fault> find_rejection(const Json_Document& config,
+                                            const Json_Document* mapping,
+                                            const Json::Value& schedules);
   void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);

@@ -1,23 +1,28 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
+#include "tools/commands/pass_command.h"
 #include "tools/render/pass.h"
-#include "tools/render/terminal.h"
-#include "vemora/embedded_server/host/trigger_host.h"
 
 namespace kuv::vemora::tools {
+namespace {
+
+Exit_Status apply(const Options& options, const Trigger_Documents& documents) {
+  return run_pass(
+      options, "applying",
+      [&](auto& host) { return host.apply(documents.config(), documents.mapping()); },
+      [&](const auto& fault) { return documents.locate(fault); });
+}
+
+}  // namespace
 
 Exit_Status apply(const Options& options, const std::string& config_path,
                   const std::string& mapping_path) {
-  const auto config = read_input("config", config_path);
-  const auto mapping = read_optional_input("mapping", mapping_path);
-  embedded_server::Trigger_Host host(embedded_server::Database::open(options.database),
-                                     options.server_id);
-  const embedded_server::Pass_Outcome outcome = [&] {
-    const Progress_Line progress("applying");
-    return host.apply(config, pointer_to(mapping));
-  }();
-  print_outcome(options, outcome);
-  return exit_status_of(outcome);
+  try {
+    return apply(options, Trigger_Documents(config_path, mapping_path));
+  } catch (const Unreadable_Document& unreadable) {
+    print_no_pass(options, unreadable.located());
+    return exit_rejected;
+  }
 }
 
 }  // namespace kuv::vemora::tools

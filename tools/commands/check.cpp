@@ -24,20 +24,15 @@ void print_valid(const Options& options) {
 
 Exit_Status check(const Options& options, const std::string& config_path,
                   const std::string& mapping_path) {
-  const auto config = read_input("config", config_path);
-  const auto mapping = read_optional_input("mapping", mapping_path);
+  const Trigger_Documents documents(config_path, mapping_path);
   embedded_server::Trigger_Host host(embedded_server::Database::open(options.database),
                                      options.server_id);
-  const auto found = host.check(config, pointer_to(mapping));
+  const auto found = host.check(documents.config(), documents.mapping());
   if (!found) {
     print_valid(options);
     return exit_done;
   }
-  const bool in_config = found->document == "config";
-  const auto* const document = in_config ? &config : pointer_to(mapping);
-  print_faults(options, {{found->document, in_config ? config_path : mapping_path, found->fault,
-                          document != nullptr ? document->line(found->fault.location.line) : "",
-                          found->index, found->id}});
+  print_faults(options, {documents.locate(*found)});
   return exit_rejected;
 }
 

@@ -2,9 +2,10 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 
+#include "tools/render/faults.h"
 #include "vemora/embedded_server/host/json_document.h"
+#include "vemora/embedded_server/host/trigger_host.h"
 
 namespace kuv::vemora::tools {
 
@@ -14,26 +15,32 @@ struct Unreadable_Document {
   std::string path;
   embedded_server::Document_Fault fault;
   std::string line;
+
+  Located_Fault located() const { return {role, path, fault, line, std::nullopt, std::nullopt}; }
 };
 
 /// Reads a document; throws Unreadable_Document.
-inline embedded_server::Json_Document read_input(const std::string& role, const std::string& path) {
-  try {
-    return embedded_server::Json_Document::read(path);
-  } catch (const embedded_server::Document_Error& error) {
-    throw Unreadable_Document{role, path, {error.what(), error.location}, error.line};
-  }
-}
+embedded_server::Json_Document read_input(const std::string& role, const std::string& path);
 
-/// The same for one that may be left out.
-inline std::optional<embedded_server::Json_Document> read_optional_input(const std::string& role,
-                                                                         const std::string& path) {
-  return path.empty() ? std::nullopt : std::make_optional(read_input(role, path));
-}
+/// What `check` and `apply` are given.
+class Trigger_Documents {
+ public:
+  /// An empty mapping path stands for the stored mapping. Throws Unreadable_Document.
+  Trigger_Documents(std::string config_path, std::string mapping_path);
 
-inline const embedded_server::Json_Document* pointer_to(
-    const std::optional<embedded_server::Json_Document>& document) {
-  return document ? &*document : nullptr;
-}
+  const embedded_server::Json_Document& config() const { return config_; }
+
+  /// Null for the stored one.
+  const embedded_server::Json_Document* mapping() const { return mapping_ ? &*mapping_ : nullptr; }
+
+  /// A fault of these documents with the file and the line that it stands in.
+  Located_Fault locate(const embedded_server::Check_Fault& found) const;
+
+ private:
+  std::string config_path_;
+  std::string mapping_path_;
+  embedded_server::Json_Document config_;
+  std::optional<embedded_server::Json_Document> mapping_;
+};
 
 }  // namespace kuv::vemora::tools

@@ -18,23 +18,6 @@ using embedded_server::first_letters;
 constexpr std::size_t widest_side = 60;  ///< letters before the place of a fault, and from it on
 constexpr std::size_t most_excerpts = 100;
 
-Json::Value to_json(const Located_Fault& located) {
-  Json::Value error(Json::objectValue);
-  error["document"] = located.role;
-  error["message"] = located.fault.message;
-  if (located.index) {
-    error["index"] = Json::UInt64(*located.index);
-  }
-  if (located.id) {
-    error["id"] = Json::UInt64(*located.id);
-  }
-  if (located.fault.location.line != 0) {
-    error["line"] = Json::UInt64(located.fault.location.line);
-    error["column"] = Json::UInt64(located.fault.location.column);
-  }
-  return error;
-}
-
 std::string place_of(const Located_Fault& located) {
   std::string place = located.path.empty() ? "stored " + located.role : printable(located.path);
   if (located.fault.location.line != 0) {
@@ -69,7 +52,7 @@ void print_excerpt(const Located_Fault& located) {
             << "    " << std::string(count_letters(shown_before), ' ') << in_red("^") << '\n';
 }
 
-void print_for_people(const Located_Fault& located) {
+void print_message(const Located_Fault& located) {
   std::cout << place_of(located) << ": " << in_red("error: ") << printable(located.fault.message);
   if (located.id) {
     std::cout << fmt::format(" (trigger {})", *located.id);
@@ -83,7 +66,7 @@ void print_for_people(const Located_Fault& located) {
 void print_for_people(const std::vector<Located_Fault>& faults) {
   std::size_t excerpts = 0;
   for (const Located_Fault& located : faults) {
-    print_for_people(located);
+    print_message(located);
     if (excerpts++ < most_excerpts) {
       print_excerpt(located);
     }
@@ -91,6 +74,28 @@ void print_for_people(const std::vector<Located_Fault>& faults) {
 }
 
 }  // namespace
+
+Json::Value to_json(const Located_Fault& located) {
+  Json::Value error(Json::objectValue);
+  error["document"] = located.role;
+  error["message"] = located.fault.message;
+  if (located.index) {
+    error["index"] = Json::UInt64(*located.index);
+  }
+  if (located.id) {
+    error["id"] = Json::UInt64(*located.id);
+  }
+  if (located.fault.location.line != 0) {
+    error["line"] = Json::UInt64(located.fault.location.line);
+    error["column"] = Json::UInt64(located.fault.location.column);
+  }
+  return error;
+}
+
+void print_for_people(const Located_Fault& located) {
+  print_message(located);
+  print_excerpt(located);
+}
 
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults) {
   if (!options.json) {

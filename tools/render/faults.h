@@ -1,5 +1,7 @@
 #pragma once
 
+#include <json/value.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,6 +22,11 @@ struct Located_Fault {
   std::optional<std::size_t> index;
   std::optional<std::uint64_t> id;
 };
+
+Json::Value to_json(const Located_Fault& located);
+
+/// Prints where a fault is, what it is and the line that it stands in.
+void print_for_people(const Located_Fault& located);
 
 /// Prints why documents are rejected.
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults);

@@ -11,6 +11,7 @@
 namespace kuv::vemora::tools {
 namespace {
 
+using Directive_Config_Processing::Error;
 using embedded_server::Changes;
 using embedded_server::Pass_Outcome;
 
@@ -117,18 +118,22 @@ Json::Value to_json(const Changes& changes) {
   return object;
 }
 
+Json::Value to_json(const Error& error) {
+  Json::Value entry = empty_object();
+  entry["category"] = static_cast<int>(error.category);
+  entry["message"] = error.message;
+  return entry;
+}
+
 Json::Value errors_to_json(const Pass_Outcome& outcome) {
   Json::Value list(Json::arrayValue);
-  for (const Directive_Config_Processing::Error& error : outcome.errors) {
-    Json::Value entry = empty_object();
-    entry["category"] = static_cast<int>(error.category);
-    entry["message"] = error.message;
-    list.append(entry);
+  for (const Error& error : outcome.errors) {
+    list.append(to_json(error));
   }
   return list;
 }
 
-void print_as_json(const Pass_Outcome& outcome) {
+Json::Value to_json(const Pass_Outcome& outcome) {
   Json::Value answer = empty_object();
   answer["success"] = outcome.status == Pass_Outcome::Status::done;
   answer["errors"] = errors_to_json(outcome);
@@ -138,7 +143,7 @@ void print_as_json(const Pass_Outcome& outcome) {
   for (const std::string& remark : outcome.remarks) {
     answer["remarks"].append(remark);
   }
-  print_json(answer);
+  return answer;
 }
 
 template <class Item>
@@ -172,10 +177,10 @@ void print_changes(const Changes& changes) {
   print_count("detection links", changes.eta_camera_links);
 }
 
-const char* headline(const Pass_Outcome& outcome) {
-  switch (outcome.status) {
+const char* headline(Pass_Outcome::Status status, bool without_errors) {
+  switch (status) {
     case Pass_Outcome::Status::done:
-      return outcome.errors.empty() ? "Done." : "Done, with errors.";
+      return without_errors ? "Done." : "Done, with errors.";
     case Pass_Outcome::Status::rejected:
       return "Rejected; nothing changed.";
     case Pass_Outcome::Status::failed:
@@ -184,10 +189,20 @@ const char* headline(const Pass_Outcome& outcome) {
   return "Failed.";
 }
 
-void print_for_people(const Pass_Outcome& outcome) {
-  for (const Directive_Config_Processing::Error& error : outcome.errors) {
-    std::cout << in_red("error: ") << printable(error.message) << '\n';
+/// The library's own texts; that of a rejected document where it stands, if that is known.
+void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> place) {
+  for (const Error& error : outcome.errors) {
+    if (place) {
+      place->fault.message = error.message;
+      print_for_people(*place);
+    } else {
+      std::cout << in_red("error: ") << printable(error.message) << '\n';
+    }
   }
+}
+
+void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place) {
+  print_errors(outcome, place);
   for (const std::string& remark : outcome.remarks) {
     std::cout << "note: " << printable(remark) << '\n';
   }
@@ -198,7 +213,7 @@ void print_for_people(const Pass_Outcome& outcome) {
   if (outcome.state) {
     std::cout << fmt::format("Active triggers: {}\n", outcome.state->applied_triggers.size());
   }
-  std::cout << headline(outcome) << '\n';
+  std::cout << headline(outcome.status, outcome.errors.empty()) << '\n';
 }
 
 }  // namespace
@@ -215,12 +230,37 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
   return exit_failed;
 }
 
-void print_outcome(const Options& options, const Pass_Outcome& outcome) {
+void print_outcome(const Options& options, const Pass_Outcome& outcome,
+                   const std::optional<Located_Fault>& place) {
   if (options.json) {
-    print_as_json(outcome);
+    print_json(to_json(outcome));
   } else {
-    print_for_people(outcome);
+    print_for_people(outcome, place);
   }
+}
+
+void print_no_pass(const Options& options, const Located_Fault& fault) {
+  Pass_Outcome outcome;
+  outcome.status = Pass_Outcome::Status::rejected;
+  outcome.errors = {{Error::Category::rejected_document, fault.fault.message}};
+  if (!options.json) {
+    return print_for_people(outcome, fault);
+  }
+  Json::Value answer = to_json(outcome);
+  Json::Value place = to_json(fault);
+  for (auto member = place.begin(); member != place.end(); ++member) {
+    answer["errors"][0][member.name()] = *member;
+  }
+  print_json(answer);
+}
+
+void print_failed_pass(const Options& options, const std::string& message) {
+  if (!options.json) {
+    return print_failure(options, message);
+  }
+  Pass_Outcome outcome;
+  outcome.errors = {{Error::Category::failed_processing, message}};
+  print_json(to_json(outcome));
 }
 
 }  // namespace kuv::vemora::tools

@@ -1,14 +1,25 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "tools/exit_status.h"
 #include "tools/options.h"
+#include "tools/render/faults.h"
 #include "vemora/embedded_server/host/trigger_host.h"
 
 namespace kuv::vemora::tools {
 
 Exit_Status exit_status_of(const embedded_server::Pass_Outcome& outcome);
 
-/// Prints what became of a pass.
-void print_outcome(const Options& options, const embedded_server::Pass_Outcome& outcome);
+/// Prints what became of a pass; of a rejected document also where, as far as that is known.
+void print_outcome(const Options& options, const embedded_server::Pass_Outcome& outcome,
+                   const std::optional<Located_Fault>& place);
+
+/// Prints that there was no pass, because a document could not be read.
+void print_no_pass(const Options& options, const Located_Fault& fault);
+
+/// Prints that a pass could not be run to an outcome.
+void print_failed_pass(const Options& options, const std::string& message);
 
 }  // namespace kuv::vemora::tools

@@ -198,12 +198,63 @@ Done.
 """)
 
     def test_people_read_why_a_document_is_rejected(self):
-        self.write("config.json", {})
+        self.write("config.json", '{"triggers": [\n  {"id": "x"}\n]}')
         outcome = self.run_tool("apply", "config.json")
-        self.assertEqual((outcome.status, outcome.text), (REJECTED, """\
-error: Failed to parse trigger config: Missing "triggers" array.
+        self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
+config.json:2:10: error: Failed to parse trigger config: "id" field is missing or invalid. (element 0)
+      {"id": "x"}
+             ^
 Rejected; nothing changed.
 """))
+
+    def test_people_read_where_a_mapping_is_rejected(self):
+        self.write("config.json", config())
+        self.write("mapping.json", '{"triggerMapping": [\n  {"scheduleIds": [], "triggerIds": []}\n]}')
+        outcome = self.run_tool("apply", "config.json", "mapping.json")
+        self.assertEqual((outcome.status, outcome.text), (REJECTED, """\
+mapping.json:2:37: error: Failed to parse trigger config: "triggerIds" array is empty. (element 0)
+      {"scheduleIds": [], "triggerIds": []}
+                                        ^
+Rejected; nothing changed.
+"""))
+        self.write("mapping.json", "\n []")
+        outcome = self.run_tool("apply", "config.json", "mapping.json")
+        self.assertEqual((outcome.status, outcome.text), (REJECTED, """\
+mapping.json:2:2: error: Failed to parse trigger config: Trigger mapping must be a JSON object.
+     []
+     ^
+Rejected; nothing changed.
+"""))
+
+    def test_people_read_where_a_document_cannot_be_read(self):
+        self.write("config.json", '{"triggers": [1.]}')
+        outcome = self.run_tool("apply", "config.json")
+        self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
+config.json:1:17: error: A digit is expected.
+    {"triggers": [1.]}
+                    ^
+Rejected; nothing changed.
+"""))
+
+    def test_whatever_becomes_of_a_pass_its_outcome_has_the_same_members(self):
+        members = {"success", "errors", "reconciled", "state", "changes"}
+        good = self.write("good.json", config())
+        unreadable = self.write("unreadable.json", "{")
+        self.assertEqual(set(self.run_tool("--json", "apply", good).json), members)
+        rejected = self.run_tool("--json", "apply", unreadable)
+        self.assertEqual((rejected.status, rejected.err), (REJECTED, b""))
+        self.assertEqual(rejected.json, {
+            "success": False, "reconciled": [], "state": None, "changes": NO_CHANGES,
+            "errors": [{"category": 0, "message": "The document ends too early.", "document": "config",
+                        "line": 1, "column": 2}]})
+        with_mapping = self.run_tool("--json", "apply", good, unreadable).json
+        self.assertEqual((set(with_mapping), with_mapping["errors"][0]["document"]), (members, "mapping"))
+        for command in (["apply", good], ["refresh"]):
+            failed = self.run_tool("--json", "--database", "none.db", *command)
+            self.assertEqual((failed.status, failed.err), (FAILED, b""))
+            self.assertEqual(failed.json, {
+                "success": False, "reconciled": [], "state": None, "changes": NO_CHANGES,
+                "errors": [{"category": 1, "message": "there is no database none.db; \"init\" makes one"}]})
 
 
 class Identifiers(Site):

@@ -1,0 +1,36 @@
+#include "tools/commands/input.h"
+
+#include <string_view>
+#include <utility>
+
+namespace kuv::vemora::tools {
+
+using embedded_server::Json_Document;
+
+Json_Document read_input(const std::string& role, const std::string& path) {
+  try {
+    return Json_Document::read(path);
+  } catch (const embedded_server::Document_Error& error) {
+    throw Unreadable_Document{role, path, {error.what(), error.location}, error.line};
+  }
+}
+
+Trigger_Documents::Trigger_Documents(std::string config_path, std::string mapping_path)
+    : config_path_(std::move(config_path)),
+      mapping_path_(std::move(mapping_path)),
+      config_(read_input("config", config_path_)) {
+  if (!mapping_path_.empty()) {
+    mapping_ = read_input("mapping", mapping_path_);
+  }
+}
+
+Located_Fault Trigger_Documents::locate(const embedded_server::Check_Fault& found) const {
+  const bool in_config = found.document == "config";
+  const Json_Document* const document = in_config ? &config_ : mapping();
+  const std::string_view line =
+      document != nullptr ? document->line(found.fault.location.line) : std::string_view();
+  return {found.document, in_config ? config_path_ : mapping_path_, found.fault, line, found.index,
+          found.id};
+}
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+
+#include "tools/exit_status.h"
+#include "tools/options.h"
+#include "tools/render/faults.h"
+#include "vemora/embedded_server/host/trigger_host.h"
+
+namespace kuv::vemora::tools {
+
+using Run_Pass = std::function<embedded_server::Pass_Outcome(embedded_server::Trigger_Host&)>;
+using Locate_Fault = std::function<Located_Fault(const embedded_server::Check_Fault&)>;
+
+/// Runs a pass on the database and prints what became of it; that there was none too.
+Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
+                     const Locate_Fault& locate);
+
+}  // namespace kuv::vemora::tools
