@@ -46,23 +46,24 @@ struct Trigger_Source {
   std::optional<std::string> onvif_topic;              ///< onvif_metadata: never empty
   std::optional<Object_Search_Item> search_item;       ///< object_detection
   std::optional<Activity_Duration> activity_duration;  ///< object_detection, motion_detection
-};
 
-/// Orders the sources of a trigger: by type, ONVIF sources by topic, object detection by object
-/// type. All else counts as the same source, so a trigger has at most one source of any other type,
-/// and one per object type, whatever its motion flag and duration: two of them would fire together.
-inline bool operator<(const Trigger_Source& left, const Trigger_Source& right) {
-  if (left.type != right.type) {
-    return left.type < right.type;
+  /// Orders the sources of a trigger: by type, ONVIF sources by topic, object detection by object
+  /// type. All else counts as the same source, so a trigger has at most one source of any other
+  /// type, and one per object type, whatever its motion flag and duration: two of them would fire
+  /// together.
+  bool operator<(const Trigger_Source& other) const {
+    if (type != other.type) {
+      return type < other.type;
+    }
+    if (type == Trigger_Source_Type::onvif_metadata) {
+      return onvif_topic && other.onvif_topic && *onvif_topic < *other.onvif_topic;
+    }
+    if (type == Trigger_Source_Type::object_detection) {
+      return search_item && other.search_item && *search_item < *other.search_item;
+    }
+    return false;
   }
-  if (left.type == Trigger_Source_Type::onvif_metadata) {
-    return left.onvif_topic && right.onvif_topic && *left.onvif_topic < *right.onvif_topic;
-  }
-  if (left.type == Trigger_Source_Type::object_detection) {
-    return left.search_item && right.search_item && *left.search_item < *right.search_item;
-  }
-  return false;
-}
+};
 
 /// One schedule that a trigger is tied to.
 struct Trigger_Mapping_Entry {

@@ -6,6 +6,7 @@
 #include <limits>
 #include <type_traits>
 
+#include "support/log_capture.h"
 #include "unit/member_order.h"
 #include "vemora/trigger_parser/notification_properties.h"
 #include "vemora/trigger_parser/trigger_config_state.h"
@@ -91,11 +92,26 @@ TEST(Trigger_Records, hold_numbers_of_fixed_widths) {
   EXPECT_TRUE((std::is_same_v<decltype(Trigger_Config::id), std::uint64_t>));
   EXPECT_TRUE((std::is_same_v<std::underlying_type_t<Trigger_Source_Type>, std::int32_t>));
   EXPECT_TRUE((std::is_same_v<std::underlying_type_t<Activity_Duration_Mode>, std::int32_t>));
-  EXPECT_TRUE((std::is_same_v<decltype(Activity_Duration::min_duration)::period, std::micro>));
-  EXPECT_TRUE((std::is_same_v<decltype(Activity_Duration::dropout)::period, std::micro>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(Activity_Duration::min_duration), std::chrono::microseconds>));
+  EXPECT_TRUE((std::is_same_v<decltype(Activity_Duration::dropout), std::chrono::microseconds>));
   EXPECT_TRUE((std::is_same_v<Notification_Properties::Milliseconds::rep, std::uint32_t>));
   EXPECT_TRUE((std::is_same_v<Notification_Properties::Milliseconds::period, std::milli>));
+}
+
+TEST(Trigger_Records, map_each_trigger_to_its_schedules_or_to_none_that_can_be_used) {
   EXPECT_TRUE((std::is_same_v<Trigger_Mapping::key_type, std::uint64_t>));
+  EXPECT_TRUE((std::is_same_v<Trigger_Mapping::mapped_type,
+                              std::optional<std::set<Trigger_Mapping_Entry>>>));
+  EXPECT_TRUE((std::is_same_v<Trigger_Mapping::key_compare, std::less<std::uint64_t>>));
+}
+
+TEST(Trigger_Records, refer_to_schedules_that_begin_with_their_id) {
+  const schedule record;
+  EXPECT_TRUE((std::is_same_v<decltype(schedule::id), std::uint64_t>));
+  EXPECT_EQ(static_cast<const void*>(&record.id), static_cast<const void*>(&record));
+  EXPECT_TRUE((std::is_same_v<decltype(Trigger_Mapping_Entry::schedule),
+                              std::shared_ptr<vemora::schedule>>));
 }
 
 TEST(Trigger_Records, number_their_kinds_as_they_are_stored) {
@@ -202,6 +218,11 @@ TEST(Order_Of_Sources, knows_one_source_of_each_other_type) {
     right.search_item = Object_Search_Item{"b"};
     expect_same_place(left, right);
   }
+}
+
+TEST(Order_Of_Sources, is_an_operation_of_the_source_itself) {
+  EXPECT_TRUE((std::is_same_v<decltype(&Trigger_Source::operator<),
+                              bool (Trigger_Source::*)(const Trigger_Source&) const>));
 }
 
 TEST(Order_Of_Sources, makes_sets_of_what_differs) {
@@ -341,6 +362,15 @@ TEST(State_Of_A_Pass, keeps_every_error_in_the_order_of_the_calls) {
   EXPECT_EQ(state.errors[2].category, failed_processing);
   EXPECT_EQ(state.errors[3].message, "");
   EXPECT_EQ(static_cast<int>(state.errors[3].category), 7);
+}
+
+TEST(State_Of_A_Pass, leaves_it_to_others_to_log_an_error) {
+  const Log_Capture log;
+  Trigger_Config_State state;
+
+  state.add_error(failed_processing, "went wrong");
+
+  EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(State_Of_A_Pass, has_no_limit_of_errors) {
