@@ -19,8 +19,8 @@ struct Limits {
 constexpr Limits min_duration_limits{1000, 28800000};  // 1 s to 8 h, in milliseconds
 constexpr Limits dropout_limits{1000, 600000};         // 1 s to 10 min, in milliseconds
 
-std::chrono::microseconds to_duration(std::uint32_t milliseconds, const Limits& limits,
-                                      const char* key) {
+std::chrono::microseconds checked_duration(std::uint32_t milliseconds, const Limits& limits,
+                                           const char* key) {
   if (milliseconds < limits.least || milliseconds > limits.most) {
     raise_validation_error(fmt::format("\"activityDuration.{}\" must be between {} and {}.", key,
                                        limits.least, limits.most));
@@ -46,10 +46,11 @@ std::chrono::microseconds parse_min_duration(const Json::Value& value) {
   // Zero is what a form sends that was left empty, so it counts as missing and not as too short.
   require(value.isUInt() && value.asUInt() != 0,
           "\"activityDuration.minDurationMs\" is missing or invalid.");
-  return to_duration(value.asUInt(), min_duration_limits, "minDurationMs");
+  return checked_duration(value.asUInt(), min_duration_limits, "minDurationMs");
 }
 
-/// A single object that is tracked needs no dropout; presence is seen anew in every frame and does.
+/// A track needs no dropout: the object stays the same when it is out of sight for a while.
+/// Presence does, since every frame is asked anew.
 std::chrono::microseconds parse_dropout(const Json::Value& value, Activity_Duration_Mode mode) {
   if (value.isNull()) {
     require(mode == Activity_Duration_Mode::object_track,
@@ -57,7 +58,7 @@ std::chrono::microseconds parse_dropout(const Json::Value& value, Activity_Durat
     return std::chrono::microseconds::zero();
   }
   require(value.isUInt(), "\"activityDuration.dropoutMs\" must be an unsigned integer.");
-  return to_duration(value.asUInt(), dropout_limits, "dropoutMs");
+  return checked_duration(value.asUInt(), dropout_limits, "dropoutMs");
 }
 
 }  // namespace

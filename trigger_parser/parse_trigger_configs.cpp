@@ -74,8 +74,8 @@ std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
   config.sources = parse_sources(trigger["sources"]);
   config.options.any_time = parse_any_time(trigger["anyTime"]);
   if (config.sources.empty()) {
-    // Every source was for somebody else, or of a kind that only newer servers know: there is
-    // nothing here to be wrong about, and the trigger may run elsewhere.
+    // Every source fires by itself or is of a kind that only newer servers know. The trigger may
+    // well run there; on this server it has nothing to listen to.
     return std::nullopt;
   }
   set_trigger_mapping_in_config_(config, trigger, mapping);

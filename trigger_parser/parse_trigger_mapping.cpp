@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <utility>
 
 #include "trigger_parser/validation.h"
 #include "vemora/platform/utils/json.h"

@@ -26,14 +26,13 @@ void Vemora_Trigger_Parser::set_trigger_mapping_in_config_(Trigger_Config& confi
   const std::optional<std::set<Trigger_Mapping_Entry>> own =
       parse_schedule_ids_array_(schedule_ids);
 
-  static const std::set<Trigger_Mapping_Entry> nothing_mapped;
   const auto found = mapping.find(config.id);
   const bool mapping_invalid = found != mapping.end() && !found->second;
   if (mapping_invalid || !own) {
     config.schedule_invalid = true;
     return;
   }
-  config.schedules = prefer_mapped(*own, found == mapping.end() ? nothing_mapped : *found->second);
+  config.schedules = found == mapping.end() ? *own : prefer_mapped(*own, *found->second);
 }
 
 }  // namespace kuv::vemora

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <json/value.h>
-
 #include <string>
 
 namespace kuv::vemora {
@@ -9,7 +7,7 @@ namespace kuv::vemora {
 /// Rejects the document: throws Backend_Error<std::runtime_error> with exactly this text.
 [[noreturn]] void raise_validation_error(const std::string& message);
 
-/// Rejects the document unless the condition holds. The text is only read when it does not.
+/// One rule of a document. Its text is a literal, so that a rule that is kept costs nothing.
 inline void require(bool condition, const char* message) {
   if (!condition) {
     raise_validation_error(message);
