@@ -3,6 +3,15 @@
 #include <algorithm>
 
 namespace kuv::test {
+namespace {
+
+std::vector<std::string>::const_iterator find_message_of(std::string_view text) {
+  const auto& messages = registered_messages();
+  return std::find_if(messages.begin(), messages.end(),
+                      [text](const auto& message) { return is_filled_from(text, message); });
+}
+
+}  // namespace
 
 const std::vector<std::string>& registered_messages() {
   static const std::vector<std::string> messages{
@@ -71,12 +80,13 @@ bool is_filled_from(std::string_view text, std::string_view message) {
   return filled.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+bool is_registered(std::string_view text) {
+  return find_message_of(text) != registered_messages().end();
+}
+
 bool Message_Tally::note(std::string_view text) {
-  const auto& messages = registered_messages();
-  const auto met = std::find_if(messages.begin(), messages.end(), [text](const auto& message) {
-    return is_filled_from(text, message);
-  });
-  if (met == messages.end()) {
+  const auto met = find_message_of(text);
+  if (met == registered_messages().end()) {
     return false;
   }
   ++counts_[*met];

@@ -14,6 +14,9 @@ const std::vector<std::string>& registered_messages();
 /// Whether `text` is that registered message, its "{}" replaced by a number.
 bool is_filled_from(std::string_view text, std::string_view message);
 
+/// Whether `text` is any of them.
+bool is_registered(std::string_view text);
+
 /// Counts how often each registered message is met.
 class Message_Tally {
  public:

@@ -20,14 +20,14 @@ using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// Fails the run when a registered message was asserted by no test of it. A run of chosen tests
-/// cannot tell.
+/// Fails the run when there is a registered message that no test compared, whole and with success,
+/// with what a document was rejected with. A run of chosen tests cannot tell.
 class Every_Message_Is_Asserted : public ::testing::Environment {
  public:
   void TearDown() override {
     const auto& run = *::testing::UnitTest::GetInstance();
     if (run.test_to_run_count() == run.total_test_count()) {
-      EXPECT_THAT(messages_seen().met_less_than(1), IsEmpty()) << "asserted by no test";
+      EXPECT_THAT(messages_asserted().met_less_than(1), IsEmpty()) << "asserted by no test";
     }
   }
 };
@@ -172,6 +172,34 @@ TEST(Message_Register, takes_a_number_and_nothing_else_for_an_id) {
   EXPECT_FALSE(is_filled_from("All \"id\" values must be unique,  is duplicated.", message));
   EXPECT_FALSE(is_filled_from("All \"id\" values must be unique, 7 is duplicated", message));
   EXPECT_FALSE(is_filled_from("all \"id\" values must be unique, 7 is duplicated.", message));
+}
+
+TEST(Message_Register, knows_its_messages_from_other_texts) {
+  EXPECT_TRUE(is_registered("Missing \"triggers\" array."));
+  EXPECT_TRUE(is_registered("All \"id\" values must be unique, 7 is duplicated."));
+  EXPECT_FALSE(is_registered("Missing \"triggers\" array"));
+  EXPECT_FALSE(is_registered(""));
+}
+
+TEST(Rejection_Of_A_Document, counts_as_asserted_when_its_whole_text_was_the_expected_one) {
+  Message_Tally asserted;
+  const Rejection rejection("Missing \"triggers\" array.", asserted);
+
+  EXPECT_FALSE(rejection == "Missing \"triggers\" array");
+  EXPECT_FALSE(rejection == "\"tags\" must be a JSON object.");
+  EXPECT_FALSE(rejection == "");
+  EXPECT_THAT(asserted.met_less_than(1), SizeIs(registered_messages().size()));
+
+  EXPECT_TRUE(rejection == "Missing \"triggers\" array.");
+  EXPECT_EQ(asserted.counts().at("Missing \"triggers\" array."), 1);
+  EXPECT_THAT(asserted.met_less_than(1), SizeIs(registered_messages().size() - 1));
+}
+
+TEST(Rejection_Of_A_Document, asserts_no_message_with_a_text_of_others) {
+  Message_Tally asserted;
+  EXPECT_TRUE(Rejection("A tag filter must be a JSON object.", asserted) ==
+              "A tag filter must be a JSON object.");
+  EXPECT_THAT(asserted.met_less_than(1), SizeIs(registered_messages().size()));
 }
 
 TEST(Message_Register, counts_what_it_knows_and_refuses_the_rest) {

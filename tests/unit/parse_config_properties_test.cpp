@@ -42,7 +42,7 @@ struct Parse_Config_Properties : Parser_Test {
   std::optional<Milliseconds> parse(const Setting& setting, const std::string& value) {
     return parse(object(setting, value)).*setting.field;
   }
-  std::string rejection_of(const std::string& properties) {
+  Rejection rejection_of(const std::string& properties) {
     return rejection_of_properties(with(Json::objectValue, "properties", properties));
   }
   static std::string object(const Setting& setting, const std::string& value) {

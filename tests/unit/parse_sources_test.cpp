@@ -1,14 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <locale>
-
 #include "unit/parser_test.h"
 
 namespace kuv::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 constexpr char no_sources[] = "\"sources\" array is missing or invalid.";
@@ -29,7 +26,7 @@ constexpr char bad_motion_required[] =
 constexpr char duplicate_source[] = "Duplicate entry in \"sources\" detected.";
 
 struct Parse_Sources : Parser_Test {
-  std::string rejection_of_sources(const std::string& sources) {
+  Rejection rejection_of_sources(const std::string& sources) {
     return rejection_of_configs(configuration({a_trigger_with_sources(sources)}));
   }
 

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <locale>
 #include <stdexcept>
 
 #include "support/log_capture.h"
@@ -24,15 +23,15 @@ constexpr char bad_any_time[] = "\"anyTime\" field is invalid.";
 using Term = ODB_Utils::Tag_Search_Term;
 
 struct Parse_Trigger_Configs : Parser_Test {
-  /// The text of the tag converter, which is no message of the parser's own.
-  std::string tag_error_of(const Json::Value& trigger) {
+  /// What the trigger is rejected with, by the parser itself or by the tag converter.
+  Rejection error_of(const Json::Value& trigger) {
     try {
       parse_configs(configuration({trigger}));
     } catch (const Backend_Error<std::runtime_error>& error) {
       EXPECT_EQ(error.error_code, 245760);
-      return error.what();
+      return Rejection(error.what());
     }
-    return "accepted";
+    return Rejection("accepted");
   }
 };
 
@@ -243,27 +242,28 @@ TEST_F(Parse_Trigger_Configs, passes_on_what_is_wrong_with_a_tag_filter) {
     const auto tags = [&](const std::string& text) {
       return with(a_trigger(), "tags", std::string("{\"") + filter + "\": " + text + "}");
     };
-    EXPECT_EQ(tag_error_of(tags("[]")), "A tag filter must be a JSON object.");
-    EXPECT_EQ(tag_error_of(tags(R"({"site": 5})")),
+    EXPECT_EQ(error_of(tags("[]")), "A tag filter must be a JSON object.");
+    EXPECT_EQ(error_of(tags(R"({"site": 5})")),
               "Tag \"site\" must be a string, null or an array of them.");
-    EXPECT_EQ(tag_error_of(tags(R"({"site": []})")), "Tag \"site\" has an empty array.");
-    EXPECT_EQ(tag_error_of(tags(R"({"site": ["north", 5]})")),
+    EXPECT_EQ(error_of(tags(R"({"site": []})")), "Tag \"site\" has an empty array.");
+    EXPECT_EQ(error_of(tags(R"({"site": ["north", 5]})")),
               "Tag \"site\" must be an array of strings and nulls.");
   }
 }
 
-TEST_F(Parse_Trigger_Configs, reads_the_server_filter_then_the_camera_filter_then_the_last) {
+TEST_F(Parse_Trigger_Configs,
+       reads_the_server_filter_then_the_camera_filter_then_the_event_filter) {
   const char* all_wrong =
       R"({"eventSubscription": {"c": 1}, "camera": {"b": 1}, "server": {"a": 1}})";
   Json::Value trigger = with(a_trigger(), "tags", all_wrong);
 
-  EXPECT_EQ(tag_error_of(trigger), "Tag \"a\" must be a string, null or an array of them.");
+  EXPECT_EQ(error_of(trigger), "Tag \"a\" must be a string, null or an array of them.");
   trigger["tags"]["server"] = json("{}");
-  EXPECT_EQ(tag_error_of(trigger), "Tag \"b\" must be a string, null or an array of them.");
+  EXPECT_EQ(error_of(trigger), "Tag \"b\" must be a string, null or an array of them.");
   trigger["tags"]["camera"] = json("{}");
-  EXPECT_EQ(tag_error_of(trigger), "Tag \"c\" must be a string, null or an array of them.");
+  EXPECT_EQ(error_of(trigger), "Tag \"c\" must be a string, null or an array of them.");
   trigger["tags"]["eventSubscription"] = json("{}");
-  EXPECT_EQ(tag_error_of(trigger), "accepted");
+  EXPECT_EQ(error_of(trigger), "accepted");
 }
 
 // "anyTime"
@@ -316,7 +316,7 @@ TEST_F(Parse_Trigger_Configs, tells_the_first_fault_of_a_trigger_in_the_order_of
   given_schedule(1);
   Json::Value trigger = json(R"({"id": -1, "name": 5, "tags": 5, "sources": 5, "anyTime": 5,
                                  "scheduleIds": 5})");
-  const auto next_fault = [&] { return tag_error_of(trigger); };
+  const auto next_fault = [&] { return error_of(trigger); };
 
   EXPECT_EQ(next_fault(), bad_id);
   trigger["id"] = 1;

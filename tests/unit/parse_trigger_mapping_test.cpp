@@ -43,7 +43,7 @@ struct Parse_Trigger_Mapping : Parser_Test {
     return ids;
   }
 
-  std::string rejection_of_associations(const std::string& associations) {
+  Rejection rejection_of_associations(const std::string& associations) {
     return rejection_of_mapping(document(associations));
   }
 

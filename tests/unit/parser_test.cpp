@@ -8,11 +8,6 @@
 
 namespace kuv::test {
 
-Message_Tally& messages_seen() {
-  static Message_Tally tally;
-  return tally;
-}
-
 Parser_Test::Parser_Test() {
   given_server_tags({});
 }
@@ -55,20 +50,20 @@ Trigger_Config Parser_Test::parse_only_config(const Json::Value& document,
   return configs.at(0);
 }
 
-std::string Parser_Test::rejection_of_mapping(const Json::Value& document) {
+Rejection Parser_Test::rejection_of_mapping(const Json::Value& document) {
   return rejection_of([&] { parse_mapping(document); });
 }
 
-std::string Parser_Test::rejection_of_configs(const Json::Value& document,
-                                              const Trigger_Mapping& mapping) {
+Rejection Parser_Test::rejection_of_configs(const Json::Value& document,
+                                            const Trigger_Mapping& mapping) {
   return rejection_of([&] { parse_configs(document, mapping); });
 }
 
-std::string Parser_Test::rejection_of_properties(const Json::Value& document) {
+Rejection Parser_Test::rejection_of_properties(const Json::Value& document) {
   return rejection_of([&] { parse_properties(document); });
 }
 
-std::string Parser_Test::rejection_of_source(const std::string& source) {
+Rejection Parser_Test::rejection_of_source(const std::string& source) {
   return rejection_of_configs(configuration({a_trigger_with_sources("[" + source + "]")}));
 }
 
@@ -79,17 +74,16 @@ Trigger_Source Parser_Test::parse_source(const std::string& source) {
   return *config.sources.begin();
 }
 
-std::string Parser_Test::rejection_of(const std::function<void()>& parse) {
+Rejection Parser_Test::rejection_of(const std::function<void()>& parse) {
   try {
     parse();
   } catch (const Vemora_Error<std::runtime_error>& error) {
     EXPECT_EQ(typeid(error), typeid(Backend_Error<std::runtime_error>));
     EXPECT_EQ(error.error_code, 245760);
-    EXPECT_TRUE(messages_seen().note(error.what()))
-        << "not in the register of messages: " << error.what();
-    return error.what();
+    EXPECT_TRUE(is_registered(error.what())) << "not in the register of messages: " << error.what();
+    return Rejection(error.what());
   }
-  return "accepted";
+  return Rejection("accepted");
 }
 
 Json::Value a_trigger(std::uint64_t id) {

@@ -12,15 +12,12 @@
 #include "support/fake_repository.h"
 #include "support/json.h"
 #include "support/log_capture.h"
-#include "support/message_register.h"
+#include "unit/rejection.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::test {
 
 using namespace kuv::vemora;
-
-/// The registered messages that the tests of this executable have seen.
-Message_Tally& messages_seen();
 
 /// A parser on server 9, which the database knows and which has no tags.
 class Parser_Test : public ::testing::Test {
@@ -43,13 +40,12 @@ class Parser_Test : public ::testing::Test {
 
   /// What the document is rejected with, or "accepted". Fails the test when the rejection is not a
   /// validation error with its code, or when the text is missing in the register.
-  std::string rejection_of_mapping(const Json::Value& document);
-  std::string rejection_of_configs(const Json::Value& document,
-                                   const Trigger_Mapping& mapping = {});
-  std::string rejection_of_properties(const Json::Value& document);
+  Rejection rejection_of_mapping(const Json::Value& document);
+  Rejection rejection_of_configs(const Json::Value& document, const Trigger_Mapping& mapping = {});
+  Rejection rejection_of_properties(const Json::Value& document);
 
   /// The same for a configuration with one trigger that has this one source.
-  std::string rejection_of_source(const std::string& source);
+  Rejection rejection_of_source(const std::string& source);
   Trigger_Source parse_source(const std::string& source);
 
   std::vector<std::uint64_t> fetched_schedules() const { return database.schedules.asked; }
@@ -61,7 +57,7 @@ class Parser_Test : public ::testing::Test {
   Vemora_Trigger_Parser parser{repository, 9};
 
  private:
-  static std::string rejection_of(const std::function<void()>& parse);
+  static Rejection rejection_of(const std::function<void()>& parse);
 };
 
 /// A trigger with nothing special about it.

@@ -16,15 +16,14 @@ using ::testing::IsEmpty;
 constexpr char unknown_server[] = "Failed to retrieve server tags due to invalid server ID";
 
 struct Trigger_Parser_Of_A_Server : Parser_Test {
-  std::string server_error_of(const Json::Value& document) {
+  Rejection server_error_of(const Json::Value& document) {
     try {
       parse_configs(document);
     } catch (const Internal_Error<std::logic_error>& error) {
       EXPECT_EQ(error.error_code, -2);
-      EXPECT_TRUE(messages_seen().note(error.what()));
-      return error.what();
+      return Rejection(error.what());
     }
-    return "accepted";
+    return Rejection("accepted");
   }
 };
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "support/stub_platform/camera_link.h"
@@ -102,6 +102,7 @@ bool Record_Comparator::operator()(const std::shared_ptr<trigger>& left,
 
 namespace Database_Enums {
 
+/// A number stands for the type of that value, which may be one that only another server knows.
 template <>
 Trigger_Source_Type convert<Trigger_Source_Type>(const std::string& name) {
   stub::called(stub::Function::convert_source_type, fmt::format("convert {}", name));
@@ -109,10 +110,8 @@ Trigger_Source_Type convert<Trigger_Source_Type>(const std::string& name) {
                                                   "object-detection", "external",
                                                   "motion-detection", "audio-detection"};
   const auto* const found = std::find(names.begin(), names.end(), name);
-  if (found == names.end()) {
-    throw std::invalid_argument("no such source type");
-  }
-  return static_cast<Trigger_Source_Type>(found - names.begin());
+  const auto value = found == names.end() ? std::stoi(name) : found - names.begin();
+  return static_cast<Trigger_Source_Type>(value);
 }
 
 }  // namespace Database_Enums
