@@ -2,17 +2,14 @@
 
 #include <json/json.h>
 
-#include <chrono>
-#include <memory>
-#include <set>
+#include <exception>
 #include <stdexcept>
-#include <utility>
 
-#include "support/fake_repository.h"
+#include "fuzz/promises.h"
+#include "fuzz/site.h"
 #include "support/json.h"
 #include "support/message_register.h"
 #include "vemora/platform/errors/vemora_error.h"
-#include "vemora/platform/tags/tag_filter.h"
 #include "vemora/platform/tags/tags_json_converter.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -20,33 +17,6 @@ namespace kuv::fuzz {
 namespace {
 
 using namespace kuv::vemora;
-using namespace std::chrono_literals;
-
-constexpr std::uint64_t server_id = 9;
-
-const Tag_Map& server_tags() {
-  static const Tag_Map tags{{"site", {"north"}}, {"indoor", {}}};
-  return tags;
-}
-
-/// Schedules 1 to 4 can be used, 5 cannot, others do not exist.
-test::Fake_Database a_site(bool server_is_known) {
-  test::Fake_Database database;
-  for (std::uint64_t id = 1; id <= 5; ++id) {
-    database.schedules.records[id] = std::make_shared<schedule>(schedule{id, "", id != 5});
-  }
-  if (server_is_known) {
-    database.servers.records[server_id] =
-        std::make_shared<server>(server{server_id, "north", server_tags()});
-  }
-  return database;
-}
-
-struct Parsed {
-  Notification_Properties properties;
-  Trigger_Mapping mapping;
-  std::vector<Trigger_Config> configs;
-};
 
 Parsed parse(Trigger_Parser& parser, const Json::Value& configuration, const Json::Value& mapping) {
   Parsed parsed;
@@ -54,113 +24,6 @@ Parsed parse(Trigger_Parser& parser, const Json::Value& configuration, const Jso
   parsed.mapping = parser.parse_trigger_mapping(mapping);
   parsed.configs = parser.parse_trigger_configs(configuration, parsed.mapping);
   return parsed;
-}
-
-// Promises
-
-class Promises {
- public:
-  void keep(bool kept, const char* promise) {
-    if (!kept) {
-      broken.emplace_back(promise);
-    }
-  }
-
-  std::vector<std::string> broken;
-};
-
-void check_duration(const Trigger_Source& source, Promises& promises) {
-  const Activity_Duration& activity = *source.activity_duration;
-  const bool tracks = activity.mode == Activity_Duration_Mode::object_track;
-  promises.keep(!tracks || source.type == Trigger_Source_Type::object_detection,
-                "only objects are tracked");
-  promises.keep(activity.min_duration >= 1s && activity.min_duration <= 8h,
-                "an activity lasts 1 s to 8 h");
-  const bool in_range = activity.dropout >= 1s && activity.dropout <= 10min;
-  promises.keep(in_range || (tracks && activity.dropout == 0s),
-                "a dropout lasts 1 s to 10 min, or a track has none");
-}
-
-void check_source(const Trigger_Source& source, Promises& promises) {
-  const bool onvif = source.type == Trigger_Source_Type::onvif_metadata;
-  const bool objects = source.type == Trigger_Source_Type::object_detection;
-  const bool motion = source.type == Trigger_Source_Type::motion_detection;
-  promises.keep(source.type != Trigger_Source_Type::external, "external sources are dropped");
-  promises.keep(source.onvif_topic.has_value() == onvif, "ONVIF sources alone have topics");
-  promises.keep(!onvif || !source.onvif_topic->empty(), "no topic is empty");
-  promises.keep(source.search_item.has_value() == objects, "object sources alone search");
-  promises.keep(!objects || !source.search_item->object_type.empty(), "no object type is empty");
-  if (source.activity_duration) {
-    promises.keep(objects || motion, "objects and motion alone have durations");
-    check_duration(source, promises);
-  }
-}
-
-void check_schedules(const Trigger_Config& config, Promises& promises) {
-  promises.keep(!config.schedule_invalid || config.schedules.empty(),
-                "an invalid schedule leaves none");
-  for (const Trigger_Mapping_Entry& entry : config.schedules) {
-    promises.keep(entry.schedule && entry.schedule->usable, "every schedule can be used");
-  }
-}
-
-void check_config(const Trigger_Config& config, Promises& promises) {
-  promises.keep(!config.sources.empty(), "every trigger has sources");
-  for (const Trigger_Source& source : config.sources) {
-    check_source(source, promises);
-  }
-  check_schedules(config, promises);
-  promises.keep(config.matches_server == Tag_Filter::matches_any(server_tags(), config.tags.server),
-                "the server filter says whether the server matches");
-  const std::vector<std::string> topics = config.all_source_topics();
-  promises.keep(std::set<std::string>(topics.begin(), topics.end()).size() == topics.size(),
-                "no topic comes twice");
-}
-
-/// The kept triggers are triggers of the document, in its order, no id twice.
-void check_order(const std::vector<Trigger_Config>& configs, const Json::Value& triggers,
-                 Promises& promises) {
-  std::set<std::uint64_t> ids;
-  auto trigger = triggers.begin();
-  for (const Trigger_Config& config : configs) {
-    promises.keep(ids.insert(config.id).second, "no id comes twice");
-    while (trigger != triggers.end() && (*trigger)["id"].asUInt64() != config.id) {
-      ++trigger;
-    }
-    promises.keep(trigger != triggers.end(), "triggers keep the order of the document");
-  }
-}
-
-void check_mapping(const Trigger_Mapping& mapping, const Json::Value& associations,
-                   Promises& promises) {
-  std::set<std::uint64_t> listed;
-  for (const Json::Value& association : associations) {
-    for (const Json::Value& id : association["triggerIds"]) {
-      listed.insert(id.asUInt64());
-    }
-  }
-  promises.keep(listed.size() == mapping.size(), "every listed trigger is mapped, and no other");
-  for (const auto& [id, schedules] : mapping) {
-    promises.keep(listed.count(id) != 0, "every mapped trigger is listed");
-  }
-}
-
-std::vector<std::string> broken_promises(const Parsed& parsed, const Json::Value& configuration,
-                                         const Json::Value& mapping) {
-  Promises promises;
-  for (const Trigger_Config& config : parsed.configs) {
-    check_config(config, promises);
-  }
-  check_order(parsed.configs, configuration["triggers"], promises);
-  check_mapping(parsed.mapping, mapping["triggerMapping"], promises);
-  return promises.broken;
-}
-
-// Rejections
-
-bool is_validation_message(const std::string& text) {
-  test::Message_Tally tally;
-  return tally.note(text);
 }
 
 std::string complaint_about(const Json::Value& filter) {
@@ -192,14 +55,14 @@ Judge judge_of(const Backend_Error<std::runtime_error>& error, const Json::Value
   if (error.error_code != 245760) {
     return Judge::unknown;
   }
-  if (is_validation_message(error.what())) {
+  if (test::is_registered(error.what())) {
     return Judge::parser;
   }
   return is_about_tags(error.what(), configuration) ? Judge::tag_converter : Judge::unknown;
 }
 
 Judge judge_of(const Internal_Error<std::logic_error>& error) {
-  const bool server_is_missing = error.error_code == -2 && is_validation_message(error.what());
+  const bool server_is_missing = error.error_code == -2 && test::is_registered(error.what());
   return server_is_missing ? Judge::parser : Judge::unknown;
 }
 
