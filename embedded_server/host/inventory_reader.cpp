@@ -14,6 +14,11 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
+/// An id is written as an integer: 7.0 equals one and is none.
+bool is_id(const Json::Value& value) {
+  return value.type() != Json::realValue && value.isUInt64();
+}
+
 /// Reads one document and gathers what is wrong with it.
 class Reader {
  public:
@@ -54,7 +59,8 @@ class Reader {
                           std::initializer_list<std::string_view> known) {
     for (auto member = object.begin(); member != object.end(); ++member) {
       if (std::find(known.begin(), known.end(), member.name()) == known.end()) {
-        fault(*member, fmt::format("Unknown key \"{}\".", member.name()));
+        result_.faults.push_back(
+            {fmt::format("Unknown key \"{}\".", member.name()), document_.locate_key(*member)});
       }
     }
   }
@@ -81,8 +87,8 @@ class Reader {
 
   std::uint64_t read_id(const Json::Value& record) {
     const Json::Value& id = record["id"];
-    if (!id.isUInt64()) {
-      fault(id.isNull() ? record : id, "\"id\" must be an unsigned 64-bit integer.");
+    if (!is_id(id)) {
+      fault(record.isMember("id") ? id : record, "\"id\" must be an unsigned 64-bit integer.");
       return 0;
     }
     if (!seen_ids_.insert(id.asUInt64()).second) {
@@ -209,7 +215,7 @@ class Reader {
     if (id.isNull()) {
       return std::nullopt;
     }
-    if (!id.isUInt64()) {
+    if (!is_id(id)) {
       fault(id, "\"categoryId\" must be an unsigned 64-bit integer.");
       return std::nullopt;
     }
@@ -230,7 +236,7 @@ class Reader {
       return ids;
     }
     for (const Json::Value& id : given) {
-      if (!id.isUInt64()) {
+      if (!is_id(id)) {
         fault(id, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
       } else if (camera_ids_.count(id.asUInt64()) + stored_.camera_ids.count(id.asUInt64()) == 0) {
         fault(id, fmt::format("There is no camera {}.", id.asUInt64()));
@@ -255,9 +261,13 @@ class Reader {
       known[type.name()] = stands_for;
       result_.inventory.object_types[type.name()] = stands_for;
     }
-    if (const auto cycle = find_cycle(known)) {
-      fault(given.isMember(*cycle) ? given[*cycle] : given,
-            fmt::format("Object type \"{}\" stands for itself.", *cycle));
+    for (const std::vector<std::string>& cycle : find_cycles(known)) {
+      const auto ours = std::find_if(cycle.begin(), cycle.end(), [&given](const std::string& name) {
+        return given.isMember(name);
+      });
+      fault(ours == cycle.end() ? given : given[*ours],
+            fmt::format("Object type \"{}\" stands for itself: \"{}\".", cycle.front(),
+                        fmt::join(cycle, "\" > \"")));
     }
   }
 

@@ -70,8 +70,9 @@ class VEMORA_API Inventory_Meta_Type_Resolver : public Meta_Type_Resolver {
   Object_Types types_;
 };
 
-/// A general name that leads back to itself; nothing when there is none.
-VEMORA_API std::optional<std::string> find_cycle(
+/// General names that lead back to themselves, each as the road from the name to itself. Of roads
+/// that cross, the first.
+VEMORA_API std::vector<std::vector<std::string>> find_cycles(
     const Inventory_Meta_Type_Resolver::Object_Types& types);
 
 }  // namespace kuv::vemora::embedded_server
