@@ -1,0 +1,159 @@
+"""init: what it makes, replaces and leaves alone, and when it refuses."""
+
+import os
+import unittest
+
+from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, Site, camera, config, small_inventory, topic_source,
+                       trigger)
+
+STORED = ("{}: stored 1 servers, 2 cameras, 2 schedules, 1 event categories, 1 generic subscriptions, "
+          "1 general object types.\n")
+
+
+class Made_Databases(Site):
+    def setUp(self):
+        super().setUp()
+        self.write("inventory.json", small_inventory())
+
+    def test_people_read_what_was_stored(self):
+        self.assertEqual(self.run_tool("init", "inventory.json").text, STORED.format("vemora.db"))
+        self.assertEqual(self.run_tool("--database", "sqlite:other.db", "init", "inventory.json").text,
+                         STORED.format("sqlite:other.db"))
+        self.assertTrue(os.path.exists(self.path("other.db")))
+
+    def test_programs_read_what_was_stored(self):
+        outcome = self.run_tool("--json", "init", "inventory.json")
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        self.assertEqual(outcome.json, {"success": True, "records": {
+            "servers": 1, "cameras": 2, "schedules": 2, "eventCategories": 1, "subscriptions": 1, "objectTypes": 1}})
+
+    def test_an_inventory_comes_from_standard_input_when_it_is_asked_to(self):
+        outcome = self.run_tool("init", "-", given=b'{"cameras": [{"id": 10}]}')
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        self.assertEqual([record["id"] for record in self.show("cameras")], [10])
+
+    def test_an_empty_file_becomes_a_database(self):
+        self.write("vemora.db", b"")
+        refused = self.run_tool("refresh")
+        self.assertEqual((refused.status, refused.err), (
+            FAILED, b'vemora-triggers: database vemora.db: it holds no site; "init" makes one\n'))
+        self.assertEqual(self.run_tool("init", "inventory.json").status, DONE)
+        self.assertEqual(len(self.show("cameras")), 2)
+
+    def test_the_same_inventory_twice_changes_no_row(self):
+        self.init()
+        self.run_tool("apply", self.write("config.json", config(trigger(7))))
+        before = self.rows()
+        self.init()
+        self.assertEqual(self.rows(), before)
+
+    def test_what_is_named_is_replaced_as_a_whole_and_what_is_not_stays(self):
+        self.init()
+        self.init({"cameras": [camera(11, [CROSSED])], "objectTypes": {"vehicle": ["bus"]}})
+        self.assertEqual([(record["id"], record["tags"], record["objectDetection"], record["onvifTopics"])
+                          for record in self.show("cameras")],
+                         [(10, {"area": "gate"}, True, [CROSSED, MOTION]), (11, {}, False, [CROSSED])])
+        self.assertEqual(self.sql("SELECT name, type FROM meta_type"), [("vehicle", "bus")])
+        self.assertEqual([record["id"] for record in self.show("subscriptions")], [3])
+
+    def test_generic_subscriptions_keep_their_triggers(self):
+        self.init()
+        self.apply(config(trigger(7, {"type": "metadata-event"})))
+        self.init({"subscriptions": [{"id": 3, "name": "renamed"}]})
+        [generic] = self.show("subscriptions")
+        self.assertEqual((generic["name"], generic["triggerIds"], generic["cameraIds"]), ("renamed", [7], []))
+
+
+class Refused_Inventories(Site):
+    def refused(self, inventory, status=REJECTED):
+        outcome = self.run_tool("--json", "init", self.write("inventory.json", inventory))
+        self.assertEqual((outcome.status, outcome.err), (status, b""))
+        self.assertIs(outcome.json["success"], False)
+        return outcome.json["errors"]
+
+    def test_no_database_is_made_for_an_inventory_that_is_refused(self):
+        self.refused({"doors": []})
+        self.refused("{")
+        missing = self.run_tool("init", "missing.json")
+        self.assertEqual((missing.status, missing.err, missing.text), (
+            REJECTED, b"", "missing.json: error: cannot open missing.json: No such file or directory\n"))
+        self.assertEqual(list(self.files()), ["inventory.json"])
+
+    def test_every_fault_is_told_with_its_place(self):
+        self.assertEqual(self.refused('{"doors": [],\n "cameras": [{"id": 7.0},\n  {"id": 1, "name": 5}]}'), [
+            {"document": "inventory", "line": 1, "column": 2, "message": "Unknown key \"doors\"."},
+            {"document": "inventory", "line": 2, "column": 21,
+             "message": "\"id\" must be an unsigned 64-bit integer."},
+            {"document": "inventory", "line": 3, "column": 21, "message": "\"name\" must be a string."}])
+        self.assertEqual(self.run_tool("init", "inventory.json").text, """\
+inventory.json:1:2: error: Unknown key "doors".
+    {"doors": [],
+     ^
+inventory.json:2:21: error: "id" must be an unsigned 64-bit integer.
+     "cameras": [{"id": 7.0},
+                        ^
+inventory.json:3:21: error: "name" must be a string.
+      {"id": 1, "name": 5}]}
+                        ^
+""")
+
+    def test_of_very_many_faults_people_read_the_lines_of_the_first_hundred(self):
+        self.write("inventory.json", {"cameras": [1] * 150})
+        lines = self.run_tool("init", "inventory.json").text.splitlines()
+        self.assertEqual(len(lines), 150 + 2 * 100)
+        self.assertEqual(len(self.refused({"cameras": [1] * 150})), 150)
+
+    def test_a_refused_inventory_changes_nothing(self):
+        self.init()
+        before = self.rows()
+        for inventory in ({"servers": [{"id": 1, "name": "new"}], "doors": []},
+                          {"servers": [{"id": 1, "name": "new"}], "subscriptions": [{"id": 4, "cameraIds": [99]}]},
+                          {"objectTypes": {"car": ["vehicle"]}}):
+            self.refused(inventory)
+        self.assertEqual(self.rows(), before)
+
+    def test_a_ring_of_object_types_is_refused_with_the_stored_ones(self):
+        self.init()
+        [error] = self.refused({"objectTypes": {"car": ["vehicle"]}})
+        self.assertEqual(error["message"], "Object type \"car\" stands for itself: \"car\" > \"vehicle\" > \"car\".")
+
+    def test_the_id_of_a_topic_subscription_is_refused(self):
+        self.init()
+        self.apply(config(trigger(7, topic_source())))
+        [error] = self.refused({"subscriptions": [{"id": 1}]})
+        self.assertEqual((error["message"], error["column"]), ("The id 1 is that of a topic subscription.", 27))
+
+
+class Places_For_Databases(Site):
+    def setUp(self):
+        super().setUp()
+        self.write("inventory.json", small_inventory())
+
+    def fails(self, database):
+        outcome = self.run_tool("--database", database, "init", "inventory.json")
+        self.assertEqual((outcome.status, outcome.out), (FAILED, b""))
+        return outcome.err.decode()
+
+    def test_a_folder_that_is_missing_is_told_and_not_made(self):
+        self.assertEqual(self.fails("none/vemora.db"),
+                         "vemora-triggers: database none/vemora.db: unable to open database file\n")
+        self.assertEqual(list(self.files()), ["inventory.json"])
+
+    def test_a_folder_is_no_database(self):
+        self.assertEqual(self.fails("."), "vemora-triggers: . is a directory, not a database\n")
+
+    def test_files_of_others_are_told_and_left_alone(self):
+        self.database = self.path("notes.db")
+        self.sql("CREATE TABLE notes (text TEXT)")
+        self.write("inventory.db", small_inventory())
+        before = self.files()
+        self.assertEqual(self.fails("notes.db"),
+                         "vemora-triggers: database notes.db: it is a database of another program\n")
+        self.assertEqual(self.fails("inventory.db"),
+                         "vemora-triggers: database inventory.db: file is not a database\n")
+        after = self.files()
+        self.assertEqual({name: after[name] for name in before}, before)
+
+
+if __name__ == "__main__":
+    unittest.main()
