@@ -21,7 +21,7 @@ void require_schema(Engine& engine, Database::Open_Mode mode) {
     throw Database_Error("it holds no site; \"init\" makes one");
   }
   if (version != current_schema_version) {
-    const auto lock = engine.lock_passes();
+    const auto session = engine.open_session(Engine::Session::Access::exclusive);
     engine.migrate();
   }
 }

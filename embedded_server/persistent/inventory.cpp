@@ -36,11 +36,10 @@ void replace_rows(Engine& engine, const char* key_columns, const std::vector<Row
   std::vector<Row> changed;
   for (const Row& row : wanted) {
     const auto found = present.find(row.key);
-    if (found == present.end() || !same_row(found->second, row)) {
-      changed.push_back(row);
-    }
-    if (found != present.end()) {
+    if (found != present.end() && same_row(found->second, row)) {
       present.erase(found);
+    } else {
+      changed.push_back(row);
     }
   }
   std::vector<Row> gone;
@@ -48,7 +47,7 @@ void replace_rows(Engine& engine, const char* key_columns, const std::vector<Row
     gone.push_back(row);
   }
   engine.rows().erase(gone);
-  engine.rows().put(changed);
+  engine.rows().insert(changed);
 }
 
 /// The tags of records of one kind; a tag is in the order of its record and name.

@@ -59,9 +59,22 @@ std::ostream& operator<<(std::ostream& stream, const Database_Engine& engine) {
   return stream << engine.name;
 }
 
+std::vector<std::string> Database_Engine::storable(const std::vector<std::string>& texts) const {
+  std::vector<std::string> taken;
+  for (const std::string& text : texts) {
+    const bool plain =
+        text.find('\0') == std::string::npos && text.find('\xFF') == std::string::npos;
+    if (takes_any_bytes || plain) {
+      taken.push_back(text);
+    }
+  }
+  return taken;
+}
+
 std::vector<Database_Engine> database_engines() {
   return {
       {"sqlite", [] { return std::make_unique<SQLite_Place>(); }},
+      {"postgresql", [] { return std::make_unique<PostgreSQL_Place>(); }, false, false},
   };
 }
 

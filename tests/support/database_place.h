@@ -9,6 +9,7 @@
 #include <vector>
 
 struct sqlite3;
+struct pg_conn;
 
 namespace kuv::test {
 
@@ -48,6 +49,11 @@ class Database_Place {
 struct Database_Engine {
   std::string name;
   std::function<std::unique_ptr<Database_Place>()> make_place;
+  bool takes_any_bytes = true;  ///< in a text; otherwise UTF-8 without zeros
+  bool keeps_transactions_after_faults = true;
+
+  /// Those texts that it takes.
+  std::vector<std::string> storable(const std::vector<std::string>& texts) const;
 };
 
 /// By its name.
@@ -86,6 +92,39 @@ class SQLite_Program : public Foreign_Program {
 
  private:
   sqlite3* handle_ = nullptr;
+};
+
+/// A schema of its own in the cluster that the tests start for themselves.
+class PostgreSQL_Place : public Database_Place {
+ public:
+  PostgreSQL_Place();
+  ~PostgreSQL_Place() override;
+  PostgreSQL_Place(const PostgreSQL_Place&) = delete;
+  PostgreSQL_Place& operator=(const PostgreSQL_Place&) = delete;
+
+  std::string location() const override;
+  const std::string& schema() const { return schema_; }
+  std::unique_ptr<Foreign_Program> foreign_program() override;
+
+ private:
+  std::string schema_;
+};
+
+/// Another program connected to the cluster of the tests, at work in one schema.
+class PostgreSQL_Program : public Foreign_Program {
+ public:
+  explicit PostgreSQL_Program(std::string schema);
+  ~PostgreSQL_Program() override;
+  PostgreSQL_Program(const PostgreSQL_Program&) = delete;
+  PostgreSQL_Program& operator=(const PostgreSQL_Program&) = delete;
+
+  void execute(const std::string& sql) override;
+  Rows query(const std::string& sql) override;
+  std::vector<std::string> tables() override;
+
+ private:
+  std::string schema_;
+  pg_conn* connection_ = nullptr;
 };
 
 }  // namespace kuv::test

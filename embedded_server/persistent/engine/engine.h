@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <memory>
 #include <odb/database.hxx>
+#include <odb/transaction.hxx>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,10 +21,18 @@ class Row_Writer;
 /// Everything throws Database_Error, or what ODB throws.
 class Engine {
  public:
-  /// Held by the one process that runs a pass or changes the inventory.
-  class Pass_Lock {
+  /// What a pass works through.
+  class Session {
    public:
-    virtual ~Pass_Lock() = default;
+    enum class Access {
+      shared,     ///< beside others
+      exclusive,  ///< keeps other exclusive ones out, of whatever process, as long as it lives
+    };
+
+    virtual ~Session() = default;
+
+    /// Begins a transaction, for odb::transaction to hold; one at a time.
+    virtual odb::transaction_impl* begin() = 0;
   };
 
   virtual ~Engine() = default;
@@ -35,8 +44,9 @@ class Engine {
   /// How people call this database.
   virtual const std::string& location() const = 0;
 
-  /// Waits until no other process holds the lock; throws Database_Error when that takes too long.
-  virtual std::unique_ptr<Pass_Lock> lock_passes() = 0;
+  /// An exclusive one waits until no other is there; throws Database_Error when that takes too
+  /// long.
+  virtual std::unique_ptr<Session> open_session(Session::Access access) = 0;
 
   /// Brings the schema up to the version that this library works with, making it where it is
   /// absent.

@@ -5,6 +5,7 @@
 #include <odb/exception.hxx>
 #include <string_view>
 
+#include "embedded_server/persistent/engine/postgresql_engine.h"
 #include "embedded_server/persistent/engine/sqlite_engine.h"
 
 namespace kuv::vemora::embedded_server {
@@ -16,6 +17,9 @@ constexpr std::string_view sqlite_prefix = "sqlite:";
 
 std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_Mode mode,
                                     std::chrono::milliseconds lock_wait) {
+  if (is_postgresql_location(location)) {
+    return std::make_unique<PostgreSQL_Engine>(location, lock_wait);
+  }
   const bool prefixed = location.compare(0, sqlite_prefix.size(), sqlite_prefix) == 0;
   const std::string path = prefixed ? location.substr(sqlite_prefix.size()) : location;
   if (path.empty()) {

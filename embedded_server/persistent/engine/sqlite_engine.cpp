@@ -29,6 +29,11 @@ std::string as_file_name(const std::string& path) {
   return std::filesystem::path(path).is_absolute() ? path : "./" + path;
 }
 
+/// Beside the file itself, by whatever link it was named.
+std::string lock_file_of(const std::string& path) {
+  return std::filesystem::weakly_canonical(path).string() + ".lock";
+}
+
 void require_file(const std::string& path, Database::Open_Mode mode) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
@@ -64,6 +69,20 @@ void use_write_ahead_log(sqlite3* handle) {
   run_script(handle, "PRAGMA journal_mode=WAL");
 }
 
+/// A turn at the lock file, where one was asked for.
+class SQLite_Session : public Engine::Session {
+ public:
+  explicit SQLite_Session(odb::sqlite::database& database) : database_(database) {}
+
+  void lock(const std::string& path, std::chrono::milliseconds wait) { lock_.emplace(path, wait); }
+
+  odb::transaction_impl* begin() override { return database_.begin(); }
+
+ private:
+  odb::sqlite::database& database_;
+  std::optional<File_Lock> lock_;
+};
+
 sqlite3* current_handle() {
   return odb::sqlite::transaction::current().connection().handle();
 }
@@ -89,8 +108,12 @@ odb::database& SQLite_Engine::odb() {
   return *database_;
 }
 
-std::unique_ptr<Engine::Pass_Lock> SQLite_Engine::lock_passes() {
-  return std::make_unique<File_Lock>(path_ + ".lock", lock_wait_);
+std::unique_ptr<Engine::Session> SQLite_Engine::open_session(Session::Access access) {
+  auto session = std::make_unique<SQLite_Session>(*database_);
+  if (access == Session::Access::exclusive) {
+    session->lock(lock_file_of(path_), lock_wait_);
+  }
+  return session;
 }
 
 std::optional<std::int32_t> SQLite_Engine::schema_version() {

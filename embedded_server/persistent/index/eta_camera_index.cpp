@@ -103,7 +103,7 @@ void ETA_Camera_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
 }
 
 void ETA_Camera_Index::delete_without_triggers() {
-  const auto goes = [](const Record& record) { return holds_nothing(record); };
+  const auto goes = [](const Record& record) { return held_nothing_when_stored(record); };
   records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
     by_camera_.erase(record->camera_id());
     if (added_.erase(record->id) == 0) {

@@ -34,6 +34,11 @@ void forget_notes(const std::set<std::uint64_t>& triggers, Trigger_Link_Changes&
   }
 }
 
+/// Whether all that is held now was added since, and nothing taken off.
+bool held_nothing_before(const Trigger_Link_Changes& notes, std::size_t held_now) {
+  return notes.removed.empty() && notes.added.size() == held_now;
+}
+
 }  // namespace
 
 std::shared_ptr<trigger> probe(std::uint64_t trigger_id) {
@@ -71,12 +76,12 @@ bool holds_any_of(const metadata_event_subscription& record,
                      [&](const auto& link) { return trigger_ids.count(id_of(link)) != 0; });
 }
 
-bool holds_nothing(const metadata_event_subscription& record) {
-  return record.trigger_links.empty();
+bool held_nothing_when_stored(const metadata_event_subscription& record) {
+  return held_nothing_before(record.link_changes, record.trigger_links.size());
 }
 
-bool holds_nothing(const eta_camera& record) {
-  return record.triggers.empty();
+bool held_nothing_when_stored(const eta_camera& record) {
+  return held_nothing_before(record.link_changes, record.triggers.size());
 }
 
 void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held) {

@@ -36,8 +36,9 @@ std::vector<std::uint64_t> held_ids(const eta_camera& record);
 bool holds_any_of(const metadata_event_subscription& record,
                   const std::set<std::uint64_t>& trigger_ids);
 
-bool holds_nothing(const metadata_event_subscription& record);
-bool holds_nothing(const eta_camera& record);
+/// Whether the record held no trigger when it was last handed over.
+bool held_nothing_when_stored(const metadata_event_subscription& record);
+bool held_nothing_when_stored(const eta_camera& record);
 
 /// Adds a link as the database holds it; the largest trigger id so far.
 void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held);

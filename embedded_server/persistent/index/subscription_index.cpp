@@ -17,6 +17,28 @@ odb::lazy_shared_ptr<Linked> link_to(odb::database& database, const std::shared_
   return record ? odb::lazy_shared_ptr<Linked>(record) : odb::lazy_shared_ptr<Linked>(database, id);
 }
 
+rows::Subscription row_of(const metadata_event_subscription& record) {
+  rows::Subscription row;
+  row.id = record.id;
+  row.name = record.name;
+  if (record.category) {
+    row.category_id = record.category.object_id();
+  }
+  row.onvif_topic = record.onvif_topic;
+  row.camera_id = record.camera_id();
+  return row;
+}
+
+void append_details(const metadata_event_subscription& record,
+                    Subscription_Index::Net_Changes::Details& to) {
+  for (const Tag_Entry& tag : record.tags) {
+    to.tags.push_back({{record.id, tag.name}, tag.info.value});
+  }
+  for (const odb::lazy_shared_ptr<camera>& link : record.camera_links) {
+    to.cameras.push_back({{record.id, link.object_id()}});
+  }
+}
+
 }  // namespace
 
 Subscription_Index::Subscription_Index(odb::database& database, const Camera_Index& cameras,
@@ -218,7 +240,7 @@ void Subscription_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
 
 void Subscription_Index::delete_without_triggers() {
   const auto goes = [](const Record& record) {
-    return is_topic_kind(record) && holds_nothing(record);
+    return is_topic_kind(record) && held_nothing_when_stored(record);
   };
   records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
     if (record->camera && record->onvif_topic) {
@@ -234,15 +256,12 @@ Subscription_Index::Net_Changes Subscription_Index::settle() {
   Net_Changes net;
   for (const std::uint64_t id : added_) {
     const Record& record = *records_.find(id)->record;
-    rows::Subscription row;
-    row.id = record.id;
-    row.name = record.name;
-    row.onvif_topic = record.onvif_topic;
-    row.camera_id = record.camera_id();
-    net.added.push_back(std::move(row));
+    net.added.push_back(row_of(record));
+    append_details(record, net.added_details);
   }
   for (const auto& [id, record] : deleted_) {
     net.deleted.push_back(id);
+    append_details(*record, net.deleted_details);
   }
   net.links = records_.settle();
   net.cameras = cameras_of(net);

@@ -28,8 +28,16 @@ class Subscription_Index {
 
   /// What the database does not hold yet, or holds no longer.
   struct Net_Changes {
+    /// What stands with the records in tables of its own.
+    struct Details {
+      std::vector<rows::Subscription_Tag> tags;
+      std::vector<rows::Subscription_Camera> cameras;
+    };
+
     std::vector<rows::Subscription> added;
     std::vector<std::uint64_t> deleted;
+    Details added_details;
+    Details deleted_details;
     Changes::Of<Changes::Link> links;
     std::set<std::uint64_t> cameras;  ///< whose subscriptions these are
   };

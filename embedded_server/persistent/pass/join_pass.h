@@ -21,6 +21,7 @@ auto read(const std::shared_ptr<Database>& database, Operation operation) {
 template <class Operation>
 auto write(const std::shared_ptr<Database>& database, Operation operation) {
   if (Pass* const pass = Pass::current(*database)) {
+    pass->note_write();
     return pass->run(std::move(operation));
   }
   Pass pass(database, Pass::Purpose::single_write);

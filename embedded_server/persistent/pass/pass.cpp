@@ -32,9 +32,9 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
   if (open_pass != nullptr) {
     throw std::logic_error("a pass is open on this thread already");
   }
-  if (purpose_ != Purpose::single_read) {
-    lock_ = engine().lock_passes();
-  }
+  session_ =
+      engine().open_session(purpose_ == Purpose::single_read ? Engine::Session::Access::shared
+                                                             : Engine::Session::Access::exclusive);
   open_pass = this;
 }
 
@@ -48,7 +48,7 @@ Pass* Pass::current(const Database& database) {
 
 void Pass::begin_if_necessary() {
   if (!transaction_) {
-    transaction_ = std::make_unique<odb::transaction>(engine().odb().begin());
+    transaction_ = std::make_unique<odb::transaction>(session_->begin());
   }
 }
 
@@ -77,6 +77,7 @@ void Pass::store_changes(Site_Index& site) {
       throw;
     }
     transaction_.reset();
+    uncommitted_ = false;
   }
   append_changes(net, changes_);
 }
@@ -96,6 +97,9 @@ void Pass::end() {
   if (!fault_) {
     commit();
     return;
+  }
+  if (!uncommitted_) {
+    return;  // what failed came after the commit, and only read
   }
   const std::string fault = *fault_;
   if (!lost_) {

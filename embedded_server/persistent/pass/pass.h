@@ -64,6 +64,9 @@ class Pass {
   /// Commits what a pass that failed had done until then. Throws when the database lost that.
   void end();
 
+  /// To be called by each operation that writes.
+  void note_write() { uncommitted_ = true; }
+
   const Changes& changes() const { return changes_; }
   const std::optional<std::string>& fault() const { return fault_; }
 
@@ -85,12 +88,13 @@ class Pass {
   Purpose purpose_;
   Pass_Scope::Mode mode_;
   std::optional<std::uint64_t> server_id_;
-  std::unique_ptr<Engine::Pass_Lock> lock_;
+  std::unique_ptr<Engine::Session> session_;
   std::unique_ptr<odb::transaction> transaction_;
   Site_Index site_;
   Changes changes_;
   std::optional<std::string> fault_;
-  bool lost_ = false;  ///< what was done cannot be committed any more
+  bool lost_ = false;        ///< what was done cannot be committed any more
+  bool uncommitted_ = true;  ///< something may have been done since the last commit
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "embedded_server/persistent/index/record_links.h"
+#include "embedded_server/persistent/index/trigger_values.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -46,10 +47,7 @@ void compare_triggers(const std::vector<std::shared_ptr<const trigger>>& seen,
   for (std::size_t place = 0; place < seen.size(); ++place) {
     const trigger& left = *seen[place];
     const trigger& right = *stored[place];
-    require_same(left.id == right.id && left.name == right.name &&
-                     left.sources.size() == right.sources.size() &&
-                     left.schedules.size() == right.schedules.size(),
-                 "trigger", left.id);
+    require_same(left.id == right.id && same_values(left, right), "trigger", left.id);
   }
 }
 

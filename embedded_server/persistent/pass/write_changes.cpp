@@ -135,9 +135,14 @@ bool is_empty(const Site_Index::Net_Changes& net) {
 void write_changes(Engine& engine, const Site_Index::Net_Changes& net) {
   Row_Writer& writer = engine.rows();
   write_triggers(writer, net);
-  write_records<rows::Subscription, rows::Subscription_Trigger>(writer, net.subscriptions);
+  const Subscription_Index::Net_Changes& subscriptions = net.subscriptions;
+  writer.erase(subscriptions.deleted_details.tags);
+  writer.erase(subscriptions.deleted_details.cameras);
+  write_records<rows::Subscription, rows::Subscription_Trigger>(writer, subscriptions);
+  writer.insert(subscriptions.added_details.tags);
+  writer.insert(subscriptions.added_details.cameras);
   write_records<rows::ETA_Camera, rows::ETA_Camera_Trigger>(writer, net.eta_cameras);
-  note_pending(engine, net.subscriptions.cameras);
+  note_pending(engine, subscriptions.cameras);
 }
 
 void claim_for(odb::database& database, std::uint64_t server_id) {

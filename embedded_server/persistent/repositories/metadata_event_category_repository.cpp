@@ -14,10 +14,13 @@ class Stored_Categories : public Metadata_Event_Category_Repository {
   /// Of several categories of that name, any.
   std::shared_ptr<metadata_event_category> find_by_name(const std::string& name) override {
     return read(database_, [&](Site_Index&) {
+      std::shared_ptr<metadata_event_category> record;
+      if (!database_->engine().can_hold({name})) {
+        return record;  // so none has it
+      }
       using Query = odb::query<metadata_event_category>;
       auto found =
           database_->engine().odb().query<metadata_event_category>(Query::name == name, false);
-      std::shared_ptr<metadata_event_category> record;
       for (auto place = found.begin(); !record && place != found.end(); ++place) {
         record = std::make_shared<metadata_event_category>();
         place.load(*record);

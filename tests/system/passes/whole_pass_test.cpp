@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 
+#include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::test {
@@ -154,7 +155,11 @@ Outcome Server_Around::one_pass(Call call) {
   Outcome outcome;
   Pass_Scope pass(database(), server_id);
   call(outcome);
-  pass.end();
+  try {
+    pass.end();
+  } catch (const Database_Error& error) {
+    outcome.lost = error.what();
+  }
   const std::set<std::uint64_t> reconciled(capture_manager->reconciled.begin(),
                                            capture_manager->reconciled.end());
   outcome.state = pusher->state;

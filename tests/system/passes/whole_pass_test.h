@@ -55,6 +55,7 @@ struct Outcome {
   Changes changes;                            ///< of the database
   std::set<std::uint64_t> pending;            ///< cameras that are still to be reconciled
   std::string exception;                      ///< of update_trigger_mapping
+  std::string lost;                           ///< why the database kept nothing of the pass
 };
 
 /// A state as lines of text, one fact each, in the order of the members.

@@ -2,7 +2,8 @@
 
 namespace kuv::test {
 
-Database_Fixture::Database_Fixture(const Database_Engine& engine) : place_(engine.make_place()) {}
+Database_Fixture::Database_Fixture(const Database_Engine& engine)
+    : engine_(engine), place_(engine.make_place()) {}
 
 const std::shared_ptr<Database>& Database_Fixture::database() {
   if (!database_ && exists_) {

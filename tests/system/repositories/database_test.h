@@ -38,6 +38,7 @@ class Database_Fixture {
   /// Lets go of everything in memory. Nothing else may hold it.
   void close() { database_.reset(); }
 
+  const Database_Engine& engine() const { return engine_; }
   std::string location() const { return place_->location(); }
   Foreign_Program& foreign_program();
 
@@ -45,6 +46,7 @@ class Database_Fixture {
   static constexpr std::uint64_t server_id = 1;
 
  private:
+  Database_Engine engine_;
   std::unique_ptr<Database_Place> place_;
   std::shared_ptr<Database> database_;
   bool exists_ = false;

@@ -449,7 +449,8 @@ TEST_P(Passes, note_the_cameras_of_deleted_subscriptions_and_of_deleted_triggers
 
 TEST_P(Passes, give_the_documents_back_as_they_were_stored) {
   const std::string config = "{ \"triggers\" : [ ] ,\r\n\t\"x\": \"\xC3\xA4\" }\n\n";
-  const std::string mapping("{\"triggerMapping\": []}\0 ", 24);
+  const std::string with_zero("{\"triggerMapping\": []}\0 ", 24);
+  const std::string mapping = GetParam().takes_any_bytes ? with_zero : "{\"triggerMapping\": []}";
   {
     const auto first = a_pass();
     EXPECT_EQ(first->documents().config, std::nullopt);

@@ -184,7 +184,10 @@ TEST_P(Site_Records_Contract, find_schedules_usable_or_not) {
 
 TEST_P(Site_Records_Contract, find_categories_by_their_whole_name) {
   site.given_category(largest_id, "access control");
-  site.given_category(2, std::string("zero\0inside", 11));
+  const std::string with_zero("zero\0inside", 11);
+  if (engine().takes_any_bytes) {
+    site.given_category(2, with_zero);
+  }
 
   const auto found = repository().metadata_event_categories().find_by_name("access control");
   ASSERT_NE(found, nullptr);
@@ -193,9 +196,8 @@ TEST_P(Site_Records_Contract, find_categories_by_their_whole_name) {
   EXPECT_EQ(repository().metadata_event_categories().find_by_name("access"), nullptr);
   EXPECT_EQ(repository().metadata_event_categories().find_by_name("Access control"), nullptr);
   EXPECT_EQ(repository().metadata_event_categories().find_by_name("zero"), nullptr);
-  EXPECT_EQ(
-      repository().metadata_event_categories().find_by_name(std::string("zero\0inside", 11))->id,
-      2U);
+  EXPECT_EQ(repository().metadata_event_categories().find_by_name(with_zero) != nullptr,
+            engine().takes_any_bytes);
 }
 
 TEST_P(Site_Records_Contract, keep_the_triggers_of_a_generic_subscription_that_is_stored_again) {

@@ -47,7 +47,7 @@ TEST_P(Subscription_Repository_Contract, gives_a_new_subscription_an_id_and_keep
 TEST_P(Subscription_Repository_Contract, keeps_topics_byte_for_byte) {
   site.given_camera(10);
   given_trigger(7);
-  const std::vector<std::string> topics{
+  const std::vector<std::string> topics = engine().storable({
       "tns1:RuleEngine/CellMotionDetector/Motion//.",
       "a.b.c",
       "with 'quotes' \"and\" \\ line\nbreaks",
@@ -58,7 +58,7 @@ TEST_P(Subscription_Repository_Contract, keeps_topics_byte_for_byte) {
       std::string("bell\a"),
       "",
       std::string(1 << 20, 't'),
-  };
+  });
   for (const std::string& topic : topics) {
     given_topic_subscription(10, topic, {7});
   }

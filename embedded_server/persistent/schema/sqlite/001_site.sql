@@ -60,6 +60,7 @@ CREATE TABLE event_category (
   id INTEGER PRIMARY KEY,
   name TEXT NOT NULL
 );
+CREATE INDEX event_category_by_name ON event_category (name);
 
 -- General object types: a row for each type that a name stands for; that may be general again.
 CREATE TABLE meta_type (

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "vemora/platform/odb_runtime.h"
+
+#include <libpq-fe.h>
+
+#include <chrono>
+#include <memory>
+#include <odb/pgsql/connection-factory.hxx>
+#include <string>
+
+namespace kuv::vemora::embedded_server {
+
+/// The answer to a statement.
+using PostgreSQL_Result = std::unique_ptr<PGresult, decltype(&PQclear)>;
+
+/// Throws what ODB would where `result` says that a statement failed; hands it through otherwise.
+PostgreSQL_Result require_success(odb::pgsql::connection& connection, PGresult* result);
+
+/// Runs statements that take no parameters, all in one round trip; answers the last one's result.
+PostgreSQL_Result run_statements(odb::pgsql::connection& connection, const std::string& sql);
+
+std::string quoted_identifier(odb::pgsql::connection& connection, const std::string& name);
+
+/// Opens the connections to one schema, each with the settings that a pass relies on.
+class PostgreSQL_Connections : public odb::pgsql::connection_pool_factory {
+ public:
+  PostgreSQL_Connections(std::string schema, std::chrono::milliseconds lock_wait)
+      : schema_(std::move(schema)), lock_wait_(lock_wait) {}
+
+ protected:
+  pooled_connection_ptr create() override;
+
+ private:
+  std::string schema_;
+  std::chrono::milliseconds lock_wait_;
+};
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,152 @@
+#include "embedded_server/persistent/engine/postgresql_engine.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <odb/pgsql/database.hxx>
+#include <odb/pgsql/exceptions.hxx>
+#include <odb/pgsql/transaction.hxx>
+
+#include "embedded_server/persistent/engine/postgresql_connections.h"
+#include "embedded_server/persistent/engine/postgresql_session.h"
+#include "embedded_server/persistent/engine/utf8.h"
+#include "postgresql_schema.h"
+#include "vemora/embedded_server/persistent/database_error.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+// The server takes up to 2^30 bytes for a value with all that is around it.
+constexpr std::size_t bytes_of_a_row = 1'000'000'000;
+
+constexpr std::string_view no_such_column = "42703";
+constexpr std::string_view lock_not_available = "55P03";
+constexpr std::string_view serialization_failure = "40001";
+
+constexpr const char* changed_meanwhile = "another program changed the database meanwhile";
+
+std::string first_value(const PostgreSQL_Result& result) {
+  return PQgetvalue(result.get(), 0, 0);
+}
+
+bool is_true(odb::pgsql::connection& connection, const std::string& condition) {
+  return first_value(run_statements(connection, "SELECT " + condition)) == "t";
+}
+
+/// The server's own words, on one line and without the word that every one of them begins with.
+std::string words_of(std::string message) {
+  constexpr std::string_view severity = "ERROR:  ";
+  if (message.compare(0, severity.size(), severity) == 0) {
+    message.erase(0, severity.size());
+  }
+  while (!message.empty() && message.back() == '\n') {
+    message.pop_back();
+  }
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  return message;
+}
+
+}  // namespace
+
+PostgreSQL_Engine::PostgreSQL_Engine(const std::string& url, std::chrono::milliseconds lock_wait)
+    : location_(parse_postgresql_location(url)), lock_wait_(lock_wait) {
+  // To the server, no time at all is for ever.
+  const auto wait = std::max(lock_wait, std::chrono::milliseconds(1));
+  database_ = std::make_unique<odb::pgsql::database>(
+      location_.connection, std::make_unique<PostgreSQL_Connections>(location_.schema, wait));
+}
+
+PostgreSQL_Engine::~PostgreSQL_Engine() = default;
+
+odb::database& PostgreSQL_Engine::odb() {
+  return *database_;
+}
+
+std::unique_ptr<Engine::Session> PostgreSQL_Engine::open_session(Session::Access access) {
+  auto session =
+      std::make_unique<PostgreSQL_Session>(odb::pgsql::connection_ptr(database_->connection()));
+  if (access == Session::Access::exclusive) {
+    session->lock(location_.schema, lock_wait_);
+  }
+  return session;
+}
+
+std::optional<std::int32_t> PostgreSQL_Engine::schema_version() {
+  const odb::pgsql::connection_ptr connection(database_->connection());
+  if (!is_true(*connection, "to_regclass('site') IS NOT NULL")) {
+    if (is_true(*connection,
+                "EXISTS (SELECT FROM pg_class WHERE relnamespace::regnamespace = "
+                "current_schema()::regnamespace)")) {
+      throw Database_Error("the schema holds tables of another program");
+    }
+    return std::nullopt;
+  }
+  try {
+    const std::string version =
+        first_value(run_statements(*connection, "SELECT max(schema_version) FROM site"));
+    return std::atoi(version.c_str());
+  } catch (const odb::pgsql::database_exception& fault) {
+    if (fault.sqlstate() == no_such_column) {
+      throw Database_Error("the schema holds tables of another program");
+    }
+    throw;
+  }
+}
+
+void PostgreSQL_Engine::migrate() {
+  const std::int32_t present = schema_version().value_or(0);
+  odb::transaction transaction(database_->begin());
+  odb::pgsql::connection& connection = odb::pgsql::transaction::current().connection();
+  if (is_true(connection, "current_schema() IS NULL")) {
+    run_statements(connection, "CREATE SCHEMA " + quoted_identifier(connection, location_.schema));
+  }
+  for (std::size_t version = static_cast<std::size_t>(present); version < postgresql_schema.size();
+       ++version) {
+    run_statements(connection, postgresql_schema[version]);
+  }
+  if (present == 0) {
+    run_statements(connection, "INSERT INTO site (id, schema_version) VALUES (1, 0)");
+  }
+  run_statements(connection,
+                 fmt::format("UPDATE site SET schema_version = {}", current_schema_version));
+  transaction.commit();
+}
+
+bool PostgreSQL_Engine::can_hold(std::initializer_list<std::string_view> texts) {
+  std::size_t size = 0;
+  for (const std::string_view text : texts) {
+    size += text.size();
+  }
+  return size <= bytes_of_a_row &&
+         std::all_of(texts.begin(), texts.end(), [](std::string_view text) {
+           return text.find('\0') == std::string_view::npos && is_utf8(text);
+         });
+}
+
+bool PostgreSQL_Engine::holds_transaction() {
+  return odb::transaction::has_current() &&
+         PQtransactionStatus(odb::pgsql::transaction::current().connection().handle()) ==
+             PQTRANS_INTRANS;
+}
+
+std::string PostgreSQL_Engine::describe(const std::exception& fault) {
+  if (dynamic_cast<const odb::connection_lost*>(&fault) != nullptr) {
+    return "the connection to the server was lost";
+  }
+  if (dynamic_cast<const odb::deadlock*>(&fault) != nullptr) {
+    return changed_meanwhile;
+  }
+  const auto* const refused = dynamic_cast<const odb::pgsql::database_exception*>(&fault);
+  if (refused == nullptr) {
+    return fault.what();
+  }
+  if (refused->sqlstate() == lock_not_available) {
+    return fmt::format("another program keeps the database locked; gave up after {} ms",
+                       lock_wait_.count());
+  }
+  return refused->sqlstate() == serialization_failure ? changed_meanwhile
+                                                      : words_of(refused->message());
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,49 @@
+#include "embedded_server/persistent/engine/postgresql_session.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <string_view>
+
+#include "embedded_server/persistent/engine/postgresql_connections.h"
+#include "vemora/embedded_server/persistent/database_error.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+constexpr std::string_view lock_not_available = "55P03";
+
+}  // namespace
+
+PostgreSQL_Session::PostgreSQL_Session(odb::pgsql::connection_ptr connection)
+    : connection_(std::move(connection)) {}
+
+/// The connection goes back among the idle ones, which hold no lock; a broken one is given up, and
+/// the server lets go of its locks.
+PostgreSQL_Session::~PostgreSQL_Session() {
+  if (!locked_) {
+    return;
+  }
+  const PostgreSQL_Result result(PQexec(connection_->handle(), "SELECT pg_advisory_unlock_all()"),
+                                 &PQclear);
+  if (PQresultStatus(result.get()) != PGRES_TUPLES_OK) {
+    connection_->mark_failed();
+  }
+}
+
+void PostgreSQL_Session::lock(const std::string& schema, std::chrono::milliseconds wait) {
+  const std::array<const char*, 1> values{schema.c_str()};
+  PGresult* const result = PQexecParams(
+      connection_->handle(), "SELECT pg_advisory_lock(hashtextextended('vemora ' || $1::text, 0))",
+      1, nullptr, values.data(), nullptr, nullptr, 0);
+  const char* const state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+  if (state != nullptr && state == lock_not_available) {
+    PQclear(result);
+    throw Database_Error(fmt::format(
+        "another process is at work on this database; gave up after {} ms", wait.count()));
+  }
+  require_success(*connection_, result);
+  locked_ = true;
+}
+
+}  // namespace kuv::vemora::embedded_server

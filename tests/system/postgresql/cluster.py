@@ -1,0 +1,107 @@
+"""The PostgreSQL that ctest starts for the tests, and sites of many sizes in it."""
+
+import itertools
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+TOOL = os.environ["TOOL"]
+NOTES = os.environ["CLUSTER"]
+CLUSTER_SCRIPT = os.environ["CLUSTER_SCRIPT"]
+
+DONE, TRIGGER_ERRORS, REJECTED, FAILED = 0, 1, 2, 3
+
+numbers = itertools.count(1)
+
+
+def note(name):
+    with open(os.path.join(NOTES, name), encoding="ascii") as file:
+        return file.read().strip()
+
+
+def cluster(action, notes=NOTES):
+    subprocess.run([CLUSTER_SCRIPT, action, notes], check=True)
+
+
+def url(schema, folder=None, port=None, **parameters):
+    more = "".join(f"&{name}={value}" for name, value in parameters.items())
+    return (f"postgresql://tester@/postgres?host={folder or note('folder')}&port={port or note('port')}"
+            f"&schema={schema}{more}")
+
+
+def psql(statements, folder=None, port=None):
+    done = subprocess.run(
+        ["psql", "--no-psqlrc", "--quiet", "--csv", "--tuples-only", "--set", "ON_ERROR_STOP=1", "--host",
+         folder or note("folder"), "--port", str(port or note("port")), "--username", "tester", "--dbname", "postgres",
+         "--command", statements], capture_output=True, text=True, check=True)
+    return done.stdout
+
+
+TOPICS = [f"tns1:RuleEngine/LineDetector/Crossed/{number}" for number in range(6)]
+
+
+def inventory(cameras, groups=10):
+    """Cameras in groups, told apart by a tag."""
+    topic_filter = {"TopicFilter": {"capabilities": {topic: "" for topic in TOPICS}}}
+    capabilities = {"Metadata": {"Mode": {"capabilities": {"On": topic_filter}}}}
+    return {
+        "servers": [{"id": 1, "name": "one"}],
+        "cameras": [{"id": number, "name": f"camera {number}", "tags": {"group": str(number % groups)},
+                     "objectDetection": number % 3 == 0, "capabilities": capabilities}
+                    for number in range(1, cameras + 1)],
+        "subscriptions": [{"id": 900001, "name": "door", "tags": {"door": "main"}}],
+    }
+
+
+def trigger(number, group, topics, detects=False):
+    sources = [{"type": "onvif-metadata", "onvifTopic": topic} for topic in topics]
+    if detects:
+        sources.append({"type": "object-detection", "searchItem": {"type": "person"}})
+    return {"id": number, "name": f"trigger {number}", "tags": {"camera": {"group": str(group)}}, "sources": sources}
+
+
+class Site(unittest.TestCase):
+    """Each test has a folder and a schema of its own."""
+
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.schema = f"tool_{os.getpid()}_{next(numbers)}"
+        self.database = url(self.schema)
+        self.addCleanup(self.drop, self.schema)
+
+    def drop(self, schema):
+        psql(f"SET client_min_messages = error; DROP SCHEMA IF EXISTS {schema} CASCADE")
+
+    def write(self, name, document):
+        path = os.path.join(self.folder, name)
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump(document, file)
+        return path
+
+    def command(self, *arguments, database=None):
+        return [TOOL, "--database", database or self.database, "--json", *arguments]
+
+    def run_tool(self, *arguments, database=None, expected=DONE):
+        done = subprocess.run(self.command(*arguments, database=database), capture_output=True, text=True,
+                              check=False, timeout=600)
+        self.assertEqual(done.returncode, expected, f"{arguments}\n{done.stdout[:2000]}\n{done.stderr[:2000]}")
+        return json.loads(done.stdout)
+
+    def records(self, database=None):
+        """What operators see of it all, without the ids that the databases gave out."""
+        shown = {what: self.run_tool("show", what, database=database)
+                 for what in ("triggers", "subscriptions", "detection")}
+        for record in shown["subscriptions"]:
+            if record["cameraId"] is not None:
+                del record["id"]
+        for record in shown["detection"]:
+            del record["id"]
+        shown["subscriptions"].sort(key=lambda record: (record["cameraId"] or 0, record["name"]))
+        shown["detection"].sort(key=lambda record: record["cameraId"])
+        return shown

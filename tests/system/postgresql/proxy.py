@@ -1,0 +1,105 @@
+"""Stands between a client and PostgreSQL: counts round trips, and cuts the line."""
+
+import os
+import socket
+import tempfile
+import threading
+
+
+class Proxy:
+    """Listens on a socket of its own and hands everything on to the server's.
+
+    A round trip is the client speaking after the server did: what a network would add its delay to.
+    """
+
+    def __init__(self, server_folder, server_port):
+        self.target = os.path.join(server_folder, f".s.PGSQL.{server_port}")
+        self.folder = tempfile.mkdtemp(prefix="vemora-")
+        self.port = 5432
+        self.round_trips = 0
+        self.bytes_from_client = 0
+        self.cut_after = None  # bytes from the client, all connections together
+        self.lock = threading.Lock()
+        self.lines = []
+        self.listener = socket.socket(socket.AF_UNIX)
+        self.path = os.path.join(self.folder, f".s.PGSQL.{self.port}")
+        self.listener.bind(self.path)
+        self.listener.listen(64)
+        threading.Thread(target=self.accept, daemon=True).start()
+
+    def accept(self):
+        while True:
+            try:
+                client, _ = self.listener.accept()
+            except OSError:
+                return
+            server = socket.socket(socket.AF_UNIX)
+            try:
+                server.connect(self.target)
+            except OSError:
+                client.close()
+                continue
+            line = Line(self, client, server)
+            with self.lock:
+                self.lines.append(line)
+            line.start()
+
+    def cut(self):
+        """Ends every connection, as a network that fails does."""
+        with self.lock:
+            lines, self.lines = self.lines, []
+        for line in lines:
+            line.close()
+
+    def close(self):
+        self.listener.close()
+        self.cut()
+        os.unlink(self.path)
+        os.rmdir(self.folder)
+
+
+class Line:
+    """One connection."""
+
+    def __init__(self, proxy, client, server):
+        self.proxy = proxy
+        self.client = client
+        self.server = server
+        self.server_spoke = True
+
+    def start(self):
+        threading.Thread(target=self.pump, args=(self.client, self.server, self.from_client), daemon=True).start()
+        threading.Thread(target=self.pump, args=(self.server, self.client, self.from_server), daemon=True).start()
+
+    def pump(self, source, target, note):
+        try:
+            while data := source.recv(1 << 20):
+                if not note(len(data)):
+                    break
+                target.sendall(data)
+        except OSError:
+            pass
+        self.close()
+
+    def from_client(self, size):
+        """Whether to go on."""
+        with self.proxy.lock:
+            if self.server_spoke:
+                self.server_spoke = False
+                self.proxy.round_trips += 1
+            self.proxy.bytes_from_client += size
+            limit = self.proxy.cut_after
+            return limit is None or self.proxy.bytes_from_client <= limit
+
+    def from_server(self, _size):
+        with self.proxy.lock:
+            self.server_spoke = True
+        return True
+
+    def close(self):
+        for end in (self.client, self.server):
+            try:
+                end.shutdown(socket.SHUT_RDWR)
+            except OSError:
+                pass
+            end.close()
