@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <csignal>
 #include <exception>
+#include <initializer_list>
 #include <iostream>
 #include <string_view>
 
@@ -49,7 +50,9 @@ int finish(Exit_Status status) {
 int main(int count, char** arguments) {
   using namespace kuv::vemora::tools;
   occupy_missing_standard_streams();
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that left is told of like any other fault
+  for (const int signal : {SIGPIPE, SIGXFSZ}) {
+    std::signal(signal, SIG_IGN);  // writing that fails is told of like any other fault
+  }
   CLI::App app("Runs the triggers of a video-management server on a database of its own.",
                "vemora-triggers");
   Invocation call;

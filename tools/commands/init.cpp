@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <iostream>
+#include <string_view>
+#include <system_error>
 
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
@@ -17,20 +19,24 @@ using embedded_server::Database;
 using embedded_server::Inventory;
 using embedded_server::Read_Inventory;
 
-bool is_there(const std::string& location) {
-  const bool prefixed = location.rfind("sqlite:", 0) == 0;
+/// A file that is not there, or empty.
+bool is_nothing_yet(const std::string& location) {
+  constexpr std::string_view prefix = "sqlite:";
+  const bool prefixed = location.compare(0, prefix.size(), prefix) == 0;
+  const std::filesystem::path path = prefixed ? location.substr(prefix.size()) : location;
+  const bool on_a_server = !prefixed && location.find("://") != std::string::npos;
   std::error_code ignored;
-  return std::filesystem::exists(prefixed ? location.substr(7) : location, ignored) &&
-         std::filesystem::file_size(prefixed ? location.substr(7) : location, ignored) != 0;
+  return !on_a_server && (!std::filesystem::exists(path, ignored) ||
+                          std::filesystem::file_size(path, ignored) == 0);
 }
 
-/// What a new inventory may refer to; nothing where there is no database yet, and none is made for
-/// a document that may turn out to be faulty.
+/// What a new inventory may refer to. No file is made for a document that may turn out to be
+/// faulty; one that is there may be what an `init` left that was cut short.
 embedded_server::Inventory_References stored_references(const Options& options) {
-  if (!is_there(options.database)) {
+  if (is_nothing_yet(options.database)) {
     return {};
   }
-  const auto database = Database::open(options.database);
+  const auto database = Database::open(options.database, Database::Open_Mode::create_if_absent);
   database->require_owner(options.server_id);
   return embedded_server::load_inventory_references(database);
 }

@@ -96,6 +96,21 @@ class Damaged_Databases(Database_Site):
         self.assertEqual([record["id"] for record in self.show("triggers")], [8])
 
 
+class Full_Disks(Database_Site):
+    def test_a_pass_that_finds_no_room_leaves_everything_as_it_was(self):
+        name = self.write("large.json", config(*(trigger(number, topic_source("x" * 100)) for number in range(5000))))
+        before = self.rows()
+        # A limit on the size of files stands for the disk.
+        process = subprocess.run(["sh", "-c", 'ulimit -f 400; exec "$@"', "sh", TOOL, "--json", "apply", name],
+                                 cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        outcome = Outcome(process)
+        self.assertEqual((outcome.status, outcome.err), (FAILED, b""))
+        self.assertRegex(outcome.json["remarks"][0], "; nothing that the pass wrote was kept$")
+        self.assertEqual((outcome.json["state"], outcome.json["reconciled"]), (None, []))
+        self.assertEqual(self.rows(), before)
+        self.assertEqual(self.run_tool("apply", name).status, DONE)
+
+
 class Corrupt_Records(Database_Site):
     CORRUPT = "Corrupt record: subscription 99 has a camera (10) and no ONVIF topic."
 

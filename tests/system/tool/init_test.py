@@ -1,10 +1,11 @@
 """init: what it makes, replaces and leaves alone, and when it refuses."""
 
 import os
+import subprocess
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, Site, camera, config, small_inventory, topic_source,
-                       trigger)
+from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, TOOL, Site, camera, config, small_inventory,
+                       topic_source, trigger)
 
 STORED = ("{}: stored 1 servers, 2 cameras, 2 schedules, 1 event categories, 1 generic subscriptions, "
           "1 general object types.\n")
@@ -37,6 +38,22 @@ class Made_Databases(Site):
         refused = self.run_tool("refresh")
         self.assertEqual((refused.status, refused.err), (
             FAILED, b'vemora-triggers: database vemora.db: it holds no site; "init" makes one\n'))
+        self.assertEqual(self.run_tool("init", "inventory.json").status, DONE)
+        self.assertEqual(len(self.show("cameras")), 2)
+
+    def test_what_an_init_left_that_was_cut_short_becomes_a_database(self):
+        self.sql("PRAGMA journal_mode = WAL")
+        self.assertGreater(os.path.getsize(self.database), 0)
+        outcome = self.run_tool("init", "inventory.json")
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        self.assertEqual(len(self.show("cameras")), 2)
+
+    def test_a_disk_that_is_full_is_told_and_the_init_can_be_repeated(self):
+        # A limit on the size of files stands for the disk.
+        limited = subprocess.run(["sh", "-c", 'ulimit -f 40; exec "$@"', "sh", TOOL, "init", "inventory.json"],
+                                 cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        self.assertEqual((limited.returncode, limited.stdout), (FAILED, b""))
+        self.assertRegex(limited.stderr.decode(), r"\Avemora-triggers: database vemora.db: .*(full|I/O error)")
         self.assertEqual(self.run_tool("init", "inventory.json").status, DONE)
         self.assertEqual(len(self.show("cameras")), 2)
 
