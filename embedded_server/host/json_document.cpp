@@ -27,7 +27,8 @@ std::size_t offset_told_by_reader(std::string_view text, std::size_t line, std::
   return offset + column - 1;
 }
 
-/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n".
+/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n", and what it
+/// stumbles over after the first one in the same way.
 Document_Fault fault_in_report(const std::string& report, std::string_view text,
                                const Text_Places& places) {
   std::size_t line = 0;
@@ -37,7 +38,7 @@ Document_Fault fault_in_report(const std::string& report, std::string_view text,
     return {report, {}};
   }
   std::string message = report.substr(static_cast<std::size_t>(head));
-  message.erase(message.find_last_not_of('\n') + 1);
+  message.erase(std::min(message.find("\n* Line "), message.find_last_not_of('\n') + 1));
   return {message, places.locate(text, offset_told_by_reader(text, line, column))};
 }
 

@@ -154,6 +154,10 @@ TEST(Read_Documents, rejects_a_key_that_comes_twice_where_it_comes_again) {
   EXPECT_EQ(verdict("{\"\\n\": 1, \"\\n\": 2}"), "1:11: Duplicate key: '\n'");
 }
 
+TEST(Read_Documents, tells_of_a_key_that_comes_twice_and_not_of_what_follows_from_it) {
+  EXPECT_EQ(verdict("{\"a\": 1, \"a\": {\"b\": 2}, \"c\": 3}"), "1:10: Duplicate key: 'a'");
+}
+
 TEST(Read_Documents, rejects_numbers_that_are_too_large_for_any_use) {
   EXPECT_EQ(verdict("[1, 1e999]"), "1:5: '1e999' is not a number.");
 }
