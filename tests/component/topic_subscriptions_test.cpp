@@ -107,6 +107,7 @@ TEST_F(Topic_Subscriptions, are_made_for_a_camera_that_can_send_the_topic) {
   then_it_succeeds();
   EXPECT_THAT(log.lines(), ElementsAre(info_line(creating(10, "tns1:A"))));
   ASSERT_EQ(added.size(), 1U);
+  EXPECT_EQ(added[0]->name, "tns1:A");
   EXPECT_EQ(added[0]->onvif_topic, "tns1:A");
   EXPECT_EQ(added[0]->camera.get(), camera_record.get());
   ASSERT_EQ(added[0]->trigger_links.size(), 1U);
