@@ -1,7 +1,14 @@
-"""A site in a temporary folder, and `vemora-triggers` as a process on it."""
+"""A site in a temporary folder, and `vemora-triggers` as a process on it.
 
+    ENGINE=postgresql   the same tests over PostgreSQL: a schema each in the cluster that ctest starts
+"""
+
+import csv
+import io
+import itertools
 import json
 import os
+import re
 import shutil
 import sqlite3
 import subprocess
@@ -9,6 +16,7 @@ import tempfile
 import unittest
 
 TOOL = os.environ["TOOL"]
+ENGINE = os.environ.get("ENGINE", "sqlite")
 LARGEST_ID = 18446744073709551615
 
 DONE, TRIGGER_ERRORS, REJECTED, FAILED, WRONG_USAGE = 0, 1, 2, 3, 64
@@ -82,15 +90,87 @@ class Outcome:
         return value
 
 
+on_sqlite = unittest.skipIf(ENGINE != "sqlite", "about the files of SQLite")
+
+
+class SQLite:
+    """The database behind the tool's back: the file that the tool makes when it is given no other."""
+
+    def __init__(self, folder):
+        self.location = os.path.join(folder, "vemora.db")
+        self.shown = "vemora.db"
+        self.arguments = []
+
+    def sql(self, statement, *values):
+        connection = sqlite3.connect(self.location)
+        try:
+            with connection:
+                return connection.execute(statement, values).fetchall()
+        finally:
+            connection.close()
+
+    def tables(self):
+        return [name for (name,) in self.sql("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
+
+    def drop(self):
+        pass  # it goes with its folder
+
+
+class PostgreSQL:
+    """The same in a schema of its own."""
+
+    numbers = itertools.count(1)
+
+    def __init__(self, _folder):
+        self.folder, self.port = (self.note(name) for name in ("folder", "port"))
+        self.schema = f"tool_{os.getpid()}_{next(self.numbers)}"
+        self.location = (f"postgresql://tester@/postgres?host={self.folder}&port={self.port}"
+                         f"&schema={self.schema}")
+        self.shown = self.location
+        self.arguments = ["--database", self.location]
+
+    @staticmethod
+    def note(name):
+        with open(os.path.join(os.environ["CLUSTER"], name), encoding="ascii") as file:
+            return file.read().strip()
+
+    def sql(self, statement, *values):
+        texts = [str(value) if isinstance(value, int) else "'" + value.replace("'", "''") + "'" for value in values]
+        parts = statement.split("?")
+        whole = parts[0] + "".join(text + part for text, part in zip(texts, parts[1:], strict=True))
+        done = subprocess.run(
+            ["psql", "--no-psqlrc", "--quiet", "--csv", "--tuples-only", "--set", "ON_ERROR_STOP=1", "--pset",
+             "null=NULL", "--host", self.folder, "--port", self.port, "--username", "tester", "--dbname", "postgres"],
+            input=f"SET client_min_messages = error; SET search_path = {self.schema};\n{whole};\n",
+            capture_output=True, text=True, check=True)
+        return [tuple(self.value_of(text) for text in row) for row in csv.reader(io.StringIO(done.stdout))]
+
+    @staticmethod
+    def value_of(text):
+        """As SQLite would answer it."""
+        if re.fullmatch(r"-?[0-9]+", text):
+            return int(text)
+        return {"NULL": None, "t": 1, "f": 0}.get(text, text)
+
+    def tables(self):
+        return [name for (name,) in
+                self.sql("SELECT tablename FROM pg_tables WHERE schemaname = current_schema() ORDER BY 1")]
+
+    def drop(self):
+        self.sql(f"DROP SCHEMA IF EXISTS {self.schema} CASCADE")
+
+
 class Site(unittest.TestCase):
-    """Each test has a folder of its own, with the database in `vemora.db`."""
+    """Each test has a folder of its own, and a fresh database."""
 
     maxDiff = None
 
     def setUp(self):
         self.folder = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, self.folder)
-        self.database = self.path("vemora.db")
+        self.behind = (PostgreSQL if ENGINE == "postgresql" else SQLite)(self.folder)
+        self.database = self.behind.location
+        self.addCleanup(self.behind.drop)
 
     def path(self, name):
         return os.path.join(self.folder, name)
@@ -106,7 +186,8 @@ class Site(unittest.TestCase):
         return name
 
     def run_tool(self, *arguments, given=None, **options):
-        process = subprocess.run([TOOL, *arguments], cwd=self.folder, input=given or b"",
+        named = any(str(argument).startswith("--database") for argument in arguments)
+        process = subprocess.run([TOOL, *([] if named else self.behind.arguments), *arguments], cwd=self.folder, input=given or b"",
                                  stdout=options.pop("stdout", subprocess.PIPE), stderr=subprocess.PIPE,
                                  timeout=300, check=False, **options)
         return Outcome(process)
@@ -141,17 +222,11 @@ class Site(unittest.TestCase):
 
     def sql(self, statement, *values):
         """Reads or writes the database behind the tool's back."""
-        connection = sqlite3.connect(self.database)
-        try:
-            with connection:
-                return connection.execute(statement, values).fetchall()
-        finally:
-            connection.close()
+        return self.behind.sql(statement, *values)
 
     def rows(self):
         """Every row of every table."""
-        tables = [name for (name,) in self.sql("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
-        return {table: sorted(self.sql(f"SELECT * FROM {table}"), key=repr) for table in tables}
+        return {table: sorted(self.sql(f"SELECT * FROM {table}"), key=repr) for table in self.behind.tables()}
 
     def files(self):
         """Every file of the folder with its bytes."""
