@@ -9,8 +9,10 @@ namespace kuv::vemora::Directive_Config_Processing {
 /// One failure met while a document was processed.
 struct Error {
   enum class Category : std::int32_t {
-    rejected_document = 0,  ///< the document could not be read; nothing was applied
-    failed_processing = 1,  ///< the document was accepted, applying it failed in whole or in part
+    /// The documents, or what they name, could not be read; nothing was applied.
+    rejected_document = 0,
+    /// The document was accepted; applying it failed in whole or in part.
+    failed_processing = 1,
   };
 
   Category category = Category::rejected_document;

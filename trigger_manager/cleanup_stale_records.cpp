@@ -6,6 +6,7 @@ namespace kuv::vemora {
 /// that failed on the way, so that no half-processed trigger fires.
 void Vemora_Trigger_Manager::cleanup_stale_records_() {
   if (state_.applied_triggers.empty()) {
+    // Said outright: an empty set of survivors is also what a mistake looks like.
     repository_->triggers().delete_all();
   } else {
     repository_->triggers().delete_all_except(applied_trigger_ids_());

@@ -20,6 +20,7 @@ Vemora_Trigger_Manager::Parsed_Config Vemora_Trigger_Manager::parse_triggers_(
     const Json::Value& config, const Json::Value& mapping) {
   Parsed_Config parsed;
   parsed.properties = parser_->parse_config_properties(config);
+  // The mapping before the triggers, which take their schedules from it.
   const Trigger_Mapping schedules_by_trigger = parser_->parse_trigger_mapping(mapping);
   parsed.triggers = parser_->parse_trigger_configs(config, schedules_by_trigger);
   return parsed;
@@ -46,19 +47,21 @@ Trigger_Config_State Vemora_Trigger_Manager::apply_triggers_(Parsed_Config parse
     }
   }
   finalize_processing_();
+  // Moved: a pass that has told the pusher must not fail any more over memory for a copy.
   return std::move(state_);
 }
 
 void Vemora_Trigger_Manager::apply_trigger_(const Trigger_Config& config) {
   const std::shared_ptr<trigger> record = get_trigger_record_(config);
   if (!record) {
-    return;
+    return;  // inactive, and never stored
   }
   if (!is_active(config)) {
     remove_trigger_from_all_records_(record);
     return;  // not counted as applied, so that the clean-up deletes its record
   }
   process_sources_({record, config});
+  // Should an id ever come twice, the first trigger's options stand.
   state_.applied_triggers.emplace(config.id, config.options);
 }
 
@@ -68,6 +71,7 @@ void Vemora_Trigger_Manager::finalize_processing_() {
   cleanup_stale_records_();
   // After it: the cameras that lost subscriptions are reconciled in this pass, not in the next.
   update_streams_if_necessary_();
+  // Last: the pusher is told what the database holds when all is done.
   sync_notification_pusher_();
 }
 

@@ -5,8 +5,11 @@
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
+namespace {
 
 using Directive_Config_Processing::Error;
+
+}  // namespace
 
 void Vemora_Trigger_Manager::record_persistence_failure_(std::string_view message,
                                                          const trigger& record,
@@ -20,8 +23,8 @@ void Vemora_Trigger_Manager::record_persistence_failure_(
     const metadata_event_subscription& subscription) {
   std::string text = fmt::format("Trigger {}: {}", record.id, message);
   if (subscription.camera) {
-    // Not tested for: a subscription with a camera and no topic is corrupt, and whoever reads the
-    // report must learn that rather than a topic that is none.
+    // Not tested for: a subscription with a camera and no topic is a corrupt record, and a report
+    // that left the topic out would pass it off as a generic one.
     text += fmt::format(" | ONVIF topic \"{}\", camera ID {}", subscription.onvif_topic.value(),
                         subscription.camera_id());
   }

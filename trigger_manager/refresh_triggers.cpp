@@ -7,9 +7,12 @@
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
+namespace {
 
 using Directive_Config_Processing::Error;
 using kuv::logging::severity_level;
+
+}  // namespace
 
 bool Vemora_Trigger_Manager::refresh_triggers() {
   return refresh_triggers_().success;

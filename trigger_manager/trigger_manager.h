@@ -25,20 +25,25 @@ class VEMORA_API Trigger_Manager {
  public:
   virtual ~Trigger_Manager() = default;
 
-  /// Runs a pass with a new configuration and stores it. Answers failure with one error, and keeps
-  /// the old configuration, when the document is rejected (category rejected_document; nothing was
-  /// applied) or the pass fails (category failed_processing; what it had written stays). Triggers
-  /// that fail by themselves are reported in a successful result. Throws only what is no
-  /// std::exception.
+  /// Runs a pass with a new configuration and stores it. Triggers that fail by themselves are
+  /// reported in a successful result. Answers failure with one error, and keeps the old
+  /// configuration,
+  ///  - when either document could not be read, or what it names could not be looked up: category
+  ///    rejected_document, nothing was applied;
+  ///  - when the pass fails: category failed_processing, what it had written stays.
+  /// Of what a pass throws, only what is no std::exception comes through.
   virtual Directive_Config_Processing::Result update_config(const Json::Value& config) = 0;
 
-  /// Runs a pass on the stored documents, which stay as they are. False when it failed.
+  /// Runs a pass on the stored documents, which stay as they are. False when it failed; what it had
+  /// written stays. Of what a pass throws, only what is no std::exception comes through.
   virtual bool refresh_triggers() = 0;
 
-  /// The same, and replaces all of `state` by the outcome: of a failed pass, one error.
+  /// The same, and replaces all of `state` by the outcome: of a failed pass, one error. Where an
+  /// exception comes through, `state` is left as it was.
   virtual bool refresh_triggers(Trigger_Config_State& state) = 0;
 
-  /// A copy of the configuration last accepted.
+  /// A copy of the configuration last accepted; until then, of the one that the manager was made
+  /// with, completed.
   virtual Json::Value get_config() = 0;
 
   /// Runs a pass with a new trigger mapping, stores it and answers the outcome. Unlike
@@ -46,7 +51,8 @@ class VEMORA_API Trigger_Manager {
   /// old mapping.
   virtual Trigger_Config_State update_trigger_mapping(const Json::Value& mapping) = 0;
 
-  /// A copy of the trigger mapping last accepted.
+  /// A copy of the trigger mapping last accepted; until then, of the one that the manager was made
+  /// with, completed.
   virtual Json::Value get_trigger_mapping() = 0;
 };
 

@@ -12,13 +12,21 @@
 #include <string_view>
 #include <vector>
 
+#include "vemora/platform/directive_config_processing.h"
 #include "vemora/platform/export.h"
 #include "vemora/platform/logging/source.h"
+#include "vemora/platform/records/camera.h"
+#include "vemora/platform/records/eta_camera.h"
+#include "vemora/platform/records/metadata_event_subscription.h"
+#include "vemora/platform/records/trigger.h"
 #include "vemora/platform/repositories/repository.h"
 #include "vemora/platform/services/capture_manager.h"
 #include "vemora/platform/services/meta_type_resolver.h"
 #include "vemora/platform/services/trigger_notification_pusher.h"
 #include "vemora/trigger_manager/trigger_manager.h"
+#include "vemora/trigger_parser/notification_properties.h"
+#include "vemora/trigger_parser/trigger_config.h"
+#include "vemora/trigger_parser/trigger_config_state.h"
 #include "vemora/trigger_parser/trigger_parser.h"
 
 namespace kuv::vemora {
@@ -78,8 +86,10 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
 
   void initialize_();
 
-  // The pass. From here on the lock is held exclusively by the public operation.
+  /// What both refreshes share. Takes the lock itself.
   Refresh_Result refresh_triggers_();
+
+  // The pass. From here on the lock is held exclusively by the caller, and nothing takes it again.
   Trigger_Config_State process_triggers_(const Json::Value& config, const Json::Value& mapping);
   Parsed_Config parse_triggers_(const Json::Value& config, const Json::Value& mapping);
   Trigger_Config_State apply_triggers_(Parsed_Config parsed);
@@ -105,7 +115,7 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
                                           const Camera_Selection& selection);
   void create_onvif_metadata_source_subscriptions_if_necessary_(const Trigger_Details& details,
                                                                 const Camera_List& cameras);
-  void create_subscription_if_supported_(const std::shared_ptr<trigger>& record,
+  void create_subscription_if_supported_(const std::shared_ptr<trigger>& trigger_record,
                                          const std::string& topic,
                                          const std::shared_ptr<camera>& camera_record);
   void update_onvif_metadata_source_subscriptions_if_necessary_(const Trigger_Details& details,
@@ -113,9 +123,9 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
   void process_generic_metadata_source_subscriptions_(const Trigger_Details& details);
   std::map<std::string, Camera_List> get_cameras_that_need_subscriptions_(
       const std::vector<std::string>& topics, const Camera_List& cameras);
-  void add_trigger_to_subscriptions_(const std::shared_ptr<trigger>& record,
+  void add_trigger_to_subscriptions_(const std::shared_ptr<trigger>& trigger_record,
                                      const Subscription_List& subscriptions);
-  void remove_trigger_from_subscriptions_(const std::shared_ptr<trigger>& record,
+  void remove_trigger_from_subscriptions_(const std::shared_ptr<trigger>& trigger_record,
                                           const Subscription_List& subscriptions);
   bool update_subscription_record_(
       const std::shared_ptr<metadata_event_subscription>& subscription);
@@ -123,15 +133,15 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
   // Object detection.
   void process_eta_camera_sources_(const Trigger_Details& details,
                                    const Camera_Selection& selection);
-  void add_trigger_to_eta_camera_record_(const std::shared_ptr<trigger>& record,
+  void add_trigger_to_eta_camera_record_(const std::shared_ptr<trigger>& trigger_record,
                                          const std::shared_ptr<camera>& camera_record);
-  void remove_trigger_from_eta_camera_records_(const std::shared_ptr<trigger>& record,
-                                               const ETA_Camera_List& camera_records);
+  void remove_trigger_from_eta_camera_records_(const std::shared_ptr<trigger>& trigger_record,
+                                               const ETA_Camera_List& detection_maps);
   std::set<Object_Search_Item> expand_search_items_(
       const std::set<Object_Search_Item>& items) const;
 
   // Stale records and streams.
-  void remove_trigger_from_all_records_(const std::shared_ptr<trigger>& record);
+  void remove_trigger_from_all_records_(const std::shared_ptr<trigger>& trigger_record);
   void gather_stale_subscription_cameras_();
   std::set<std::uint64_t> applied_trigger_ids_() const;
   void update_streams_if_necessary_();

@@ -23,7 +23,7 @@ class VEMORA_API Trigger_Repository {
   virtual bool add(const std::shared_ptr<trigger>& added) = 0;
 
   /// Stores name, schedules and sources of a changed trigger. Refused when it is not stored, and
-  /// when one of its schedules is not.
+  /// when one of its schedules is not; the record then keeps its changes in memory alone.
   virtual bool update(const std::shared_ptr<trigger>& changed) = 0;
 
   /// Deletes every trigger whose id is not in `kept`, and their links to other records with them.
