@@ -1,4 +1,5 @@
 #include <boost/property_tree/ptree.hpp>
+#include <utility>
 
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
@@ -22,13 +23,13 @@ bool supports(const Tree& topics, const std::string& topic) {
 }
 
 std::shared_ptr<metadata_event_subscription> make_subscription(
-    const std::shared_ptr<trigger>& record, const std::string& topic,
+    const std::shared_ptr<trigger>& trigger_record, const std::string& topic,
     const std::shared_ptr<camera>& camera_record) {
   auto subscription = std::make_shared<metadata_event_subscription>();
   subscription->name = topic;
   subscription->onvif_topic = topic;
   subscription->camera = camera_record;
-  subscription->add_trigger(record);
+  subscription->add_trigger(trigger_record);
   return subscription;
 }
 
@@ -37,8 +38,8 @@ std::shared_ptr<metadata_event_subscription> make_subscription(
 void Vemora_Trigger_Manager::create_onvif_metadata_source_subscriptions_if_necessary_(
     const Trigger_Details& details, const Camera_List& cameras) {
   const std::vector<std::string> topics = details.config.all_source_topics();
-  for (const auto& [topic, lacking] : get_cameras_that_need_subscriptions_(topics, cameras)) {
-    for (const std::shared_ptr<camera>& camera_record : lacking) {
+  for (const auto& [topic, uncovered] : get_cameras_that_need_subscriptions_(topics, cameras)) {
+    for (const std::shared_ptr<camera>& camera_record : uncovered) {
       create_subscription_if_supported_(details.trigger, topic, camera_record);
     }
   }
@@ -49,36 +50,36 @@ Vemora_Trigger_Manager::get_cameras_that_need_subscriptions_(const std::vector<s
                                                              const Camera_List& cameras) {
   std::map<std::string, Camera_List> cameras_by_topic;
   for (const std::string& topic : topics) {
-    Camera_List lacking = repository_->cameras().get_cameras_needing_subscription(topic, cameras);
-    if (!lacking.empty()) {
-      cameras_by_topic.try_emplace(topic, std::move(lacking));
+    Camera_List uncovered = repository_->cameras().get_cameras_needing_subscription(topic, cameras);
+    if (!uncovered.empty()) {
+      cameras_by_topic.try_emplace(topic, std::move(uncovered));
     }
   }
   return cameras_by_topic;
 }
 
 void Vemora_Trigger_Manager::create_subscription_if_supported_(
-    const std::shared_ptr<trigger>& record, const std::string& topic,
+    const std::shared_ptr<trigger>& trigger_record, const std::string& topic,
     const std::shared_ptr<camera>& camera_record) {
   const Tree& topics = supported_topics(*camera_record);
   if (topics.empty()) {
     logger_.log(severity_level::debug,
                 "Trigger {} | Skipping subscription creation for tagged camera {}: no metadata "
                 "capabilities to support onvif-metadata source.",
-                record->id, camera_record->id);
+                trigger_record->id, camera_record->id);
     return;
   }
   if (!supports(topics, topic)) {
     return;
   }
   logger_.log(severity_level::info,
-              "Trigger {} | Creating subscription for camera {} with ONVIF topic {}", record->id,
-              camera_record->id, topic);
-  const auto subscription = make_subscription(record, topic, camera_record);
+              "Trigger {} | Creating subscription for camera {} with ONVIF topic {}",
+              trigger_record->id, camera_record->id, topic);
+  const auto subscription = make_subscription(trigger_record, topic, camera_record);
   if (repository_->metadata_event_subscriptions().add(subscription)) {
     cameras_to_reconcile_.insert(camera_record->id);
   } else {
-    record_persistence_failure_("Failed to create subscription for trigger", *record,
+    record_persistence_failure_("Failed to create subscription for trigger", *trigger_record,
                                 *subscription);
   }
 }

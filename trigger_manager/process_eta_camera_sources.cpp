@@ -6,7 +6,8 @@
 namespace kuv::vemora {
 namespace {
 
-using Query = ETA_Camera_Repository::Get_Params;
+using ETA_Camera_Query = ETA_Camera_Repository::Get_Params;
+using Camera_Set = std::set<std::shared_ptr<camera>, ODB_Utils::Record_Comparator>;
 
 bool detects_objects(const std::set<Trigger_Source>& sources) {
   return std::any_of(sources.begin(), sources.end(), [](const Trigger_Source& source) {
@@ -20,63 +21,72 @@ bool detects_motion(const std::set<Trigger_Source>& sources) {
   return sources.count(motion) != 0;
 }
 
+/// The cameras that the sources watch, among the candidates; with no candidates, among all.
+Camera_Set watched_cameras(const std::set<Trigger_Source>& sources, Camera_Repository& cameras,
+                           const std::vector<std::shared_ptr<camera>>& candidates) {
+  Camera_Set watched;
+  if (detects_objects(sources)) {
+    const auto eligible = cameras.get_object_detection_cameras(candidates);
+    watched.insert(eligible.begin(), eligible.end());
+  }
+  if (detects_motion(sources)) {
+    const auto eligible = cameras.get_motion_detection_cameras(candidates);
+    watched.insert(eligible.begin(), eligible.end());
+  }
+  return watched;
+}
+
 }  // namespace
 
 void Vemora_Trigger_Manager::process_eta_camera_sources_(const Trigger_Details& details,
                                                          const Camera_Selection& selection) {
-  Query query;
+  ETA_Camera_Query query;
   query.trigger = details.trigger;
   if (selection && selection->empty()) {
     remove_trigger_from_eta_camera_records_(details.trigger, repository_->eta_cameras().get(query));
     return;
   }
 
-  const Camera_List candidates = selection.value_or(Camera_List());
-  std::set<std::shared_ptr<camera>, ODB_Utils::Record_Comparator> watched;
-  if (detects_objects(details.config.sources)) {
-    const Camera_List eligible = repository_->cameras().get_object_detection_cameras(candidates);
-    watched.insert(eligible.begin(), eligible.end());
-  }
-  if (detects_motion(details.config.sources)) {
-    const Camera_List eligible = repository_->cameras().get_motion_detection_cameras(candidates);
-    watched.insert(eligible.begin(), eligible.end());
-  }
+  const Camera_Set watched = watched_cameras(details.config.sources, repository_->cameras(),
+                                             selection.value_or(Camera_List()));
   for (const std::shared_ptr<camera>& camera_record : watched) {
     add_trigger_to_eta_camera_record_(details.trigger, camera_record);
   }
 
   query.cameras.assign(watched.begin(), watched.end());
-  query.cameras_match = Query::Cameras::outside;
+  query.cameras_match = ETA_Camera_Query::Cameras::outside;
   remove_trigger_from_eta_camera_records_(details.trigger, repository_->eta_cameras().get(query));
 }
 
 void Vemora_Trigger_Manager::add_trigger_to_eta_camera_record_(
-    const std::shared_ptr<trigger>& record, const std::shared_ptr<camera>& camera_record) {
+    const std::shared_ptr<trigger>& trigger_record, const std::shared_ptr<camera>& camera_record) {
   auto& eta_cameras = repository_->eta_cameras();
-  std::shared_ptr<eta_camera> map = eta_cameras.get_by_camera_id(camera_record->id);
-  if (map) {
-    if (map->add_trigger(record) && !eta_cameras.update(map)) {
-      record_persistence_failure_("Failed to add trigger to ETA camera map", *record, *map);
+  std::shared_ptr<eta_camera> detection_map = eta_cameras.get_by_camera_id(camera_record->id);
+  if (detection_map) {
+    if (detection_map->add_trigger(trigger_record) && !eta_cameras.update(detection_map)) {
+      record_persistence_failure_("Failed to add trigger to ETA camera map", *trigger_record,
+                                  *detection_map);
     }
     return;
   }
-  map = std::make_shared<eta_camera>();
-  map->camera = camera_record;
-  map->add_trigger(record);
-  if (!eta_cameras.add(map)) {
-    record_persistence_failure_("Failed to create ETA camera map for trigger", *record, *map);
+  detection_map = std::make_shared<eta_camera>();
+  detection_map->camera = camera_record;
+  detection_map->add_trigger(trigger_record);
+  if (!eta_cameras.add(detection_map)) {
+    record_persistence_failure_("Failed to create ETA camera map for trigger", *trigger_record,
+                                *detection_map);
   }
 }
 
 /// Stores every record it is given, changed or not: unlike an addition, a removal that was missed
 /// once would leave a camera searching for nobody.
 void Vemora_Trigger_Manager::remove_trigger_from_eta_camera_records_(
-    const std::shared_ptr<trigger>& record, const ETA_Camera_List& camera_records) {
-  for (const std::shared_ptr<eta_camera>& map : camera_records) {
-    map->remove_trigger(record);
-    if (!repository_->eta_cameras().update(map)) {
-      record_persistence_failure_("Failed to remove trigger from object detection map", *record,
-                                  *map);
+    const std::shared_ptr<trigger>& trigger_record, const ETA_Camera_List& detection_maps) {
+  for (const std::shared_ptr<eta_camera>& detection_map : detection_maps) {
+    detection_map->remove_trigger(trigger_record);
+    if (!repository_->eta_cameras().update(detection_map)) {
+      record_persistence_failure_("Failed to remove trigger from object detection map",
+                                  *trigger_record, *detection_map);
     }
   }
 }

@@ -3,7 +3,8 @@
 namespace kuv::vemora {
 namespace {
 
-using Query = Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+using Subscription_Query =
+    Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
 
 bool has_generic_source(const std::set<Trigger_Source>& sources) {
   Trigger_Source generic;
@@ -16,9 +17,9 @@ bool has_generic_source(const std::set<Trigger_Source>& sources) {
 void Vemora_Trigger_Manager::process_generic_metadata_source_subscriptions_(
     const Trigger_Details& details) {
   auto& subscriptions = repository_->metadata_event_subscriptions();
-  Query query;
+  Subscription_Query query;
   query.trigger = details.trigger;
-  query.kind = Query::Kind::generic;
+  query.kind = Subscription_Query::Kind::generic;
   if (!has_generic_source(details.config.sources)) {
     remove_trigger_from_subscriptions_(details.trigger,
                                        subscriptions.Get_Matching_Subscriptions(query));
@@ -26,13 +27,13 @@ void Vemora_Trigger_Manager::process_generic_metadata_source_subscriptions_(
   }
 
   query.tags = details.config.tags.event_subscription;
-  query.trigger_match = Query::Trigger_Match::lacking;
+  query.trigger_match = Subscription_Query::Trigger_Match::lacking;
   add_trigger_to_subscriptions_(details.trigger, subscriptions.Get_Matching_Subscriptions(query));
   if (query.tags.empty()) {
     return;  // a filter that asks for nothing refuses nothing, so nothing can lie outside it
   }
-  query.trigger_match = Query::Trigger_Match::holding;
-  query.tags_match = Query::Tags::not_matching;
+  query.trigger_match = Subscription_Query::Trigger_Match::holding;
+  query.tags_match = Subscription_Query::Tags::not_matching;
   remove_trigger_from_subscriptions_(details.trigger,
                                      subscriptions.Get_Matching_Subscriptions(query));
 }

@@ -1,13 +1,17 @@
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
+namespace {
 
-using Query = Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+using Subscription_Query =
+    Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+
+}  // namespace
 
 void Vemora_Trigger_Manager::process_onvif_based_subscriptions_(const Trigger_Details& details,
                                                                 const Camera_Selection& selection) {
   auto& subscriptions = repository_->metadata_event_subscriptions();
-  Query query;
+  Subscription_Query query;
   query.trigger = details.trigger;
   if (selection && selection->empty()) {
     remove_trigger_from_subscriptions_(details.trigger,
@@ -20,7 +24,7 @@ void Vemora_Trigger_Manager::process_onvif_based_subscriptions_(const Trigger_De
     create_onvif_metadata_source_subscriptions_if_necessary_(details, query.cameras);
     update_onvif_metadata_source_subscriptions_if_necessary_(details, query.cameras);
   }
-  query.topics_and_cameras = Query::Topics_And_Cameras::outside;
+  query.topics_and_cameras = Subscription_Query::Topics_And_Cameras::outside;
   remove_trigger_from_subscriptions_(details.trigger,
                                      subscriptions.Get_Matching_Subscriptions(query));
 }

@@ -3,16 +3,17 @@
 namespace kuv::vemora {
 
 void Vemora_Trigger_Manager::remove_trigger_from_all_records_(
-    const std::shared_ptr<trigger>& record) {
-  Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params subscriptions;
-  subscriptions.trigger = record;
+    const std::shared_ptr<trigger>& trigger_record) {
+  Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params subscription_query;
+  subscription_query.trigger = trigger_record;
   remove_trigger_from_subscriptions_(
-      record,
-      repository_->metadata_event_subscriptions().Get_Matching_Subscriptions(subscriptions));
+      trigger_record,
+      repository_->metadata_event_subscriptions().Get_Matching_Subscriptions(subscription_query));
 
-  ETA_Camera_Repository::Get_Params maps;
-  maps.trigger = record;
-  remove_trigger_from_eta_camera_records_(record, repository_->eta_cameras().get(maps));
+  ETA_Camera_Repository::Get_Params eta_camera_query;
+  eta_camera_query.trigger = trigger_record;
+  remove_trigger_from_eta_camera_records_(trigger_record,
+                                          repository_->eta_cameras().get(eta_camera_query));
 }
 
 }  // namespace kuv::vemora

@@ -33,8 +33,8 @@ void Vemora_Trigger_Manager::collect_subscriptions_() {
       continue;
     }
     const std::uint64_t camera_id = subscription->camera_id();
-    // A camera without a topic is a corrupt record. It ends the pass: a pusher that is told less
-    // than the truth would drop notifications without anybody noticing.
+    // A subscription with a camera and no topic is a corrupt record. It ends the pass: a pusher
+    // that is told less than the truth would drop notifications without anybody noticing.
     const std::string& topic = subscription->onvif_topic.value();
     for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
       state_.onvif_topics_by_trigger[trigger_id][camera_id].insert(topic);
@@ -43,9 +43,9 @@ void Vemora_Trigger_Manager::collect_subscriptions_() {
 }
 
 void Vemora_Trigger_Manager::collect_search_items_() {
-  for (const std::shared_ptr<eta_camera>& map : repository_->eta_cameras().get_all()) {
-    const std::uint64_t camera_id = map->camera_id();
-    for (const std::shared_ptr<trigger>& record : map->triggers) {
+  for (const std::shared_ptr<eta_camera>& detection_map : repository_->eta_cameras().get_all()) {
+    const std::uint64_t camera_id = detection_map->camera_id();
+    for (const std::shared_ptr<trigger>& record : detection_map->triggers) {
       // Assigned, not merged: should a camera ever have two maps, the later one is the newer truth.
       state_.search_items_by_trigger[record->id][camera_id] =
           expand_search_items_(search_items(*record));

@@ -17,28 +17,29 @@ bool Vemora_Trigger_Manager::update_subscription_record_(
 }
 
 // Both store every subscription they are given, changed or not: the queries already leave out what
-// needs no change, and a record that disagrees with its query is better stored than believed.
+// needs no change, and where record and query disagree, storing the record and reconciling its
+// camera puts both right.
 
-void Vemora_Trigger_Manager::add_trigger_to_subscriptions_(const std::shared_ptr<trigger>& record,
-                                                           const Subscription_List& subscriptions) {
+void Vemora_Trigger_Manager::add_trigger_to_subscriptions_(
+    const std::shared_ptr<trigger>& trigger_record, const Subscription_List& subscriptions) {
   for (const auto& subscription : subscriptions) {
-    subscription->add_trigger(record);
+    subscription->add_trigger(trigger_record);
     if (!update_subscription_record_(subscription)) {
       record_persistence_failure_(
-          fmt::format("Failed to add trigger to subscription {}", subscription->id), *record,
-          *subscription);
+          fmt::format("Failed to add trigger to subscription {}", subscription->id),
+          *trigger_record, *subscription);
     }
   }
 }
 
 void Vemora_Trigger_Manager::remove_trigger_from_subscriptions_(
-    const std::shared_ptr<trigger>& record, const Subscription_List& subscriptions) {
+    const std::shared_ptr<trigger>& trigger_record, const Subscription_List& subscriptions) {
   for (const auto& subscription : subscriptions) {
-    subscription->remove_trigger(record);
+    subscription->remove_trigger(trigger_record);
     if (!update_subscription_record_(subscription)) {
       record_persistence_failure_(
-          fmt::format("Failed to remove trigger from subscription {}", subscription->id), *record,
-          *subscription);
+          fmt::format("Failed to remove trigger from subscription {}", subscription->id),
+          *trigger_record, *subscription);
     }
   }
 }
