@@ -5,6 +5,7 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <string_view>
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -69,58 +70,128 @@ const Json::Value* narrow_to_source(const Json::Value& trigger, const std::strin
   return &trigger;
 }
 
-}  // namespace
+/// Asks for one trigger after the other, as the parser takes them.
+class Trigger_Walk {
+ public:
+  Trigger_Walk(Trigger_Parser& parser, const Trigger_Mapping& mapping)
+      : parser_(parser), mapping_(mapping) {}
 
-Rejected_Part locate_in_properties(const Json::Value& config, const std::string& message) {
-  return {follow_named_key(config, message), std::nullopt, std::nullopt};
-}
-
-Rejected_Part locate_in_mapping(Trigger_Parser& parser, const Json::Value& mapping,
-                                const std::string& message) {
-  const Json::Value* associations = mapping.isObject() ? &mapping["triggerMapping"] : nullptr;
-  if (associations == nullptr || !associations->isArray()) {
-    return {follow_named_key(mapping, message), std::nullopt, std::nullopt};
+  std::vector<Rejected_Part> rejections(const Json::Value& triggers) {
+    std::vector<Rejected_Part> found;
+    for (Json::ArrayIndex index = 0; index < triggers.size(); ++index) {
+      if (auto rejection = rejection_of(triggers[index])) {
+        rejection->index = index;
+        rejection->id = id_of(triggers[index]);
+        found.push_back(*std::move(rejection));
+      }
+    }
+    return found;
   }
-  for (Json::ArrayIndex index = 0; index < associations->size(); ++index) {
-    const Json::Value& association = (*associations)[index];
-    const auto parse = [&] {
-      parser.parse_trigger_mapping(document_of("triggerMapping", association));
-    };
-    if (verdict(parse) == message) {
-      return {follow_named_key(association, message), index, std::nullopt};
+
+ private:
+  std::vector<Trigger_Config> parse(const Json::Value& trigger) {
+    return parser_.parse_trigger_configs(document_of("triggers", trigger), mapping_);
+  }
+
+  std::string say(const Json::Value& trigger) {
+    return verdict([&] { parse(trigger); });
+  }
+
+  std::optional<Rejected_Part> rejection_of(const Json::Value& trigger) {
+    std::vector<Trigger_Config> parsed;
+    const std::string message = verdict([&] { parsed = parse(trigger); });
+    if (!message.empty()) {
+      const Json::Value* const narrowed =
+          narrow_to_source(trigger, message, [this](const Json::Value& one) { return say(one); });
+      return Rejected_Part{message, follow_named_key(*narrowed, message), {}, {}};
+    }
+    if (!parsed.empty() && !kept_.insert(parsed.front().id).second) {
+      return Rejected_Part{complaint_of_twins(trigger), &trigger["id"], {}, {}};
+    }
+    return std::nullopt;
+  }
+
+  std::string complaint_of_twins(const Json::Value& trigger) {
+    Json::Value twins = document_of("triggers", trigger);
+    twins["triggers"].append(trigger);
+    return verdict([&] { parser_.parse_trigger_configs(twins, mapping_); });
+  }
+
+  Trigger_Parser& parser_;
+  const Trigger_Mapping& mapping_;
+  std::set<std::uint64_t> kept_;
+};
+
+std::vector<Rejected_Part> rejections_of_associations(Trigger_Parser& parser,
+                                                      const Json::Value& associations) {
+  std::vector<Rejected_Part> found;
+  for (Json::ArrayIndex index = 0; index < associations.size(); ++index) {
+    const Json::Value& association = associations[index];
+    const std::string message =
+        verdict([&] { parser.parse_trigger_mapping(document_of("triggerMapping", association)); });
+    if (!message.empty()) {
+      found.push_back({message, follow_named_key(association, message), index, std::nullopt});
     }
   }
-  return {associations, std::nullopt, std::nullopt};
+  return found;
 }
 
-Rejected_Part locate_in_triggers(Trigger_Parser& parser, const Json::Value& config,
-                                 const Trigger_Mapping& mapping, const std::string& message) {
-  const Json::Value* triggers = config.isObject() ? &config["triggers"] : nullptr;
-  if (triggers == nullptr || !triggers->isArray()) {
-    return {follow_named_key(config, message), std::nullopt, std::nullopt};
+/// What is said of the elements of an array explains what is said of the whole; if it does not, the
+/// array is as near as one gets.
+std::vector<Rejected_Part> explained(const std::string& message, const Json::Value& array,
+                                     std::vector<Rejected_Part> elements) {
+  if (elements.empty() || elements.front().message != message) {
+    elements.insert(elements.begin(), {message, &array, std::nullopt, std::nullopt});
+  }
+  return elements;
+}
+
+const Json::Value* array_in(const Json::Value& document, const char* key) {
+  const Json::Value* const found =
+      document.isObject() ? document.find(key, key + std::string_view(key).size()) : nullptr;
+  return found != nullptr && found->isArray() ? found : nullptr;
+}
+
+}  // namespace
+
+std::vector<Rejected_Part> rejections_of_properties(Trigger_Parser& parser,
+                                                    const Json::Value& config) {
+  const std::string message = verdict([&] { parser.parse_config_properties(config); });
+  if (message.empty()) {
+    return {};
+  }
+  return {{message, follow_named_key(config, message), std::nullopt, std::nullopt}};
+}
+
+std::vector<Rejected_Part> rejections_of_mapping(Trigger_Parser& parser,
+                                                 const Json::Value& mapping) {
+  const std::string message = verdict([&] { parser.parse_trigger_mapping(mapping); });
+  if (message.empty()) {
+    return {};
+  }
+  const Json::Value* const associations = array_in(mapping, "triggerMapping");
+  if (associations == nullptr) {
+    return {{message, follow_named_key(mapping, message), std::nullopt, std::nullopt}};
+  }
+  return explained(message, *associations, rejections_of_associations(parser, *associations));
+}
+
+std::vector<Rejected_Part> rejections_of_triggers(Trigger_Parser& parser, const Json::Value& config,
+                                                  const Trigger_Mapping& mapping) {
+  const std::string message = verdict([&] { parser.parse_trigger_configs(config, mapping); });
+  if (message.empty()) {
+    return {};
+  }
+  const Json::Value* const triggers = array_in(config, "triggers");
+  if (triggers == nullptr) {
+    return {{message, follow_named_key(config, message), std::nullopt, std::nullopt}};
   }
   Json::Value empty(Json::objectValue);
   empty["triggers"] = Json::Value(Json::arrayValue);
   if (verdict([&] { parser.parse_trigger_configs(empty, mapping); }) == message) {
-    return {};  // the server is unknown, whatever its triggers are
+    return {{message, nullptr, std::nullopt, std::nullopt}};  // whatever its triggers are
   }
-  const auto say = [&](const Json::Value& trigger) {
-    return verdict(
-        [&] { parser.parse_trigger_configs(document_of("triggers", trigger), mapping); });
-  };
-  std::set<std::uint64_t> kept;
-  for (Json::ArrayIndex index = 0; index < triggers->size(); ++index) {
-    const Json::Value& trigger = (*triggers)[index];
-    if (say(trigger) == message) {
-      const Json::Value* const narrowed = narrow_to_source(trigger, message, say);
-      return {follow_named_key(*narrowed, message), index, id_of(trigger)};
-    }
-    const auto parsed = parser.parse_trigger_configs(document_of("triggers", trigger), mapping);
-    if (!parsed.empty() && !kept.insert(parsed.front().id).second) {
-      return {&trigger["id"], index, id_of(trigger)};
-    }
-  }
-  return {triggers, std::nullopt, std::nullopt};
+  return explained(message, *triggers, Trigger_Walk(parser, mapping).rejections(*triggers));
 }
 
 }  // namespace kuv::vemora::embedded_server

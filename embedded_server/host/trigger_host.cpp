@@ -56,31 +56,35 @@ Json::Value with_default(Json::Value document, const char* key) {
   return document;
 }
 
-/// One step of reading the documents, in the order in which a pass takes them.
-struct Stage {
-  const char* name;
-  const Json_Document* document;  ///< null: the stored one
-  std::function<void()> parse;
-  std::function<Rejected_Part(const std::string&)> locate;
-};
-
-std::optional<std::string> rejection_by(const std::function<void()>& parse) {
-  try {
-    parse();
-    return std::nullopt;
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-}
-
-Check_Fault describe(const Stage& stage, const std::string& message) {
-  const Rejected_Part found = stage.locate(message);
-  Check_Fault fault{stage.name, {message, {}}, found.index, found.id};
-  if (found.part != nullptr && stage.document != nullptr) {
-    fault.fault.location = stage.document->locate(*found.part);
+/// Where a document stands that parts of were rejected: the stored one, when it is null, nowhere.
+Check_Fault describe(const char* name, const Json_Document* document, const Rejected_Part& found) {
+  Check_Fault fault{name, {found.message, {}}, found.index, found.id};
+  if (found.part != nullptr && document != nullptr) {
+    fault.fault.location = document->locate(*found.part);
   }
   return fault;
 }
+
+/// Gathers rejections in the order of a pass.
+class Rejections {
+ public:
+  /// Behind the first one, only triggers and associations: of the rest nobody knows what it would
+  /// be without the first.
+  void add(const char* name, const Json_Document* document,
+           const std::vector<Rejected_Part>& rejections) {
+    const bool first = found_.empty();
+    for (const Rejected_Part& rejection : rejections) {
+      if (first || rejection.index) {
+        found_.push_back(describe(name, document, rejection));
+      }
+    }
+  }
+
+  std::vector<Check_Fault> take() { return std::move(found_); }
+
+ private:
+  std::vector<Check_Fault> found_;
+};
 
 bool is_corrupt(const metadata_event_subscription& record) {
   return record.camera && !record.onvif_topic;
@@ -118,7 +122,8 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
   outcome.status = status_of(result);
   outcome.errors = std::move(result.errors);
   if (outcome.status == Status::rejected && !pass.fault()) {
-    outcome.rejection = find_rejection(config, mapping, schedules);
+    const auto rejections = find_rejections(config, mapping, schedules);
+    outcome.rejection = rejections.empty() ? std::nullopt : std::make_optional(rejections.front());
   }
   finish(pass,
          {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
@@ -138,10 +143,10 @@ Directive_Config_Processing::Result Trigger_Host::update_config(Pass_Scope& pass
     return make_manager(before.value_or(Json::objectValue), mapping)->update_config(config.value());
   }
   // No manager can be made with such a mapping, so its parser says what a pass would have said.
-  const auto rejection = find_rejection(config, nullptr, mapping);
+  const auto rejections = find_rejections(config, nullptr, mapping);
   return {false,
           {{Error::Category::rejected_document,
-            "Failed to parse trigger config: " + rejection.value().fault.message}}};
+            "Failed to parse trigger config: " + rejections.at(0).fault.message}}};
 }
 
 Pass_Outcome Trigger_Host::refresh() {
@@ -157,10 +162,10 @@ Pass_Outcome Trigger_Host::refresh() {
   return outcome;
 }
 
-std::optional<Check_Fault> Trigger_Host::check(const Json_Document& config,
-                                               const Json_Document* mapping) {
+std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
+                                             const Json_Document* mapping) {
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
-  const auto found = find_rejection(config, mapping, value_of(mapping, pass));
+  auto found = find_rejections(config, mapping, value_of(mapping, pass));
   if (pass.fault()) {
     throw Database_Error(*pass.fault());
   }
@@ -168,29 +173,19 @@ std::optional<Check_Fault> Trigger_Host::check(const Json_Document& config,
 }
 
 /// `schedules` is the mapping, or the stored one.
-std::optional<Check_Fault> Trigger_Host::find_rejection(const Json_Document& config,
-                                                        const Json_Document* mapping,
-                                                        const Json::Value& schedules) {
+std::vector<Check_Fault> Trigger_Host::find_rejections(const Json_Document& config,
+                                                       const Json_Document* mapping,
+                                                       const Json::Value& schedules) {
   Vemora_Trigger_Parser parser(repository_, server_id_);
-  const Json::Value& configured = config.value();
-  Trigger_Mapping parsed;
-  const std::array<Stage, 3> stages{{
-      {"config", &config, [&] { parser.parse_config_properties(configured); },
-       [&](const std::string& message) { return locate_in_properties(configured, message); }},
-      {"mapping", mapping,
-       [&] { parsed = parser.parse_trigger_mapping(with_default(schedules, "triggerMapping")); },
-       [&](const std::string& message) { return locate_in_mapping(parser, schedules, message); }},
-      {"config", &config, [&] { parser.parse_trigger_configs(configured, parsed); },
-       [&](const std::string& message) {
-         return locate_in_triggers(parser, configured, parsed, message);
-       }},
-  }};
-  for (const Stage& stage : stages) {
-    if (const std::optional<std::string> rejection = rejection_by(stage.parse)) {
-      return describe(stage, *rejection);
-    }
-  }
-  return std::nullopt;
+  Rejections found;
+  found.add("config", &config, rejections_of_properties(parser, config.value()));
+  const Json::Value completed = with_default(schedules, "triggerMapping");
+  const auto in_mapping = rejections_of_mapping(parser, completed);
+  found.add("mapping", mapping, in_mapping);
+  const Trigger_Mapping parsed =
+      in_mapping.empty() ? parser.parse_trigger_mapping(completed) : Trigger_Mapping();
+  found.add("config", &config, rejections_of_triggers(parser, config.value(), parsed));
+  return found.take();
 }
 
 std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(const Json::Value& config,

@@ -69,19 +69,19 @@ class VEMORA_API Trigger_Host {
   /// Runs a pass on the stored documents.
   Pass_Outcome refresh();
 
-  /// The first fault for which the parser would reject the documents (the stored mapping where none
-  /// is given), with exactly its text; nothing when they are valid. Writes nothing and waits for
-  /// nobody.
-  std::optional<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
+  /// Why the parser would reject the documents (with the stored mapping where none is given): first
+  /// with exactly its text what it would say, then the other triggers and associations that it
+  /// would reject too. Nothing when they are valid. Writes nothing and waits for nobody.
+  std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
 
  private:
   std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
                                                        const Json::Value& mapping);
   Directive_Config_Processing::Result update_config(Pass_Scope& pass, const Json_Document& config,
                                                     const Json::Value& mapping);
-  std::optional<Check_Fault> find_rejection(const Json_Document& config,
-                                            const Json_Document* mapping,
-                                            const Json::Value& schedules);
+  std::vector<Check_Fault> find_rejections(const Json_Document& config,
+                                           const Json_Document* mapping,
+                                           const Json::Value& schedules);
   void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);

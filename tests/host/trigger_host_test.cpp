@@ -1,5 +1,6 @@
 #include "vemora/embedded_server/host/trigger_host.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -289,8 +290,8 @@ TEST_F(Trigger_Host_Test, tells_what_a_document_was_rejected_for_as_check_does) 
                            "Failed to parse trigger config: \"id\" field is missing or invalid.")));
   ASSERT_TRUE(outcome.rejection);
   const auto checked = host().check(Json_Document(config), nullptr);
-  ASSERT_TRUE(checked);
-  for (const Check_Fault& fault : {*outcome.rejection, *checked}) {
+  ASSERT_EQ(checked.size(), 1);
+  for (const Check_Fault& fault : {*outcome.rejection, checked.front()}) {
     EXPECT_EQ(fault.document, "config");
     EXPECT_EQ(fault.fault.message, "\"id\" field is missing or invalid.");
     EXPECT_EQ(fault.fault.location.line, 2);
@@ -300,6 +301,53 @@ TEST_F(Trigger_Host_Test, tells_what_a_document_was_rejected_for_as_check_does) 
   }
   EXPECT_THAT(capture_manager->asked_for, IsEmpty());
   EXPECT_THAT(pusher->states, IsEmpty());
+}
+
+/// "document line:column index id: what is wrong", one each.
+std::vector<std::string> texts_of(const std::vector<Check_Fault>& faults) {
+  std::vector<std::string> texts;
+  for (const Check_Fault& fault : faults) {
+    const auto text = [](const auto& number) { return number ? std::to_string(*number) : "-"; };
+    texts.push_back(fmt::format("{} {}:{} {} {}: {}", fault.document, fault.fault.location.line,
+                                fault.fault.location.column, text(fault.index), text(fault.id),
+                                fault.fault.message));
+  }
+  return texts;
+}
+
+TEST_F(Trigger_Host_Test, checks_every_trigger_and_every_association) {
+  const Json_Document config(R"({"properties": {"notificationNackDelayMs": "1"}, "triggers": [
+{"id": 1, "name": "fine", "tags": {}, "sources": [{"type": "metadata-event"}]},
+{"id": 2, "name": 2},
+{"id": 1, "name": "twin", "tags": {}, "sources": [{"type": "metadata-event"}]},
+7,
+{"id": 3, "name": "", "tags": {}, "sources": [{"type": "external"}, {"type": "onvif-metadata"}]},
+{"id": 2, "name": "", "tags": {}, "sources": []}]})");
+  const Json_Document mapping(R"({"triggerMapping": [
+{"scheduleIds": [], "triggerIds": [1]}, {"triggerIds": [1]},
+{"scheduleIds": [], "triggerIds": []}]})");
+
+  EXPECT_THAT(
+      texts_of(host().check(config, &mapping)),
+      ElementsAre(
+          R"(config 1:44 - -: "properties.notificationNackDelayMs" must be an unsigned integer.)",
+          R"(mapping 2:41 1 -: "scheduleIds" array is missing or invalid.)",
+          R"(mapping 3:35 2 -: "triggerIds" array is empty.)",
+          R"(config 3:19 1 2: "name" field is missing or invalid.)",
+          R"(config 4:8 2 1: All "id" values must be unique, 1 is duplicated.)",
+          R"(config 5:1 3 -: "triggers" must be an array of JSON objects.)",
+          R"(config 6:69 4 3: An onvif-metadata source has a missing or invalid "onvifTopic" field.)",
+          R"(config 7:46 5 2: "sources" array is empty.)"));
+}
+
+TEST_F(Trigger_Host_Test, checks_no_further_what_the_first_fault_makes_senseless) {
+  const Json_Document valid("{}");
+  EXPECT_THAT(texts_of(host().check(Json_Document(R"({"properties": 1, "triggers": 1})"), &valid)),
+              ElementsAre(R"(config 1:16 - -: "properties" must be a JSON object.)"));
+  foreign_program().execute("DELETE FROM server");
+  EXPECT_THAT(
+      texts_of(host().check(Json_Document(R"({"triggers": [{}]})"), &valid)),
+      ElementsAre("config 0:0 - -: Failed to retrieve server tags due to invalid server ID"));
 }
 
 TEST_F(Trigger_Host_Test, rejects_a_mapping_that_is_no_object) {
@@ -388,7 +436,7 @@ TEST_P(Damaged_Documents, are_no_fault_of_a_new_configuration) {
   EXPECT_EQ(complaint_of([&] { host().apply(config, nullptr); }), damaged_mapping);
   EXPECT_EQ(complaint_of([&] { host().check(config, nullptr); }), damaged_mapping);
   const Json_Document mapping("{}");
-  EXPECT_FALSE(host().check(config, &mapping));
+  EXPECT_THAT(host().check(config, &mapping), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Damaged_Documents, testing::Values("", "[]", "7", "{\"trig", "{}}"));

@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <vector>
 
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
@@ -28,11 +31,14 @@ Exit_Status check(const Options& options, const std::string& config_path,
   embedded_server::Trigger_Host host(embedded_server::Database::open(options.database),
                                      options.server_id);
   const auto found = host.check(documents.config(), documents.mapping());
-  if (!found) {
+  if (found.empty()) {
     print_valid(options);
     return exit_done;
   }
-  print_faults(options, {documents.locate(*found)});
+  std::vector<Located_Fault> faults;
+  std::transform(found.begin(), found.end(), std::back_inserter(faults),
+                 [&](const auto& fault) { return documents.locate(fault); });
+  print_faults(options, faults);
   return exit_rejected;
 }
 

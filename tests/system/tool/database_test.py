@@ -5,7 +5,7 @@ import os
 import subprocess
 import unittest
 
-from tool_site import DONE, FAILED, TOOL, Outcome, Site, config, mapping, topic_source, trigger
+from tool_site import DONE, FAILED, TOOL, Outcome, Site, config, mapping, on_sqlite, topic_source, trigger
 
 COMMANDS = (["check", "config.json"], ["apply", "config.json"], ["apply", "config.json", "mapping.json"], ["refresh"],
             ["show", "triggers"], ["show", "subscriptions"], ["show", "config"], ["init", "inventory.json"])
@@ -30,6 +30,7 @@ class Database_Site(Site):
         return error["message"]
 
 
+@on_sqlite
 class Damaged_Databases(Database_Site):
     def damaged(self, content):
         self.write("damaged.db", content)
@@ -96,6 +97,7 @@ class Damaged_Databases(Database_Site):
         self.assertEqual([record["id"] for record in self.show("triggers")], [8])
 
 
+@on_sqlite
 class Full_Disks(Database_Site):
     def test_a_pass_that_finds_no_room_leaves_everything_as_it_was(self):
         name = self.write("large.json", config(*(trigger(number, topic_source("x" * 100)) for number in range(5000))))
@@ -195,6 +197,7 @@ class Damaged_Documents(Database_Site):
         self.assertEqual(outcome.text, "stored mapping: error: \"triggerMapping\" array is missing or invalid.\n")
 
 
+@on_sqlite
 class Busy_Databases(Database_Site):
     def run_all(self, *commands):
         """Runs commands at the same time."""

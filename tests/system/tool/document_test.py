@@ -47,6 +47,16 @@ class Checked_Documents(Site):
                          "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")
         self.assertEqual((error["index"], error["id"], error["line"]), (0, 7, 4))
 
+    def test_every_trigger_and_association_with_a_fault_is_told(self):
+        errors = self.errors(config({"id": 1}, trigger(2), {**trigger(3), "sources": []}),
+                             mapping(([], [1]), ([], []), (["x"], [1])))
+        self.assertEqual([(error["document"], error["index"], error.get("id"), error["message"]) for error in errors], [
+            ("mapping", 1, None, "\"triggerIds\" array is empty."),
+            ("mapping", 2, None, "\"scheduleIds\" must be an array of unsigned integers."),
+            ("config", 0, 1, "\"name\" field is missing or invalid."),
+            ("config", 2, 3, "\"sources\" array is empty.")])
+        self.assertEqual(self.run_tool("check", "config.json", "mapping.json").text.count(": error: "), 4)
+
     def test_a_trigger_without_an_id_is_told_by_its_index(self):
         [error] = self.errors(config(trigger(6), {"name": "x"}))
         self.assertEqual((error["message"], error["index"]), ("\"id\" field is missing or invalid.", 1))

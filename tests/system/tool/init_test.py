@@ -1,11 +1,12 @@
 """init: what it makes, replaces and leaves alone, and when it refuses."""
 
 import os
+import sqlite3
 import subprocess
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, TOOL, Site, camera, config, small_inventory,
-                       topic_source, trigger)
+from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, TOOL, Site, camera, config, on_sqlite,
+                       small_inventory, topic_source, trigger)
 
 STORED = ("{}: stored 1 servers, 2 cameras, 2 schedules, 1 event categories, 1 generic subscriptions, "
           "1 general object types.\n")
@@ -17,7 +18,9 @@ class Made_Databases(Site):
         self.write("inventory.json", small_inventory())
 
     def test_people_read_what_was_stored(self):
-        self.assertEqual(self.run_tool("init", "inventory.json").text, STORED.format("vemora.db"))
+        self.assertEqual(self.run_tool("init", "inventory.json").text, STORED.format(self.behind.shown))
+
+    def test_a_file_may_be_called_one_of_sqlite(self):
         self.assertEqual(self.run_tool("--database", "sqlite:other.db", "init", "inventory.json").text,
                          STORED.format("sqlite:other.db"))
         self.assertTrue(os.path.exists(self.path("other.db")))
@@ -33,6 +36,7 @@ class Made_Databases(Site):
         self.assertEqual((outcome.status, outcome.err), (DONE, b""))
         self.assertEqual([record["id"] for record in self.show("cameras")], [10])
 
+    @on_sqlite
     def test_an_empty_file_becomes_a_database(self):
         self.write("vemora.db", b"")
         refused = self.run_tool("refresh")
@@ -41,6 +45,7 @@ class Made_Databases(Site):
         self.assertEqual(self.run_tool("init", "inventory.json").status, DONE)
         self.assertEqual(len(self.show("cameras")), 2)
 
+    @on_sqlite
     def test_what_an_init_left_that_was_cut_short_becomes_a_database(self):
         self.sql("PRAGMA journal_mode = WAL")
         self.assertGreater(os.path.getsize(self.database), 0)
@@ -48,6 +53,7 @@ class Made_Databases(Site):
         self.assertEqual((outcome.status, outcome.err), (DONE, b""))
         self.assertEqual(len(self.show("cameras")), 2)
 
+    @on_sqlite
     def test_a_disk_that_is_full_is_told_and_the_init_can_be_repeated(self):
         # A limit on the size of files stands for the disk.
         limited = subprocess.run(["sh", "-c", 'ulimit -f 40; exec "$@"', "sh", TOOL, "init", "inventory.json"],
@@ -88,6 +94,7 @@ class Refused_Inventories(Site):
         self.assertIs(outcome.json["success"], False)
         return outcome.json["errors"]
 
+    @on_sqlite
     def test_no_database_is_made_for_an_inventory_that_is_refused(self):
         self.refused({"doors": []})
         self.refused("{")
@@ -141,6 +148,7 @@ inventory.json:3:21: error: "name" must be a string.
         self.assertEqual((error["message"], error["column"]), ("The id 1 is that of a topic subscription.", 27))
 
 
+@on_sqlite
 class Places_For_Databases(Site):
     def setUp(self):
         super().setUp()
@@ -160,8 +168,9 @@ class Places_For_Databases(Site):
         self.assertEqual(self.fails("."), "vemora-triggers: . is a directory, not a database\n")
 
     def test_files_of_others_are_told_and_left_alone(self):
-        self.database = self.path("notes.db")
-        self.sql("CREATE TABLE notes (text TEXT)")
+        notes = sqlite3.connect(self.path("notes.db"))
+        notes.execute("CREATE TABLE notes (text TEXT)")
+        notes.close()
         self.write("inventory.db", small_inventory())
         before = self.files()
         self.assertEqual(self.fails("notes.db"),

@@ -4,7 +4,7 @@ import os
 import subprocess
 import unittest
 
-from tool_site import DONE, FAILED, REJECTED, TOOL, Outcome, Site, config, topic_source, trigger
+from tool_site import DONE, FAILED, REJECTED, TOOL, Outcome, Site, config, on_sqlite, topic_source, trigger
 
 FULL = b"vemora-triggers: cannot write the outcome to standard output\n"
 
@@ -29,6 +29,7 @@ class Streams(Site):
             self.assertEqual(file.read(16), b"SQLite format 3\0")
 
 
+@on_sqlite
 class Closed_Streams(Streams):
     def test_standard_output_that_is_closed_is_told_and_what_was_done_is_kept(self):
         outcome = self.run_without([1], "apply", "config.json")
