@@ -30,7 +30,8 @@ const std::vector<std::string> no_unsigned_integers{"true",         "-1",   "100
 class Parse_Activity_Duration : public Parser_Test {
  protected:
   static std::string object_detection(const std::string& activity) {
-    return R"({"type": "object-detection", "searchItem": {"type": "person"}, "activityDuration": )" +
+    return R"({"type": "object-detection", "searchItem": {"type": "person"},
+               "activityDuration": )" +
            activity + "}";
   }
   static std::string motion_detection(const std::string& activity) {

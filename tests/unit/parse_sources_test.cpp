@@ -295,12 +295,9 @@ TEST_F(Parse_Sources, rejects_an_empty_object_type) {
 TEST_F(Parse_Sources, rejects_a_motion_flag_that_is_no_bool) {
   for (const char* text : {"null", "0", "1", "\"true\"", "[]", "{}"}) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(
-        rejection_of_source(
-            std::string(
-                R"({"type": "object-detection", "searchItem": {"type": "car", "motionRequired": )") +
-            text + "}}"),
-        bad_motion_required);
+    const std::string item = std::string(R"({"type": "car", "motionRequired": )") + text + "}";
+    EXPECT_EQ(rejection_of_source(R"({"type": "object-detection", "searchItem": )" + item + "}"),
+              bad_motion_required);
   }
 }
 

@@ -13,8 +13,8 @@ inline bool is_topic_kind(const metadata_event_subscription& record) {
   return record.camera && record.onvif_topic;
 }
 
-/// With neither. What has one of the two is corrupt and of no kind: triggers only ever leave it, and
-/// no clean-up deletes it. A camera without a topic fails each pass that reads it back, until
+/// With neither. What has one of the two is corrupt and of no kind: triggers only ever leave it,
+/// and no clean-up deletes it. A camera without a topic fails each pass that reads it back, until
 /// somebody has looked at it.
 inline bool is_generic(const metadata_event_subscription& record) {
   return !record.camera && !record.onvif_topic;
