@@ -90,7 +90,7 @@ class Outcome:
         return value
 
 
-on_sqlite = unittest.skipIf(ENGINE != "sqlite", "about the files of SQLite")
+on_sqlite = unittest.skipIf(ENGINE != "sqlite", "about the files of SQLite, or texts that it alone can hold")
 
 
 class SQLite:
@@ -185,11 +185,17 @@ class Site(unittest.TestCase):
             file.write(document)
         return name
 
+    def command(self, *arguments):
+        """The command line of the tool, on the database of this test unless it names another."""
+        elsewhere = any(str(argument).startswith("--database") for argument in arguments)
+        return [TOOL, *([] if elsewhere else self.behind.arguments), *arguments]
+
     def run_tool(self, *arguments, given=None, **options):
-        named = any(str(argument).startswith("--database") for argument in arguments)
-        process = subprocess.run([TOOL, *([] if named else self.behind.arguments), *arguments], cwd=self.folder, input=given or b"",
-                                 stdout=options.pop("stdout", subprocess.PIPE), stderr=subprocess.PIPE,
-                                 timeout=300, check=False, **options)
+        return self.run_command(self.command(*arguments), input=given or b"", **options)
+
+    def run_command(self, command, **options):
+        process = subprocess.run(command, cwd=self.folder, stdout=options.pop("stdout", subprocess.PIPE),
+                                 stderr=subprocess.PIPE, timeout=300, check=False, **options)
         return Outcome(process)
 
     def init(self, inventory=None):
