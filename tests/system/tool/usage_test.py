@@ -74,9 +74,9 @@ class Options(Site):
     def test_options_stand_before_or_behind_the_command(self):
         self.init()
         name = self.write("config.json", config())
-        for arguments in (["--json", "--database", "vemora.db", "check", name],
-                          ["check", "--json", name, "--database", "vemora.db"],
-                          ["check", name, "--database=vemora.db", "--json"]):
+        for arguments in (["--json", "--database", self.database, "check", name],
+                          ["check", "--json", name, "--database", self.database],
+                          ["check", name, f"--database={self.database}", "--json"]):
             with self.subTest(arguments):
                 outcome = self.run_tool(*arguments)
                 self.assertEqual((outcome.status, outcome.json["success"]), (DONE, True))
