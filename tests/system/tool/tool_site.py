@@ -91,6 +91,10 @@ class Outcome:
 
 
 on_sqlite = unittest.skipIf(ENGINE != "sqlite", "about the files of SQLite, or texts that it alone can hold")
+on_postgresql = unittest.skipIf(ENGINE != "postgresql", "about texts that PostgreSQL cannot hold")
+
+# A character that a name may have and that most programs stumble over, where the database can hold it.
+NUL = "\0" if ENGINE == "sqlite" else ""
 
 
 class SQLite:
