@@ -56,7 +56,8 @@ void add_global_options(CLI::App& app, Invocation& call) {
   app.footer(footer);
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app.set_version_flag("--version", std::string("vemora-triggers ") + VEMORA_VERSION);
-  app.add_option("--database", call.options.database, "The site's database: a file, or sqlite:FILE")
+  app.add_option("--database", call.options.database,
+                 "The site's database: a file, or postgresql://USER@HOST/NAME?schema=SCHEMA")
       ->capture_default_str()
       ->type_name("FILE")
       ->check(a_path());

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <array>
 #include <filesystem>
 #include <iostream>
 #include <string_view>
@@ -52,6 +53,10 @@ Json::Value counts(const Inventory& inventory) {
   return records;
 }
 
+std::string counted(std::size_t count, const char* one, const char* many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
 void print_stored(const Options& options, const Inventory& inventory) {
   if (options.json) {
     Json::Value answer(Json::objectValue);
@@ -60,12 +65,14 @@ void print_stored(const Options& options, const Inventory& inventory) {
     print_json(answer);
     return;
   }
-  std::cout << fmt::format(
-      "{}: stored {} servers, {} cameras, {} schedules, {} event categories, {} generic "
-      "subscriptions, {} general object types.\n",
-      options.database, inventory.servers.size(), inventory.cameras.size(),
-      inventory.schedules.size(), inventory.categories.size(), inventory.subscriptions.size(),
-      inventory.object_types.size());
+  const std::array<std::string, 6> records{
+      counted(inventory.servers.size(), "server", "servers"),
+      counted(inventory.cameras.size(), "camera", "cameras"),
+      counted(inventory.schedules.size(), "schedule", "schedules"),
+      counted(inventory.categories.size(), "event category", "event categories"),
+      counted(inventory.subscriptions.size(), "generic subscription", "generic subscriptions"),
+      counted(inventory.object_types.size(), "general object type", "general object types")};
+  std::cout << fmt::format("Stored: {}.\n", fmt::join(records, ", "));
 }
 
 }  // namespace
