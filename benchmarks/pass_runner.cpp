@@ -1,0 +1,108 @@
+#include "benchmarks/pass_runner.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "benchmarks/heap_meter.h"
+#include "benchmarks/stopwatch.h"
+#include "vemora/trigger_parser/vemora_trigger_parser.h"
+
+namespace kuv::benchmarks {
+namespace {
+
+using namespace vemora;
+using namespace vemora::embedded_server;
+
+constexpr std::uint64_t server_id = 1;
+
+class Idle_Capture_Manager : public capture::Manager {
+ public:
+  void reconcile_metadata_stream(std::uint64_t) override {}
+};
+
+class Discarding_Pusher : public Trigger_Notification_Pusher {
+ public:
+  void stop() override {}
+  void apply_trigger_state(Trigger_Config_State) override {}
+};
+
+class Plain_Resolver : public Meta_Type_Resolver {
+ public:
+  std::vector<std::string> resolve(const std::vector<std::string>& types) override { return types; }
+};
+
+}  // namespace
+
+class Pass_Runner::Services {
+ public:
+  explicit Services(std::shared_ptr<Repository> over) : repository(std::move(over)) {}
+
+  std::shared_ptr<Repository> repository;
+  std::shared_ptr<capture::Manager> capture_manager = std::make_shared<Idle_Capture_Manager>();
+  std::shared_ptr<Trigger_Notification_Pusher> pusher = std::make_shared<Discarding_Pusher>();
+  std::shared_ptr<Meta_Type_Resolver> resolver = std::make_shared<Plain_Resolver>();
+};
+
+Pass_Runner::Pass_Runner(const std::string& location)
+    : database_(Database::open(location, Database::Open_Mode::create_if_absent)),
+      services_(std::make_unique<Services>(make_repository(database_))) {
+  make_manager();
+}
+
+Pass_Runner::~Pass_Runner() = default;
+
+void Pass_Runner::make_manager() {
+  manager_ = std::make_unique<Vemora_Trigger_Manager>(
+      Json::Value(), Json::Value(), services_->repository, services_->capture_manager,
+      std::make_unique<Vemora_Trigger_Parser>(services_->repository, server_id), services_->pusher,
+      services_->resolver);
+}
+
+Measured_Pass Pass_Runner::run(const std::function<bool(Measured_Pass&)>& call,
+                               bool expected_success) {
+  Measured_Pass measured;
+  const std::size_t heap_before = heap_now();
+  reset_heap_peak();
+  const Stopwatch watch;
+  bool success = false;
+  {
+    Pass_Scope pass(database_, server_id);
+    success = call(measured);
+    pass.end();
+    pass.store({}, pass.pending_cameras());
+    measured.seconds = watch.seconds();
+    const Changes& changes = pass.changes();
+    measured.links_written =
+        changes.subscription_links.added.size() + changes.eta_camera_links.added.size();
+    measured.links_deleted =
+        changes.subscription_links.deleted.size() + changes.eta_camera_links.deleted.size();
+  }
+  measured.peak_heap = heap_peak() - std::min(heap_peak(), heap_before);
+  if (success != expected_success) {
+    throw std::runtime_error("a pass ended otherwise than it should");
+  }
+  return measured;
+}
+
+Measured_Pass Pass_Runner::update(const Json::Value& config, bool expected_success) {
+  return run(
+      [&](Measured_Pass& measured) {
+        const auto result = manager_->update_config(config);
+        measured.errors = result.errors.size();
+        return result.success;
+      },
+      expected_success);
+}
+
+Measured_Pass Pass_Runner::refresh() {
+  return run(
+      [&](Measured_Pass& measured) {
+        Trigger_Config_State state;
+        const bool success = manager_->refresh_triggers(state);
+        measured.errors = state.errors.size();
+        return success;
+      },
+      true);
+}
+
+}  // namespace kuv::benchmarks

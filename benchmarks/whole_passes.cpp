@@ -1,0 +1,240 @@
+// Times whole passes beside their floors, and prints a JSON array of figures: see scripts/bench.
+//
+//     whole_passes FOLDER|URL-PREFIX REPETITIONS SIZE...      a SIZE is S, M, L, XL or a number of
+//     links
+
+#include <fmt/format.h>
+#include <malloc.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <vector>
+
+#include "benchmarks/floor.h"
+#include "benchmarks/heap_meter.h"
+#include "benchmarks/pass_runner.h"
+#include "benchmarks/postgresql_floor.h"
+#include "benchmarks/refused_text.h"
+#include "benchmarks/site_generator.h"
+#include "vemora/embedded_server/logging/console.h"
+
+namespace kuv::benchmarks {
+namespace {
+
+/// One scenario on one site: every repetition's time, with the floor's taken right after it.
+struct Figure {
+  Json::Value json;
+
+  Figure(const std::string& site, const std::string& scenario) {
+    json["site"] = site;
+    json["scenario"] = scenario;
+    json["seconds"] = Json::Value(Json::arrayValue);
+    json["floor"] = Json::Value(Json::arrayValue);
+  }
+
+  void add(const Measured_Pass& pass) {
+    json["seconds"].append(pass.seconds);
+    json["peakHeap"] = static_cast<Json::UInt64>(
+        std::max<std::size_t>(json["peakHeap"].asUInt64(), pass.peak_heap));
+    json["linksWritten"] = static_cast<Json::UInt64>(pass.links_written);
+    json["linksDeleted"] = static_cast<Json::UInt64>(pass.links_deleted);
+    json["errors"] = static_cast<Json::UInt64>(pass.errors);
+  }
+};
+
+/// Where the databases of a run are.
+class Place {
+ public:
+  explicit Place(std::string argument) : argument_(std::move(argument)) {}
+
+  bool is_postgresql() const { return argument_.rfind("postgresql://", 0) == 0; }
+
+  /// A fresh database.
+  std::string next() {
+    if (is_postgresql()) {
+      return fmt::format("{}bench_{}", argument_, ++count_);
+    }
+    const std::string path = argument_ + "/site.db";
+    for (const char* suffix : {"", "-wal", "-shm", ".lock"}) {
+      std::filesystem::remove(path + suffix);
+    }
+    return path;
+  }
+
+  void drop(const std::string& location) const {
+    if (is_postgresql()) {
+      drop_schema(location);
+    }
+  }
+
+  double write_floor(const Plain_Rows& rows) const {
+    return is_postgresql() ? write_postgresql_floor(argument_ + "bench_floor", rows)
+                           : benchmarks::write_floor(argument_ + "/floor.db", rows);
+  }
+
+  double read_floor(vemora::Trigger_Config_State& state) const {
+    return is_postgresql() ? read_postgresql_floor(argument_ + "bench_floor", state)
+                           : benchmarks::read_floor(argument_ + "/floor.db", state);
+  }
+
+ private:
+  std::string argument_;
+  int count_ = 0;
+};
+
+/// All scenarios on one site.
+class Site_Run {
+ public:
+  Site_Run(const Site_Size& size, Place& place, int repetitions)
+      : size_(size), place_(place), repetitions_(repetitions), config_(make_config(size)) {}
+
+  Json::Value run() {
+    measure_first_apply();
+    measure_unchanged_refresh();
+    measure_one_trigger();
+    measure_tags();
+    measure_failing_triggers();
+    measure_rejected_document();
+    measure_half();
+    runner_.reset();
+    place_.drop(location_);
+    return figures_;
+  }
+
+ private:
+  /// A site without triggers.
+  void begin_anew() {
+    runner_.reset();
+    if (!location_.empty()) {
+      place_.drop(location_);
+    }
+    location_ = place_.next();
+    runner_ = std::make_unique<Pass_Runner>(location_);
+    store_inventory(runner_->database(), make_inventory(size_));
+  }
+
+  void report(Figure& figure) {
+    std::cerr << fmt::format("{}: {} done\n", size_.name, figure.json["scenario"].asString());
+    figures_.append(std::move(figure.json));
+  }
+
+  void measure_first_apply() {
+    Figure figure(size_.name, "first apply");
+    for (int time = 0; time < repetitions_; ++time) {
+      begin_anew();
+      figure.add(runner_->update(config_));
+      if (time == 0) {
+        rows_ = read_plain_rows(runner_->database());
+      }
+      malloc_trim(0);
+      figure.json["floor"].append(place_.write_floor(rows_));
+    }
+    figure.json["links"] =
+        static_cast<Json::UInt64>(rows_.subscription_links.size() + rows_.detection_links.size());
+    report(figure);
+  }
+
+  void measure_unchanged_refresh() {
+    Figure figure(size_.name, "unchanged refresh");
+    for (int time = 0; time < repetitions_; ++time) {
+      figure.add(runner_->refresh());
+      const std::size_t heap_before = heap_now();
+      vemora::Trigger_Config_State state;
+      figure.json["floor"].append(place_.read_floor(state));
+      malloc_trim(0);
+      const vemora::Trigger_Config_State copy = state;
+      figure.json["snapshotHeap"] = static_cast<Json::UInt64>((heap_now() - heap_before) / 2);
+    }
+    report(figure);
+  }
+
+  /// Two documents in turn, each time with the same change.
+  void measure_turns(const std::string& scenario, const Json::Value& other) {
+    Figure figure(size_.name, scenario);
+    for (int time = 0; time < repetitions_; ++time) {
+      figure.add(runner_->update(other));
+      runner_->update(config_);
+    }
+    report(figure);
+  }
+
+  void measure_one_trigger() {
+    measure_turns("one trigger changed", with_one_trigger_changed(config_, size_));
+  }
+
+  void measure_half() {
+    measure_turns("half of the triggers removed", with_half_of_the_triggers(config_));
+  }
+
+  void measure_tags() {
+    Figure figure(size_.name, "one tag changed on a tenth of the cameras");
+    const auto inventory = make_inventory(size_);
+    for (int time = 0; time < repetitions_; ++time) {
+      store_inventory(runner_->database(), with_a_tenth_of_the_tags_changed(inventory, size_));
+      figure.add(runner_->refresh());
+      store_inventory(runner_->database(), inventory);
+      runner_->refresh();
+    }
+    report(figure);
+  }
+
+  void measure_failing_triggers() {
+    const Refused_Text refused(*runner_->database(), place_.is_postgresql());
+    measure_turns("one trigger in a hundred failing",
+                  with_one_name_in_a_hundred(config_, refused.text()));
+  }
+
+  void measure_rejected_document() {
+    Figure figure(size_.name, "a document rejected at its last trigger");
+    const Json::Value bad = with_a_bad_last_trigger(config_);
+    for (int time = 0; time < repetitions_; ++time) {
+      figure.add(runner_->update(bad, false));
+    }
+    report(figure);
+  }
+
+  Site_Size size_;
+  Place& place_;
+  int repetitions_;
+  Json::Value config_;
+  std::string location_;
+  std::unique_ptr<Pass_Runner> runner_;
+  Plain_Rows rows_;
+  Json::Value figures_;
+};
+
+Site_Size size_of(const std::string& argument) {
+  const bool number = argument.find_first_not_of("0123456789") == std::string::npos;
+  return number ? site_of_links(std::stoull(argument)) : site_of_name(argument);
+}
+
+int run(const std::vector<std::string>& arguments) {
+  if (arguments.size() < 3) {
+    std::cerr << "whole_passes FOLDER|URL-PREFIX REPETITIONS SIZE...\n";
+    return 64;
+  }
+  kuv::logging::log_to(std::cerr, std::nullopt);
+  Place place(arguments[0]);
+  Json::Value figures(Json::arrayValue);
+  for (std::size_t argument = 2; argument < arguments.size(); ++argument) {
+    Site_Run site(size_of(arguments[argument]), place, std::stoi(arguments[1]));
+    for (const Json::Value& figure : site.run()) {
+      figures.append(figure);
+    }
+  }
+  std::cout << figures << '\n';
+  return 0;
+}
+
+}  // namespace
+}  // namespace kuv::benchmarks
+
+int main(int count, char** arguments) {
+  try {
+    return kuv::benchmarks::run({arguments + 1, arguments + count});
+  } catch (const std::exception& fault) {
+    std::cerr << "whole_passes: " << fault.what() << '\n';
+    return 3;
+  }
+}
