@@ -1,11 +1,11 @@
 """Databases that are damaged, busy, corrupt or not there."""
 
-import fcntl
 import os
 import subprocess
 import unittest
 
-from tool_site import DONE, FAILED, TOOL, Outcome, Site, config, mapping, on_sqlite, topic_source, trigger
+from tool_site import (DONE, FAILED, TOOL, Outcome, Site, config, mapping, on_postgresql, on_sqlite, topic_source,
+                       trigger)
 
 COMMANDS = (["check", "config.json"], ["apply", "config.json"], ["apply", "config.json", "mapping.json"], ["refresh"],
             ["show", "triggers"], ["show", "subscriptions"], ["show", "config"], ["init", "inventory.json"])
@@ -31,7 +31,7 @@ class Database_Site(Site):
 
 
 @on_sqlite
-class Damaged_Databases(Database_Site):
+class Damaged_Files(Database_Site):
     def damaged(self, content):
         self.write("damaged.db", content)
         messages = set()
@@ -62,39 +62,62 @@ class Damaged_Databases(Database_Site):
         self.assertEqual(self.damaged(content[:100] + b"\xff" * (len(content) - 100)),
                          {"database damaged.db: database disk image is malformed"})
 
+
+class Unusable_Databases(Database_Site):
+    NO_TABLE = "no such table: camera_tag|relation \"camera_tag\" does not exist"
+
+    def setUp(self):
+        super().setUp()
+        self.other = self.write("other.json", config(trigger(8, tags={"camera": {"area": "gate"}})))
+
     def test_a_database_of_a_newer_version_is_left_alone(self):
         [(version,)] = self.sql("SELECT schema_version FROM site")
         self.sql("UPDATE site SET schema_version = 99")
         before = self.rows()
         for command in COMMANDS:
             self.assertEqual(self.assert_failure(*command),
-                             "database vemora.db: it was made by a newer version of this program "
+                             f"database {self.behind.shown}: it was made by a newer version of this program "
                              f"(schema 99, known up to {version})")
         self.assertEqual(self.rows(), before)
 
     def test_a_database_that_is_not_there_is_not_made_by_the_way(self):
-        before = self.files()
+        before = self.behind.all()
         for command in COMMANDS[:-1]:
             with self.subTest(command):
-                self.assertEqual(self.assert_failure("--database", "none.db", *command),
-                                 'there is no database none.db; "init" makes one')
-        self.assertEqual(self.files(), before)
+                self.assertEqual(self.assert_failure("--database", self.behind.absent, *command), self.behind.absence)
+        self.assertEqual(self.behind.all(), before)
 
-    def test_a_fault_amid_a_pass_keeps_the_documents_and_what_was_written_until_then(self):
+    def fault_amid_a_pass(self):
+        """Runs a pass that writes a trigger and fails on a table then; answers what it said."""
         self.sql("ALTER TABLE camera_tag RENAME TO elsewhere")
-        name = self.write("other.json", config(trigger(8, tags={"camera": {"area": "gate"}})))
-        outcome = self.run_tool("--json", "apply", name)
+        outcome = self.run_tool("--json", "apply", self.other)
+        self.sql("ALTER TABLE elsewhere RENAME TO camera_tag")
         self.assertEqual((outcome.status, outcome.err), (FAILED, b""))
+        self.assertIsNone(outcome.json["state"])
         [error] = outcome.json["errors"]
         self.assertEqual(error["category"], 1)
-        self.assertIn("no such table: camera_tag", error["message"])
-        self.assertEqual(outcome.json["remarks"], ["What the pass had written before the fault is committed."])
-        self.assertIsNone(outcome.json["state"])
-        self.sql("ALTER TABLE elsewhere RENAME TO camera_tag")
-        self.assertEqual([record["id"] for record in self.show("triggers")], [7, 8])
+        self.assertRegex(error["message"], self.NO_TABLE)
+        return outcome.json
+
+    def assert_documents_kept(self):
         self.assertEqual(self.show("config"), config(trigger(7, topic_source())))
-        self.assertEqual(self.run_tool("apply", name).status, DONE)
+        self.assertEqual(self.run_tool("apply", self.other).status, DONE)
         self.assertEqual([record["id"] for record in self.show("triggers")], [8])
+
+    @on_sqlite
+    def test_a_fault_amid_a_pass_keeps_the_documents_and_what_was_written_until_then(self):
+        self.assertEqual(self.fault_amid_a_pass()["remarks"],
+                         ["What the pass had written before the fault is committed."])
+        self.assertEqual([record["id"] for record in self.show("triggers")], [7, 8])
+        self.assert_documents_kept()
+
+    @on_postgresql
+    def test_a_fault_amid_a_pass_takes_back_all_of_it(self):
+        before = self.rows()
+        [remark] = self.fault_amid_a_pass()["remarks"]
+        self.assertRegex(remark, "; nothing that the pass wrote was kept$")
+        self.assertEqual(self.rows(), before)
+        self.assert_documents_kept()
 
 
 @on_sqlite
@@ -197,11 +220,10 @@ class Damaged_Documents(Database_Site):
         self.assertEqual(outcome.text, "stored mapping: error: \"triggerMapping\" array is missing or invalid.\n")
 
 
-@on_sqlite
 class Busy_Databases(Database_Site):
     def run_all(self, *commands):
         """Runs commands at the same time."""
-        processes = [subprocess.Popen([TOOL, *command], cwd=self.folder, stdin=subprocess.DEVNULL,
+        processes = [subprocess.Popen(self.command(*command), cwd=self.folder, stdin=subprocess.DEVNULL,
                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE) for command in commands]
         outcomes = []
         for process in processes:
@@ -211,8 +233,7 @@ class Busy_Databases(Database_Site):
 
     def test_while_another_process_runs_a_pass_writers_give_up_and_readers_do_not_wait(self):
         before = self.rows()
-        with open(self.path("vemora.db.lock"), "wb") as lock:
-            fcntl.flock(lock, fcntl.LOCK_EX)
+        with self.behind.locked():
             for command in (["check", "config.json"], ["show", "triggers"], ["show", "config"]):
                 self.assertEqual(self.run_tool(*command).status, DONE, command)
             for outcome in self.run_all(["apply", "config.json"], ["refresh"], ["init", "inventory.json"]):
@@ -231,6 +252,7 @@ class Busy_Databases(Database_Site):
         self.assertEqual({tuple(record["triggerIds"]) for record in self.show("subscriptions")
                           if record["cameraId"] is not None}, {(last["id"],)})
 
+    @on_sqlite
     @unittest.skipIf(os.geteuid() == 0, "root may write everywhere")
     def test_a_database_that_may_not_be_written_is_told(self):
         os.chmod(self.folder, 0o555)

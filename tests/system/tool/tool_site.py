@@ -3,7 +3,10 @@
     ENGINE=postgresql   the same tests over PostgreSQL: a schema each in the cluster that ctest starts
 """
 
+import contextlib
 import csv
+import fcntl
+import glob
 import io
 import itertools
 import json
@@ -104,6 +107,8 @@ class SQLite:
         self.location = os.path.join(folder, "vemora.db")
         self.shown = "vemora.db"
         self.arguments = []
+        self.absent = "none.db"
+        self.absence = 'there is no database none.db; "init" makes one'
 
     def sql(self, statement, *values):
         connection = sqlite3.connect(self.location)
@@ -115,6 +120,17 @@ class SQLite:
 
     def tables(self):
         return [name for (name,) in self.sql("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
+
+    @contextlib.contextmanager
+    def locked(self):
+        """Holds what a pass holds."""
+        with open(self.location + ".lock", "wb") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            yield
+
+    def all(self):
+        """What databases there are."""
+        return glob.glob(os.path.join(os.path.dirname(self.location), "*.db*"))
 
     def drop(self):
         pass  # it goes with its folder
@@ -132,20 +148,25 @@ class PostgreSQL:
                          f"&schema={self.schema}")
         self.shown = self.location
         self.arguments = ["--database", self.location]
+        self.absent = f"{self.location}_absent"
+        self.absence = f'database {self.absent}: it holds no site; "init" makes one'
 
     @staticmethod
     def note(name):
         with open(os.path.join(os.environ["CLUSTER"], name), encoding="ascii") as file:
             return file.read().strip()
 
+    def psql(self):
+        return ["psql", "--no-psqlrc", "--quiet", "--csv", "--tuples-only", "--set", "ON_ERROR_STOP=1",
+                "--pset", "null=NULL", "--host", self.folder, "--port", self.port, "--username", "tester",
+                "--dbname", "postgres"]
+
     def sql(self, statement, *values):
         texts = [str(value) if isinstance(value, int) else "'" + value.replace("'", "''") + "'" for value in values]
         parts = statement.split("?")
         whole = parts[0] + "".join(text + part for text, part in zip(texts, parts[1:], strict=True))
         done = subprocess.run(
-            ["psql", "--no-psqlrc", "--quiet", "--csv", "--tuples-only", "--set", "ON_ERROR_STOP=1", "--pset",
-             "null=NULL", "--host", self.folder, "--port", self.port, "--username", "tester", "--dbname", "postgres"],
-            input=f"SET client_min_messages = error; SET search_path = {self.schema};\n{whole};\n",
+            self.psql(), input=f"SET client_min_messages = error; SET search_path = {self.schema};\n{whole};\n",
             capture_output=True, text=True, check=True)
         return [tuple(self.value_of(text) for text in row) for row in csv.reader(io.StringIO(done.stdout))]
 
@@ -159,6 +180,18 @@ class PostgreSQL:
     def tables(self):
         return [name for (name,) in
                 self.sql("SELECT tablename FROM pg_tables WHERE schemaname = current_schema() ORDER BY 1")]
+
+    @contextlib.contextmanager
+    def locked(self):
+        with subprocess.Popen(self.psql(), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as holder:
+            holder.stdin.write("SELECT pg_try_advisory_lock(hashtextextended('vemora ' || "
+                               f"'{self.schema}', 0));\n")
+            holder.stdin.flush()
+            assert holder.stdout.readline() == "t\n"
+            yield
+
+    def all(self):
+        return self.sql("SELECT nspname FROM pg_namespace WHERE nspname LIKE ?", f"{self.schema}%")
 
     def drop(self):
         self.sql(f"DROP SCHEMA IF EXISTS {self.schema} CASCADE")
