@@ -140,9 +140,10 @@ config.json:2:12: error: A key in double quotes is expected.
         self.write("new.json", config(trigger(8), trigger(9, object_source())))
         self.write("broken.json", config({}))
         self.write("none.json", mapping())
-        before = self.files()
+        before, rows = self.files(), self.rows()
         for arguments in (["new.json"], ["new.json", "none.json"], ["broken.json"], ["missing.json"]):
             self.run_tool("check", *arguments)
+        self.assertEqual(self.rows(), rows)
         after = self.files()
         self.assertEqual(list(after), list(before))
         for name, content in before.items():

@@ -250,11 +250,11 @@ Rejected; nothing changed.
         with_mapping = self.run_tool("--json", "apply", good, unreadable).json
         self.assertEqual((set(with_mapping), with_mapping["errors"][0]["document"]), (members, "mapping"))
         for command in (["apply", good], ["refresh"]):
-            failed = self.run_tool("--json", "--database", "none.db", *command)
+            failed = self.run_tool("--json", "--database", self.behind.absent, *command)
             self.assertEqual((failed.status, failed.err), (FAILED, b""))
             self.assertEqual(failed.json, {
                 "success": False, "reconciled": [], "state": None, "changes": NO_CHANGES,
-                "errors": [{"category": 1, "message": "there is no database none.db; \"init\" makes one"}]})
+                "errors": [{"category": 1, "message": self.behind.absence}]})
 
 
 class Identifiers(Site):

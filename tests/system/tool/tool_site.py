@@ -118,8 +118,10 @@ class SQLite:
         finally:
             connection.close()
 
-    def tables(self):
-        return [name for (name,) in self.sql("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")]
+    def rows(self):
+        """Every row of every table."""
+        tables = self.sql("SELECT name FROM sqlite_master WHERE type = 'table'")
+        return {table: sorted(self.sql(f"SELECT * FROM {table}"), key=repr) for (table,) in tables}
 
     @contextlib.contextmanager
     def locked(self):
@@ -177,9 +179,10 @@ class PostgreSQL:
             return int(text)
         return {"NULL": None, "t": 1, "f": 0}.get(text, text)
 
-    def tables(self):
-        return [name for (name,) in
-                self.sql("SELECT tablename FROM pg_tables WHERE schemaname = current_schema() ORDER BY 1")]
+    def rows(self):
+        tables = self.sql("SELECT tablename FROM pg_tables WHERE schemaname = current_schema()")
+        return sorted(self.sql(" UNION ALL ".join(f"SELECT '{table}', row::text FROM {table} row"
+                                                  for (table,) in tables)))
 
     @contextlib.contextmanager
     def locked(self):
@@ -269,7 +272,7 @@ class Site(unittest.TestCase):
 
     def rows(self):
         """Every row of every table."""
-        return {table: sorted(self.sql(f"SELECT * FROM {table}"), key=repr) for table in self.behind.tables()}
+        return self.behind.rows()
 
     def files(self):
         """Every file of the folder with its bytes."""

@@ -99,7 +99,8 @@ class Options(Site):
         outcome = self.run_tool("--json", "--log-level", "info", "refresh")
         self.assertEqual((outcome.status, outcome.json["success"]), (DONE, True))
         self.assertIn(b"Refreshing the trigger config.", outcome.err)
-        self.assertEqual(self.run_tool("--database", "other.db", "--log-level", "info", "refresh").status, FAILED)
+        self.assertEqual(self.run_tool("--database", self.behind.absent, "--log-level", "info", "refresh").status,
+                         FAILED)
 
 
 if __name__ == "__main__":
