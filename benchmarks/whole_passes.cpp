@@ -4,6 +4,7 @@
 //     links
 
 #include <fmt/format.h>
+#include <json/writer.h>
 #include <malloc.h>
 
 #include <cstdlib>
