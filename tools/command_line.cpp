@@ -42,7 +42,7 @@ CLI::Validator a_path() {
 
 CLI::Validator one_of(std::vector<std::string> words) {
   return CLI::Validator(
-      [words](const std::string& text) {
+      [words = std::move(words)](const std::string& text) {
         const bool known = std::find(words.begin(), words.end(), text) != words.end();
         return known ? std::string()
                      : fmt::format("{} is none of {}", text, fmt::join(words, ", "));

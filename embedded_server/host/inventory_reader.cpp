@@ -20,12 +20,12 @@ bool is_id(const Json::Value& value) {
 }
 
 /// Reads one document and gathers what is wrong with it.
-class Reader {
+class Inventory_Reader {
  public:
-  Reader(const Json_Document& document, const Inventory_References& stored)
+  Inventory_Reader(const Json_Document& document, const Inventory_References& stored)
       : document_(document), stored_(stored) {}
 
-  Read_Inventory read() {
+  Read_Inventory read(const std::shared_ptr<Database>& database) {
     const Json::Value& root = document_.value();
     if (!root.isObject()) {
       fault(root, "An inventory must be a JSON object.");
@@ -42,6 +42,9 @@ class Reader {
     read_records(root, "subscriptions",
                  [this](const Json::Value& record) { read_subscription(record); });
     read_object_types(root["objectTypes"]);
+    if (database) {
+      refuse_unstorable_texts(database);
+    }
     std::stable_sort(result_.faults.begin(), result_.faults.end(),
                      [](const auto& a, const auto& b) {
                        return std::tie(a.location.line, a.location.column) <
@@ -62,6 +65,39 @@ class Reader {
         result_.faults.push_back(
             {fmt::format("Unknown key \"{}\".", member.name()), document_.locate_key(*member)});
       }
+    }
+  }
+
+  /// A text of the document that is to be stored.
+  struct Stored_Text {
+    std::string_view text;
+    const Json::Value* value;
+    bool is_key;  ///< of the value
+  };
+
+  void will_store(const Json::Value& text) {
+    const char* begin = nullptr;
+    const char* end = nullptr;
+    text.getString(&begin, &end);
+    texts_.push_back({{begin, static_cast<std::size_t>(end - begin)}, &text, false});
+  }
+
+  void will_store_key(const Json::Value::const_iterator& member) {
+    const char* end = nullptr;
+    const char* const begin = member.memberName(&end);
+    texts_.push_back({{begin, static_cast<std::size_t>(end - begin)}, &*member, true});
+  }
+
+  void refuse_unstorable_texts(const std::shared_ptr<Database>& database) {
+    std::vector<std::string_view> texts;
+    for (const Stored_Text& text : texts_) {
+      texts.push_back(text.text);
+    }
+    for (const std::size_t place : unstorable_texts(database, texts)) {
+      const Stored_Text& text = texts_[place];
+      result_.faults.push_back(
+          {"This database cannot hold the text.",
+           text.is_key ? document_.locate_key(*text.value) : document_.locate(*text.value)});
     }
   }
 
@@ -106,6 +142,7 @@ class Reader {
       fault(name, "\"name\" must be a string.");
       return {};
     }
+    will_store(name);
     return name.asString();
   }
 
@@ -132,10 +169,14 @@ class Reader {
       return tags;
     }
     for (auto tag = given.begin(); tag != given.end(); ++tag) {
-      if (!tag->isString() && !tag->isNull()) {
-        fault(*tag, fmt::format("Tag \"{}\" must be a string or null.", tag.name()));
+      will_store_key(tag);
+      if (tag->isString()) {
+        will_store(*tag);
+        tags[tag.name()].value = tag->asString();
+      } else if (tag->isNull()) {
+        tags[tag.name()].value = std::nullopt;
       } else {
-        tags[tag.name()].value = tag->isNull() ? std::nullopt : std::make_optional(tag->asString());
+        fault(*tag, fmt::format("Tag \"{}\" must be a string or null.", tag.name()));
       }
     }
     return tags;
@@ -257,6 +298,7 @@ class Reader {
     }
     auto known = stored_.object_types;
     for (auto type = given.begin(); type != given.end(); ++type) {
+      will_store_key(type);
       const std::set<std::string> stands_for = read_object_type(type.name(), *type);
       known[type.name()] = stands_for;
       result_.inventory.object_types[type.name()] = stands_for;
@@ -281,6 +323,7 @@ class Reader {
       if (!type.isString() || type.asString().empty()) {
         fault(type, fmt::format("Object type \"{}\" must be a non-empty array of strings.", name));
       } else {
+        will_store(type);
         types.insert(type.asString());
       }
     }
@@ -290,6 +333,7 @@ class Reader {
   const Json_Document& document_;
   const Inventory_References& stored_;
   Read_Inventory result_;
+  std::vector<Stored_Text> texts_;
   std::set<std::uint64_t> seen_ids_;  ///< of the kind being read
   std::set<std::uint64_t> camera_ids_;
   std::set<std::uint64_t> category_ids_;
@@ -297,8 +341,9 @@ class Reader {
 
 }  // namespace
 
-Read_Inventory read_inventory(const Json_Document& document, const Inventory_References& stored) {
-  return Reader(document, stored).read();
+Read_Inventory read_inventory(const Json_Document& document, const Inventory_References& stored,
+                              const std::shared_ptr<Database>& database) {
+  return Inventory_Reader(document, stored).read(database);
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "vemora/embedded_server/host/json_document.h"
@@ -15,8 +16,10 @@ struct Read_Inventory {
 };
 
 /// Reads a whole inventory document. `stored` is what the database holds already and the document
-/// may refer to.
+/// may refer to. A text that `database` cannot hold is a fault; one that is still to be made, null,
+/// will hold any.
 VEMORA_API Read_Inventory read_inventory(const Json_Document& document,
-                                         const Inventory_References& stored);
+                                         const Inventory_References& stored,
+                                         const std::shared_ptr<Database>& database = nullptr);
 
 }  // namespace kuv::vemora::embedded_server

@@ -18,22 +18,22 @@ struct Byte_Range {
 /// Letters that begin alike: how long they are and what may come second. Whatever follows is a
 /// plain continuation.
 struct Letter_Form {
-  Byte_Range lead;
   std::size_t size;
+  Byte_Range lead;
   Byte_Range second;
 };
 
 constexpr Byte_Range continuation{0x80, 0xBF};
 
 constexpr Letter_Form forms[] = {
-    {{0xC2, 0xDF}, 2, continuation},
-    {{0xE0, 0xE0}, 3, {0xA0, 0xBF}},  // not what two bytes can say
-    {{0xE1, 0xEC}, 3, continuation},
-    {{0xED, 0xED}, 3, {0x80, 0x9F}},  // no halves of surrogate pairs
-    {{0xEE, 0xEF}, 3, continuation},
-    {{0xF0, 0xF0}, 4, {0x90, 0xBF}},  // not what three bytes can say
-    {{0xF1, 0xF3}, 4, continuation},
-    {{0xF4, 0xF4}, 4, {0x80, 0x8F}},  // nothing behind U+10FFFF
+    {2, {0xC2, 0xDF}, continuation},
+    {3, {0xE0, 0xE0}, {0xA0, 0xBF}},  // not what two bytes can say
+    {3, {0xE1, 0xEC}, continuation},
+    {3, {0xED, 0xED}, {0x80, 0x9F}},  // no halves of surrogate pairs
+    {3, {0xEE, 0xEF}, continuation},
+    {4, {0xF0, 0xF0}, {0x90, 0xBF}},  // not what three bytes can say
+    {4, {0xF1, 0xF3}, continuation},
+    {4, {0xF4, 0xF4}, {0x80, 0x8F}},  // nothing behind U+10FFFF
 };
 
 bool has_form(std::string_view bytes, const Letter_Form& form) {

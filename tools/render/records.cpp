@@ -74,7 +74,8 @@ Json::Value to_json(const trigger& record) {
 
 template <class Linked>
 Json::Value linked_id(const odb::lazy_shared_ptr<Linked>& link) {
-  return link.get() != nullptr ? Json::Value(Json::UInt64(link.get()->id)) : Json::Value();
+  const Linked* const loaded = link.get();
+  return loaded != nullptr ? Json::Value(Json::UInt64(loaded->id)) : Json::Value();
 }
 
 Json::Value to_json(const std::optional<std::string>& text) {
