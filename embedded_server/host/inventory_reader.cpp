@@ -4,6 +4,7 @@
 #include <json/writer.h>
 
 #include <algorithm>
+#include <deque>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -18,6 +19,72 @@ namespace {
 bool is_id(const Json::Value& value) {
   return value.type() != Json::realValue && value.isUInt64();
 }
+
+/// The texts of a document that are to be stored.
+class Texts_To_Store {
+ public:
+  void add(const Json::Value& text) {
+    const char* begin = nullptr;
+    const char* end = nullptr;
+    text.getString(&begin, &end);
+    texts_.emplace_back(begin, end - begin);
+    places_.push_back({&text, false});
+  }
+
+  void add_key(const Json::Value::const_iterator& member) {
+    const char* end = nullptr;
+    const char* const begin = member.memberName(&end);
+    texts_.emplace_back(begin, end - begin);
+    places_.push_back({&*member, true});
+  }
+
+  /// All the texts of a value that is stored as JSON.
+  void add_json(const Json::Value& value) {
+    if (value.isString()) {
+      add(value);
+      escape_last();
+    }
+    for (auto member = value.begin(); member != value.end(); ++member) {
+      if (value.isObject()) {
+        add_key(member);
+        escape_last();
+      }
+      add_json(*member);
+    }
+  }
+
+  /// A fault for each that the database cannot hold.
+  std::vector<Document_Fault> faults(const std::shared_ptr<Database>& database,
+                                     const Json_Document& document) const {
+    std::vector<Document_Fault> found;
+    for (const std::size_t index : unstorable_texts(database, texts_)) {
+      const Place& place = places_[index];
+      found.push_back(
+          {"This database cannot hold the text.",
+           place.is_key ? document.locate_key(*place.value) : document.locate(*place.value)});
+    }
+    return found;
+  }
+
+ private:
+  struct Place {
+    const Json::Value* value;
+    bool is_key;  ///< of the value
+  };
+
+  /// Control characters are written as escapes in JSON, the others as they are.
+  void escape_last() {
+    if (texts_.back().find('\0') != std::string_view::npos) {
+      escaped_.emplace_back(texts_.back());
+      std::replace(escaped_.back().begin(), escaped_.back().end(), '\0', ' ');
+      texts_.back() = escaped_.back();
+    }
+  }
+
+  std::vector<std::string_view> texts_;
+  std::vector<Place> places_;
+  std::deque<std::string> escaped_;  ///< a deque moves no text
+};
 
 /// Reads one document and gathers what is wrong with it.
 class Inventory_Reader {
@@ -58,6 +125,11 @@ class Inventory_Reader {
     result_.faults.push_back({std::move(message), document_.locate(place)});
   }
 
+  void refuse_unstorable_texts(const std::shared_ptr<Database>& database) {
+    const std::vector<Document_Fault> found = texts_.faults(database, document_);
+    result_.faults.insert(result_.faults.end(), found.begin(), found.end());
+  }
+
   void require_known_keys(const Json::Value& object,
                           std::initializer_list<std::string_view> known) {
     for (auto member = object.begin(); member != object.end(); ++member) {
@@ -65,39 +137,6 @@ class Inventory_Reader {
         result_.faults.push_back(
             {fmt::format("Unknown key \"{}\".", member.name()), document_.locate_key(*member)});
       }
-    }
-  }
-
-  /// A text of the document that is to be stored.
-  struct Stored_Text {
-    std::string_view text;
-    const Json::Value* value;
-    bool is_key;  ///< of the value
-  };
-
-  void will_store(const Json::Value& text) {
-    const char* begin = nullptr;
-    const char* end = nullptr;
-    text.getString(&begin, &end);
-    texts_.push_back({{begin, static_cast<std::size_t>(end - begin)}, &text, false});
-  }
-
-  void will_store_key(const Json::Value::const_iterator& member) {
-    const char* end = nullptr;
-    const char* const begin = member.memberName(&end);
-    texts_.push_back({{begin, static_cast<std::size_t>(end - begin)}, &*member, true});
-  }
-
-  void refuse_unstorable_texts(const std::shared_ptr<Database>& database) {
-    std::vector<std::string_view> texts;
-    for (const Stored_Text& text : texts_) {
-      texts.push_back(text.text);
-    }
-    for (const std::size_t place : unstorable_texts(database, texts)) {
-      const Stored_Text& text = texts_[place];
-      result_.faults.push_back(
-          {"This database cannot hold the text.",
-           text.is_key ? document_.locate_key(*text.value) : document_.locate(*text.value)});
     }
   }
 
@@ -142,7 +181,7 @@ class Inventory_Reader {
       fault(name, "\"name\" must be a string.");
       return {};
     }
-    will_store(name);
+    texts_.add(name);
     return name.asString();
   }
 
@@ -169,9 +208,9 @@ class Inventory_Reader {
       return tags;
     }
     for (auto tag = given.begin(); tag != given.end(); ++tag) {
-      will_store_key(tag);
+      texts_.add_key(tag);
       if (tag->isString()) {
-        will_store(*tag);
+        texts_.add(*tag);
         tags[tag.name()].value = tag->asString();
       } else if (tag->isNull()) {
         tags[tag.name()].value = std::nullopt;
@@ -214,6 +253,7 @@ class Inventory_Reader {
       fault(capabilities, "\"capabilities\" must be a JSON object.");
       return {};
     }
+    texts_.add_json(capabilities);
     Json::StreamWriterBuilder writer;
     writer["indentation"] = "";
     writer["emitUTF8"] = true;
@@ -298,7 +338,7 @@ class Inventory_Reader {
     }
     auto known = stored_.object_types;
     for (auto type = given.begin(); type != given.end(); ++type) {
-      will_store_key(type);
+      texts_.add_key(type);
       const std::set<std::string> stands_for = read_object_type(type.name(), *type);
       known[type.name()] = stands_for;
       result_.inventory.object_types[type.name()] = stands_for;
@@ -323,7 +363,7 @@ class Inventory_Reader {
       if (!type.isString() || type.asString().empty()) {
         fault(type, fmt::format("Object type \"{}\" must be a non-empty array of strings.", name));
       } else {
-        will_store(type);
+        texts_.add(type);
         types.insert(type.asString());
       }
     }
@@ -333,7 +373,7 @@ class Inventory_Reader {
   const Json_Document& document_;
   const Inventory_References& stored_;
   Read_Inventory result_;
-  std::vector<Stored_Text> texts_;
+  Texts_To_Store texts_;
   std::set<std::uint64_t> seen_ids_;  ///< of the kind being read
   std::set<std::uint64_t> camera_ids_;
   std::set<std::uint64_t> category_ids_;

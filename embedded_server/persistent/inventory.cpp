@@ -196,6 +196,19 @@ Inventory_References load_inventory_references(const std::shared_ptr<Database>& 
   });
 }
 
+std::vector<std::size_t> unstorable_texts(const std::shared_ptr<Database>& database,
+                                          const std::vector<std::string_view>& texts) {
+  return read(database, [&](Site_Index&) {
+    std::vector<std::size_t> unstorable;
+    for (std::size_t place = 0; place < texts.size(); ++place) {
+      if (!database->engine().can_hold({texts[place]})) {
+        unstorable.push_back(place);
+      }
+    }
+    return unstorable;
+  });
+}
+
 std::map<std::string, std::set<std::string>> load_object_types(
     const std::shared_ptr<Database>& database) {
   return read(database, [&](Site_Index&) { return read_object_types(database->engine().odb()); });

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "vemora/embedded_server/persistent/database.h"
@@ -59,6 +61,10 @@ struct Inventory_References {
 /// What the database holds already.
 VEMORA_API Inventory_References
 load_inventory_references(const std::shared_ptr<Database>& database);
+
+/// Those of the texts that no record of this database can have: their places in the list.
+VEMORA_API std::vector<std::size_t> unstorable_texts(const std::shared_ptr<Database>& database,
+                                                     const std::vector<std::string_view>& texts);
 
 /// What general object types stand for, as stored.
 VEMORA_API std::map<std::string, std::set<std::string>> load_object_types(

@@ -31,15 +31,23 @@ bool is_nothing_yet(const std::string& location) {
                           std::filesystem::file_size(path, ignored) == 0);
 }
 
-/// What a new inventory may refer to. No file is made for a document that may turn out to be
-/// faulty; one that is there may be what an `init` left that was cut short.
-embedded_server::Inventory_References stored_references(const Options& options) {
-  if (is_nothing_yet(options.database)) {
-    return {};
-  }
-  const auto database = Database::open(options.database, Database::Open_Mode::create_if_absent);
+std::shared_ptr<Database> open_or_make(const Options& options) {
+  auto database = Database::open(options.database, Database::Open_Mode::create_if_absent);
   database->require_owner(options.server_id);
-  return embedded_server::load_inventory_references(database);
+  return database;
+}
+
+/// No file is made for a document that may turn out to be faulty; one that is there may be what an
+/// `init` left that was cut short.
+std::shared_ptr<Database> open_what_is_there(const Options& options) {
+  return is_nothing_yet(options.database) ? nullptr : open_or_make(options);
+}
+
+Read_Inventory read_for(const std::shared_ptr<Database>& database,
+                        const embedded_server::Json_Document& document) {
+  const auto stored = database ? embedded_server::load_inventory_references(database)
+                               : embedded_server::Inventory_References();
+  return embedded_server::read_inventory(document, stored, database);
 }
 
 Json::Value counts(const Inventory& inventory) {
@@ -79,7 +87,8 @@ void print_stored(const Options& options, const Inventory& inventory) {
 
 Exit_Status init(const Options& options, const std::string& inventory_path) {
   const auto document = read_input("inventory", inventory_path);
-  const Read_Inventory read = embedded_server::read_inventory(document, stored_references(options));
+  auto database = open_what_is_there(options);
+  const Read_Inventory read = read_for(database, document);
   if (!read.faults.empty()) {
     std::vector<Located_Fault> faults;
     for (const embedded_server::Document_Fault& fault : read.faults) {
@@ -89,8 +98,9 @@ Exit_Status init(const Options& options, const std::string& inventory_path) {
     print_faults(options, faults);
     return exit_rejected;
   }
-  const auto database = Database::open(options.database, Database::Open_Mode::create_if_absent);
-  database->require_owner(options.server_id);
+  if (!database) {
+    database = open_or_make(options);
+  }
   embedded_server::store_inventory(database, read.inventory);
   print_stored(options, read.inventory);
   return exit_done;
