@@ -5,8 +5,8 @@ import sqlite3
 import subprocess
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, TOOL, Site, camera, config, on_sqlite,
-                       small_inventory, topic_source, trigger)
+from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, TOOL, Site, camera, config, on_postgresql,
+                       on_sqlite, small_inventory, topic_source, trigger)
 
 STORED = ("Stored: 1 server, 2 cameras, 2 schedules, 1 event category, 1 generic subscription, "
           "1 general object type.\n")
@@ -146,6 +146,80 @@ inventory.json:3:21: error: "name" must be a string.
         self.apply(config(trigger(7, topic_source())))
         [error] = self.refused({"subscriptions": [{"id": 1}]})
         self.assertEqual((error["message"], error["column"]), ("The id 1 is that of a topic subscription.", 27))
+
+
+# Inventories with "@" in the place of a text.
+WITH_A_TEXT = {
+    "a name of a server": '{"servers": [{"id": 1, "name": "@"}]}',
+    "a name of a camera": '{"cameras": [{"id": 1, "name": "@"}]}',
+    "a name of a schedule": '{"schedules": [{"id": 1, "name": "@"}]}',
+    "a name of a category": '{"eventCategories": [{"id": 1, "name": "@"}]}',
+    "a name of a subscription": '{"subscriptions": [{"id": 1, "name": "@"}]}',
+    "a tag": '{"servers": [{"id": 1, "tags": {"@": null}}]}',
+    "a value of a tag": '{"cameras": [{"id": 1, "tags": {"area": "@"}}]}',
+    "a general object type": '{"objectTypes": {"@": ["car"]}}',
+    "an object type": '{"objectTypes": {"vehicle": ["car", "@"]}}',
+}
+WITH_A_TEXT_IN_JSON = {
+    "a key of capabilities": '{"cameras": [{"id": 1, "capabilities": {"Metadata": {"@": ""}}}]}',
+    "a text of capabilities": '{"cameras": [{"id": 1, "capabilities": {"Metadata": ["", "@"]}}]}',
+}
+WITH_A_NUL = b'"before\\u0000after"'
+NO_UTF8 = b'"before \xff\xc3 after"'
+
+
+class Texts_To_Hold(Site):
+    def assert_held(self, inventory, text):
+        outcome = self.run_tool("init", self.write("inventory.json", inventory.encode().replace(b'"@"', text)))
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""), outcome.out)
+
+    def assert_refused(self, inventory, text):
+        self.write("inventory.json", b"\n" + inventory.encode().replace(b'"@"', text))
+        outcome = self.run_tool("--json", "init", "inventory.json")
+        self.assertEqual((outcome.status, outcome.err), (REJECTED, b""), outcome.out)
+        self.assertEqual(outcome.json["errors"], [{
+            "document": "inventory", "line": 2, "column": 1 + inventory.index('"@"'),
+            "message": "This database cannot hold the text."}])
+
+    @on_sqlite
+    def test_any_text_is_held(self):
+        for what, inventory in {**WITH_A_TEXT, **WITH_A_TEXT_IN_JSON}.items():
+            for text in (WITH_A_NUL, NO_UTF8):
+                with self.subTest(what, text=text):
+                    self.assert_held(inventory, text)
+
+    @on_postgresql
+    def test_a_text_that_the_database_cannot_hold_is_told_with_its_place(self):
+        self.init()
+        before = self.rows()
+        for what, inventory in WITH_A_TEXT.items():
+            for text in (WITH_A_NUL, NO_UTF8):
+                with self.subTest(what, text=text):
+                    self.assert_refused(inventory, text)
+        for what, inventory in WITH_A_TEXT_IN_JSON.items():
+            with self.subTest(what):
+                self.assert_refused(inventory, NO_UTF8)
+        self.assertEqual(self.rows(), before)
+
+    @on_postgresql
+    def test_capabilities_may_have_a_nul_since_json_writes_it_as_an_escape(self):
+        for what, inventory in WITH_A_TEXT_IN_JSON.items():
+            with self.subTest(what):
+                self.assert_held(inventory, WITH_A_NUL)
+
+    @on_postgresql
+    def test_people_read_every_text_that_the_database_cannot_hold(self):
+        self.write("inventory.json", b'{"servers": [{"id": 1, "name": "a\\u0000"}],\n'
+                                     b' "schedules": [{"id": 1, "name": "\xff"}]}')
+        outcome = self.run_tool("init", "inventory.json")
+        self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
+inventory.json:1:32: error: This database cannot hold the text.
+    {"servers": [{"id": 1, "name": "a\\u0000"}],
+                                   ^
+inventory.json:2:34: error: This database cannot hold the text.
+     "schedules": [{"id": 1, "name": "\\xff"}]}
+                                     ^
+"""))
 
 
 @on_sqlite
