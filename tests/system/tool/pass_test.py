@@ -2,8 +2,9 @@
 
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, LARGEST_ID, MOTION, NO_OBJECT, REJECTED, Site, camera, config, mapping,
-                       object_source, small_inventory, topic_source, trigger)
+from tool_site import (CROSSED, DONE, FAILED, LARGEST_ID, MOTION, NO_OBJECT, REJECTED, TRIGGER_ERRORS, Site, camera,
+                       config, mapping, object_source, on_postgresql, on_sqlite, small_inventory, topic_source,
+                       trigger)
 
 NO_PROPERTIES = {"maxLatencyMs": None, "digestCooldownMs": None, "ackTimeoutMs": None, "nackDelayMs": None}
 NO_CHANGES = {kind: {"written": 0, "deleted": 0}
@@ -255,6 +256,33 @@ Rejected; nothing changed.
             self.assertEqual(failed.json, {
                 "success": False, "reconciled": [], "state": None, "changes": NO_CHANGES,
                 "errors": [{"category": 1, "message": self.behind.absence}]})
+
+
+class Texts_To_Hold(Site):
+    TRIGGERS = ({**trigger(1), "name": "before\0after"}, trigger(2, topic_source("before\0after")),
+                trigger(3, object_source("before\0after")), trigger(4))
+
+    def setUp(self):
+        super().setUp()
+        self.init()
+
+    @on_sqlite
+    def test_a_trigger_may_have_any_text(self):
+        self.assertEqual(self.apply(config(*self.TRIGGERS))["errors"], [])
+        self.assertEqual([record["id"] for record in self.show("triggers")], [1, 2, 3, 4])
+
+    @on_postgresql
+    def test_a_trigger_with_a_text_that_the_database_cannot_hold_fails_alone(self):
+        answer = self.apply(config(*self.TRIGGERS), expected=TRIGGER_ERRORS)
+        self.assertEqual(answer["errors"], [
+            {"category": 1, "message": f"Trigger {number}: Failed to process config (Failed to create trigger)."}
+            for number in (1, 2, 3)])
+        self.assertEqual(answer["state"]["appliedTriggers"], {"4": {"anyTime": False}})
+        self.assertEqual([record["id"] for record in self.show("triggers")], [4])
+        self.assertEqual(self.show("config"), config(*self.TRIGGERS))
+        refreshed = self.run_tool("--json", "refresh")
+        self.assertEqual((refreshed.status, refreshed.json["errors"], refreshed.json["changes"]),
+                         (TRIGGER_ERRORS, answer["errors"], NO_CHANGES))
 
 
 class Identifiers(Site):

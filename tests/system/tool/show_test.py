@@ -183,7 +183,7 @@ stray.json:1:14: error: Missing "triggers" array.
 """)
         missing = self.run_tool("check", "missing\x1b[1m.json")
         self.assertNotIn(b"\x1b", missing.out + missing.err)
-        failed = self.run_tool("--database", "none\x1b[1m.db", "show", "triggers")
+        failed = self.run_tool("--database", f"{self.behind.absent}\x1b[1m", "show", "triggers")
         self.assertEqual(failed.status, FAILED)
         self.assertNotIn(b"\x1b", failed.out + failed.err)
 
