@@ -36,8 +36,13 @@ void Vemora_Trigger_Manager::collect_subscriptions_() {
     // A subscription with a camera and no topic is a corrupt record. It ends the pass: a pusher
     // that is told less than the truth would drop notifications without anybody noticing.
     const std::string& topic = subscription->onvif_topic.value();
+    // Trigger ids ascend, and so do the cameras of most records: look beside the place before.
+    auto place = state_.onvif_topics_by_trigger.begin();
     for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
-      state_.onvif_topics_by_trigger[trigger_id][camera_id].insert(topic);
+      place = state_.onvif_topics_by_trigger.try_emplace(place, trigger_id);
+      auto& topics_by_camera = place->second;
+      topics_by_camera.try_emplace(topics_by_camera.end(), camera_id)->second.insert(topic);
+      ++place;
     }
   }
 }
