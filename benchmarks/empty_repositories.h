@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+#include "vemora/platform/repositories/repository.h"
+
+namespace kuv::benchmarks {
+
+/// Repositories that hold nothing but server 1 and the triggers that they are given, and do
+/// nothing: what is left is the cost of the library alone.
+std::shared_ptr<vemora::Repository> make_empty_repositories();
+
+}  // namespace kuv::benchmarks

@@ -1,0 +1,121 @@
+"""Writes docs/performance.md and its plot from what the benchmarks printed.
+
+    report.py SQLITE.json POSTGRESQL.json LIBRARY.json FOLDER
+"""
+
+import datetime
+import json
+import os
+import platform
+import statistics
+import sys
+
+BEGIN, END = "<!-- figures begin -->", "<!-- figures end -->"
+MILLION = "1000000 links"
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return json.load(file)
+
+
+def median(figure, key="seconds"):
+    return statistics.median(figure[key]) if figure.get(key) else None
+
+
+def ratio(number, floor):
+    return f"{number / floor:.2f}" if number is not None and floor else ""
+
+
+def find(figures, site, scenario):
+    return next((figure for figure in figures if (figure["site"], figure["scenario"]) == (site, scenario)), None)
+
+
+def table(figures):
+    lines = ["| site | scenario | seconds | floor | ratio | links + | links - | errors |", "|---|---|---|---|---|---|---|---|"]
+    for figure in figures:
+        seconds, floor = median(figure), median(figure, "floor")
+        lines.append(f"| {figure['site']} | {figure['scenario']} | {seconds:.3f} | "
+                     f"{'' if floor is None else f'{floor:.3f}'} | {ratio(seconds, floor)} | {figure['linksWritten']} | "
+                     f"{figure['linksDeleted']} | {figure['errors']} |")
+    return lines
+
+
+def library_median(library, name):
+    return next((entry["real_time"] for entry in library["benchmarks"]
+                 if entry["name"] == f"{name}_median" or (entry["name"] == name and "aggregate_name" not in entry)), None)
+
+
+def targets(figures, library):
+    """The figures that were promised, each as a ratio within this run."""
+    lines = ["| figure | must | aim | measured |", "|---|---|---|---|"]
+
+    def line(name, must, aim, value):
+        lines.append(f"| {name} | {must} | {aim} | {value or 'not measured'} |")
+
+    line("parsing 100,000 triggers : the JSON library reading the text", 0.5, 0.25,
+         ratio(library_median(library, "parse_trigger_configs"), library_median(library, "json_library_reads_the_text")))
+    first = find(figures, MILLION, "first apply")
+    refresh = find(figures, MILLION, "unchanged refresh")
+    changed = find(figures, MILLION, "one trigger changed")
+    small = find(figures, "10000 links", "unchanged refresh")
+    if first and refresh and changed:
+        line("first apply : floor", 2.5, 1.3, ratio(median(first), median(first, "floor")))
+        line("unchanged refresh : floor", 4, 1.5, ratio(median(refresh), median(refresh, "floor")))
+        line("changing one trigger of 1,000 : unchanged refresh", 1.2, 1.05, ratio(median(changed), median(refresh)))
+        line("peak heap of a pass : one state snapshot", 4, 2.5, ratio(refresh["peakHeap"], refresh["snapshotHeap"]))
+    if small and refresh:
+        line("time per link of a refresh at 10^6 : at 10^4", 1.5, 1.1, ratio(median(refresh) / 100, median(small)))
+    off, below = library_median(library, "log_call_with_logging_off"), library_median(library, "log_call_below_the_level")
+    line("a log call with logging off; below the level", "report", "",
+         f"{off:.1f} ns; {below:.1f} ns" if off is not None else None)
+    return lines
+
+
+def plot(figures):
+    """Seconds by links, both axes logarithmic: points of the passes and of their floors."""
+    import math
+    points = []
+    for scenario, color in (("first apply", "#b03a2e"), ("unchanged refresh", "#1f618d")):
+        for key, fill in (("seconds", color), ("floor", "none")):
+            for figure in figures:
+                first = find(figures, figure["site"], "first apply")
+                if figure["scenario"] == scenario and median(figure, key) and first and first.get("links"):
+                    points.append((first["links"], median(figure, key), color, fill))
+    x = lambda links: 60 + (math.log10(links) - 3.5) * 150
+    y = lambda seconds: 330 - (math.log10(seconds) + 3) * 75
+    marks = [f'<circle cx="{x(links):.1f}" cy="{y(seconds):.1f}" r="4" stroke="{color}" fill="{fill}"/>'
+             for links, seconds, color, fill in points]
+    axes = [f'<text x="{x(10 ** power):.0f}" y="350" text-anchor="middle">10^{power}</text>' for power in (4, 5, 6, 7)]
+    axes += [f'<text x="50" y="{y(10 ** power) + 4:.0f}" text-anchor="end">{10.0 ** power:g} s</text>'
+             for power in (-3, -2, -1, 0, 1)]
+    legend = ('<text x="70" y="20" fill="#b03a2e">first apply</text><text x="160" y="20" fill="#1f618d">unchanged refresh'
+              '</text><text x="300" y="20">filled: a pass, open: its floor; by links</text>')
+    return ('<svg xmlns="http://www.w3.org/2000/svg" width="640" height="370" font-family="sans-serif" font-size="12">'
+            '<rect width="640" height="370" fill="white"/>' + legend + "".join(axes) + "".join(marks) + "</svg>\n")
+
+
+def figures_section(sqlite, postgresql, library):
+    machine = f"{os.cpu_count()} cores, {platform.machine()}, Linux {platform.release()}"
+    return "\n".join([BEGIN, "", f"Measured {datetime.date.today()} on {machine}; medians of "
+                      f"{len(sqlite[0]['seconds'])} runs.", "", "![seconds by links](performance.svg)", "",
+                      "### Against the targets (SQLite, 10^6 links)", "", *targets(sqlite, library), "",
+                      "### SQLite", "", *table(sqlite), "", "### PostgreSQL (over a socket)", "",
+                      *(table(postgresql) if postgresql else ["Not measured in this run."]), "", END])
+
+
+def main(sqlite_path, postgresql_path, library_path, folder):
+    sqlite, postgresql, library = read(sqlite_path), read(postgresql_path), read(library_path)
+    page = os.path.join(folder, "performance.md")
+    with open(page, encoding="utf-8") as file:
+        text = file.read()
+    before, rest = text.split(BEGIN)
+    after = rest.split(END)[1]
+    with open(page, "w", encoding="utf-8") as file:
+        file.write(before + figures_section(sqlite, postgresql, library) + after)
+    with open(os.path.join(folder, "performance.svg"), "w", encoding="utf-8") as file:
+        file.write(plot(sqlite))
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
