@@ -40,6 +40,21 @@ def psql(statements, folder=None, port=None):
     return done.stdout
 
 
+# All the records that a pass writes, but for the ids that it gives out, as one text.
+RECORDS = """
+SELECT 'trigger', id, name, '', '' FROM trigger_record
+UNION ALL SELECT 'source', trigger_id, onvif_topic, object_type, position::text FROM trigger_source
+UNION ALL SELECT 'subscription', s.camera_id, s.onvif_topic, l.linked_id::text, ''
+  FROM subscription s LEFT JOIN subscription_trigger l ON l.record_id = s.id
+UNION ALL SELECT 'detection', e.camera_id, '', l.linked_id::text, ''
+  FROM eta_camera e LEFT JOIN eta_camera_trigger l ON l.record_id = e.id
+ORDER BY 1, 2, 3, 4, 5"""
+
+# What the tool may say of a server that goes away.
+COMPLAINTS = ("connection to the server was lost", "server closed the connection", "terminating connection",
+              "the database system is", "could not connect", "connection to server", "no connection to the server",
+              "connection to database lost")
+
 TOPICS = [f"tns1:RuleEngine/LineDetector/Crossed/{number}" for number in range(6)]
 
 
@@ -105,3 +120,7 @@ class Site(unittest.TestCase):
         shown["subscriptions"].sort(key=lambda record: (record["cameraId"] or 0, record["name"]))
         shown["detection"].sort(key=lambda record: record["cameraId"])
         return shown
+
+    def assert_clear(self, outcome, log):
+        said = " ".join(error["message"] for error in outcome["errors"]) + str(outcome.get("remarks", "")) + log
+        self.assertTrue(any(complaint in said for complaint in COMPLAINTS), said[:1000])

@@ -9,7 +9,8 @@ import threading
 class Proxy:
     """Listens on a socket of its own and hands everything on to the server's.
 
-    A round trip is the client speaking after the server did: what a network would add its delay to.
+    A round trip is the client speaking after the server did: what a network would add its delay to. An
+    answer is the server speaking after the client did.
     """
 
     def __init__(self, server_folder, server_port):
@@ -17,8 +18,9 @@ class Proxy:
         self.folder = tempfile.mkdtemp(prefix="vemora-")
         self.port = 5432
         self.round_trips = 0
-        self.bytes_from_client = 0
-        self.cut_after = None  # bytes from the client, all connections together
+        self.answers = 0
+        self.withheld = None  # the number of the answer that no client gets
+        self.on_withheld = None  # what happens then, before its connection ends
         self.lock = threading.Lock()
         self.lines = []
         self.listener = socket.socket(socket.AF_UNIX)
@@ -43,6 +45,11 @@ class Proxy:
             with self.lock:
                 self.lines.append(line)
             line.start()
+
+    def withhold(self, number, action):
+        """Instead of handing on this answer, counted from now and from 1, acts and ends the connection."""
+        with self.lock:
+            self.answers, self.withheld, self.on_withheld = 0, number, action
 
     def cut(self):
         """Ends every connection, as a network that fails does."""
@@ -74,27 +81,31 @@ class Line:
     def pump(self, source, target, note):
         try:
             while data := source.recv(1 << 20):
-                if not note(len(data)):
+                if not note():
                     break
                 target.sendall(data)
         except OSError:
             pass
         self.close()
 
-    def from_client(self, size):
+    def from_client(self):
         """Whether to go on."""
         with self.proxy.lock:
             if self.server_spoke:
                 self.server_spoke = False
                 self.proxy.round_trips += 1
-            self.proxy.bytes_from_client += size
-            limit = self.proxy.cut_after
-            return limit is None or self.proxy.bytes_from_client <= limit
-
-    def from_server(self, _size):
-        with self.proxy.lock:
-            self.server_spoke = True
         return True
+
+    def from_server(self):
+        with self.proxy.lock:
+            if self.server_spoke:
+                return True
+            self.server_spoke = True
+            self.proxy.answers += 1
+            if self.proxy.answers != self.proxy.withheld:
+                return True
+        self.proxy.on_withheld()
+        return False
 
     def close(self):
         for end in (self.client, self.server):

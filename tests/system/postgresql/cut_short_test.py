@@ -1,0 +1,113 @@
+"""An apply over PostgreSQL that is cut short at each answer of the server: the tool killed, or the line cut."""
+
+import collections
+import json
+import signal
+import subprocess
+import threading
+import unittest
+
+from cluster import DONE, FAILED, RECORDS, Site, TOPICS, inventory, note, psql, trigger, url
+from proxy import Proxy
+
+CAMERAS = 40
+
+
+class Cut_Short(Site):
+    """The server has done what it was asked for; the tool does not hear of it."""
+
+    def setUp(self):
+        super().setUp()
+        self.proxy = Proxy(note("folder"), note("port"))
+        self.addCleanup(self.proxy.close)
+        self.through_proxy = url(self.schema, self.proxy.folder, self.proxy.port)
+        self.before = self.write("before.json", {"triggers": [
+            trigger(number, number % 10, TOPICS[:2], True) for number in range(10)]})
+        self.after = self.write("after.json", {"triggers": [
+            trigger(number, number % 10, TOPICS[1:4]) for number in range(5, 15)]})
+        self.run_tool("init", self.write("inventory.json", inventory(CAMERAS)))
+
+    def remains(self):
+        """The records, the documents, and the cameras that are still to be reconciled."""
+        return tuple(psql(f"SET search_path = {self.schema}; {query}") for query in (
+            RECORDS, "SELECT kind, text FROM document ORDER BY 1", "SELECT camera_id FROM pending_camera ORDER BY 1"))
+
+    def given_undisturbed_runs(self):
+        self.run_tool("apply", self.before)
+        self.remains_before = self.remains()
+        self.proxy.withhold(None, None)
+        outcome = self.run_tool("apply", self.after, database=self.through_proxy)
+        self.assertEqual(len(outcome["reconciled"]), CAMERAS)
+        self.every_camera = "".join(f"{camera}\n" for camera in outcome["reconciled"])
+        self.remains_after = self.remains()
+        return self.proxy.answers
+
+    def apply_without(self, answer, act):
+        """Applies, and acts on the process at this answer, which it does not get."""
+        self.run_tool("apply", self.before)
+        self.assertEqual(self.remains(), self.remains_before)
+        started = threading.Event()
+        processes = []
+
+        def act_when_started():
+            started.wait()
+            act(processes[0])
+
+        self.proxy.withhold(answer, act_when_started)
+        processes.append(subprocess.Popen(self.command("apply", self.after, database=self.through_proxy),
+                                          stdout=subprocess.PIPE, stderr=subprocess.PIPE))
+        started.set()
+        out, err = processes[0].communicate(timeout=600)
+        return processes[0].returncode, out, err
+
+    def phase(self):
+        """Where the run was cut short."""
+        records, documents, pending = self.remains()
+        if (records, documents, pending) == self.remains_before:
+            return "before the commit"
+        self.assertEqual(records, self.remains_after[0], "neither the state before the pass nor the committed one")
+        if documents == self.remains_before[1]:
+            self.assertEqual(pending, self.every_camera)
+            return "before the storing"
+        self.assertEqual((documents, pending), self.remains_after[1:])
+        return "stored"
+
+    def assert_repeated(self, phase):
+        """Repeating the apply ends as if nothing had been, and forgets no camera."""
+        outcome = self.run_tool("apply", self.after)
+        self.assertEqual(self.remains(), self.remains_after)
+        self.assertEqual(len(outcome["reconciled"]), 0 if phase == "stored" else CAMERAS)
+
+    def test_by_killing_the_tool(self):
+        phases = collections.Counter()
+        for answer in range(1, self.given_undisturbed_runs() + 1):
+            with self.subTest(answer=answer):
+                status, _, _ = self.apply_without(answer, lambda process: process.kill())
+                self.assertEqual(status, -signal.SIGKILL)
+                phase = self.phase()
+                self.assert_repeated(phase)
+                phases[phase] += 1
+        print(f"cut short at each of {sum(phases.values())} answers: {dict(phases)}")
+        self.assertEqual(set(phases), {"before the commit", "before the storing", "stored"})
+
+    def test_by_cutting_the_line(self):
+        phases = collections.Counter()
+        for answer in range(1, self.given_undisturbed_runs() + 1):
+            with self.subTest(answer=answer):
+                status, out, err = self.apply_without(answer, lambda process: None)
+                phase = self.phase()
+                self.assertIn(status, (DONE, FAILED), (out, err))
+                outcome = json.loads(out)
+                if status == FAILED:
+                    self.assert_clear(outcome, err.decode())
+                else:  # it had done it all, and only said goodbye
+                    self.assertEqual(phase, "stored")
+                    self.assertEqual(len(outcome["reconciled"]), CAMERAS)
+                self.assert_repeated(phase)
+                phases[phase] += 1
+        print(f"cut short at each of {sum(phases.values())} answers: {dict(phases)}")
+        self.assertEqual(set(phases), {"before the commit", "before the storing", "stored"})
+
+
+if __name__ == "__main__":
+    unittest.main()
