@@ -4,7 +4,7 @@ import os
 import subprocess
 import unittest
 
-from tool_site import (DONE, FAILED, TOOL, Outcome, Site, config, mapping, on_postgresql, on_sqlite, topic_source,
+from tool_site import (DONE, FAILED, Outcome, Site, config, mapping, on_postgresql, on_sqlite, topic_source,
                        trigger)
 
 COMMANDS = (["check", "config.json"], ["apply", "config.json"], ["apply", "config.json", "mapping.json"], ["refresh"],
@@ -126,9 +126,8 @@ class Full_Disks(Database_Site):
         name = self.write("large.json", config(*(trigger(number, topic_source("x" * 100)) for number in range(5000))))
         before = self.rows()
         # A limit on the size of files stands for the disk.
-        process = subprocess.run(["sh", "-c", 'ulimit -f 400; exec "$@"', "sh", TOOL, "--json", "apply", name],
-                                 cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
-        outcome = Outcome(process)
+        outcome = self.run_command(["sh", "-c", 'ulimit -f 400; exec "$@"', "sh",
+                                    *self.command("--json", "apply", name)])
         self.assertEqual((outcome.status, outcome.err), (FAILED, b""))
         self.assertRegex(outcome.json["remarks"][0], "; nothing that the pass wrote was kept$")
         self.assertEqual((outcome.json["state"], outcome.json["reconciled"]), (None, []))

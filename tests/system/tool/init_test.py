@@ -2,10 +2,9 @@
 
 import os
 import sqlite3
-import subprocess
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, TOOL, Site, camera, config, on_postgresql,
+from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, Site, camera, config, on_postgresql,
                        on_sqlite, small_inventory, topic_source, trigger)
 
 STORED = ("Stored: 1 server, 2 cameras, 2 schedules, 1 event category, 1 generic subscription, "
@@ -56,10 +55,10 @@ class Made_Databases(Site):
     @on_sqlite
     def test_a_disk_that_is_full_is_told_and_the_init_can_be_repeated(self):
         # A limit on the size of files stands for the disk.
-        limited = subprocess.run(["sh", "-c", 'ulimit -f 40; exec "$@"', "sh", TOOL, "init", "inventory.json"],
-                                 cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
-        self.assertEqual((limited.returncode, limited.stdout), (FAILED, b""))
-        self.assertRegex(limited.stderr.decode(), r"\Avemora-triggers: database vemora.db: .*(full|I/O error)")
+        limited = self.run_command(["sh", "-c", 'ulimit -f 40; exec "$@"', "sh",
+                                    *self.command("init", "inventory.json")])
+        self.assertEqual((limited.status, limited.out), (FAILED, b""))
+        self.assertRegex(limited.err.decode(), r"\Avemora-triggers: database vemora.db: .*(full|I/O error)")
         self.assertEqual(self.run_tool("init", "inventory.json").status, DONE)
         self.assertEqual(len(self.show("cameras")), 2)
 
