@@ -4,7 +4,7 @@ import json
 import subprocess
 import unittest
 
-from cluster import DONE, Site, TOPICS, inventory, psql, trigger, url
+from cluster import DONE, Site, TOPICS, inventory, trigger, url
 
 
 class Many_Servers(Site):
