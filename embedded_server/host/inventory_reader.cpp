@@ -4,12 +4,12 @@
 #include <json/writer.h>
 
 #include <algorithm>
-#include <deque>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "vemora/embedded_server/host/letters.h"
 #include "vemora/embedded_server/host/services.h"
 
 namespace kuv::vemora::embedded_server {
@@ -20,37 +20,42 @@ bool is_id(const Json::Value& value) {
   return value.type() != Json::realValue && value.isUInt64();
 }
 
+std::string_view text_of(const Json::Value& value) {
+  const char* begin = nullptr;
+  const char* end = nullptr;
+  value.getString(&begin, &end);
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+std::string_view key_of(const Json::Value::const_iterator& member) {
+  const char* end = nullptr;
+  const char* const begin = member.memberName(&end);
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+bool is_utf8(std::string_view text) {
+  std::size_t place = 0;
+  while (place < text.size()) {
+    const std::size_t size = letter_size(text, place);
+    if (size == 0) {
+      return false;
+    }
+    place += size;
+  }
+  return true;
+}
+
 /// The texts of a document that are to be stored.
 class Texts_To_Store {
  public:
   void add(const Json::Value& text) {
-    const char* begin = nullptr;
-    const char* end = nullptr;
-    text.getString(&begin, &end);
-    texts_.emplace_back(begin, end - begin);
+    texts_.push_back(text_of(text));
     places_.push_back({&text, false});
   }
 
   void add_key(const Json::Value::const_iterator& member) {
-    const char* end = nullptr;
-    const char* const begin = member.memberName(&end);
-    texts_.emplace_back(begin, end - begin);
+    texts_.push_back(key_of(member));
     places_.push_back({&*member, true});
-  }
-
-  /// All the texts of a value that is stored as JSON.
-  void add_json(const Json::Value& value) {
-    if (value.isString()) {
-      add(value);
-      escape_last();
-    }
-    for (auto member = value.begin(); member != value.end(); ++member) {
-      if (value.isObject()) {
-        add_key(member);
-        escape_last();
-      }
-      add_json(*member);
-    }
   }
 
   /// A fault for each that the database cannot hold.
@@ -72,18 +77,8 @@ class Texts_To_Store {
     bool is_key;  ///< of the value
   };
 
-  /// Control characters are written as escapes in JSON, the others as they are.
-  void escape_last() {
-    if (texts_.back().find('\0') != std::string_view::npos) {
-      escaped_.emplace_back(texts_.back());
-      std::replace(escaped_.back().begin(), escaped_.back().end(), '\0', ' ');
-      texts_.back() = escaped_.back();
-    }
-  }
-
   std::vector<std::string_view> texts_;
   std::vector<Place> places_;
-  std::deque<std::string> escaped_;  ///< a deque moves no text
 };
 
 /// Reads one document and gathers what is wrong with it.
@@ -253,11 +248,26 @@ class Inventory_Reader {
       fault(capabilities, "\"capabilities\" must be a JSON object.");
       return {};
     }
-    texts_.add_json(capabilities);
+    require_utf8(capabilities);
     Json::StreamWriterBuilder writer;
     writer["indentation"] = "";
     writer["emitUTF8"] = true;
     return Json::writeString(writer, capabilities);
+  }
+
+  /// Capabilities are stored as JSON: control characters are escapes there, all else stays as it is
+  /// and would be unreadable ever after.
+  void require_utf8(const Json::Value& part) {
+    constexpr const char* message = "\"capabilities\" must be UTF-8.";
+    if (part.isString() && !is_utf8(text_of(part))) {
+      fault(part, message);
+    }
+    for (auto member = part.begin(); member != part.end(); ++member) {
+      if (part.isObject() && !is_utf8(key_of(member))) {
+        result_.faults.push_back({message, document_.locate_key(*member)});
+      }
+      require_utf8(*member);
+    }
   }
 
   void read_schedule(const Json::Value& given) {
