@@ -4,8 +4,9 @@ target_compile_features(vemora_build_options INTERFACE cxx_std_17)
 target_compile_options(vemora_build_options INTERFACE -Wall -Wextra -Wpedantic
                        $<$<BOOL:${VEMORA_WERROR}>:-Werror>)
 if(VEMORA_SANITIZE)
+  # GCC takes what the sanitizers add for values that nobody set.
   target_compile_options(vemora_build_options INTERFACE -fsanitize=${VEMORA_SANITIZE}
-                         -fno-omit-frame-pointer -fno-sanitize-recover=all)
+                         -fno-omit-frame-pointer -fno-sanitize-recover=all -Wno-maybe-uninitialized)
   target_link_options(vemora_build_options INTERFACE -fsanitize=${VEMORA_SANITIZE})
 endif()
 

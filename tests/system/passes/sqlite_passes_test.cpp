@@ -4,8 +4,11 @@
 namespace kuv::test {
 namespace {
 
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
 
 /// What can be told of SQLite alone: rows counted, and texts too long for it.
 class Passes_On_SQLite : public testing::Test, public Server_Around {
@@ -51,6 +54,55 @@ TEST_F(Passes_On_SQLite, write_not_one_row_when_nothing_changed) {
 
   EXPECT_EQ(rows_written(connection), rows_before);
   EXPECT_EQ(version(), version_before);
+}
+
+/// A refresh of a site that nothing changed on.
+class Unchanged_Refreshes_On_SQLite : public Passes_On_SQLite {
+ protected:
+  /// Some triggers on topics, detection and generic events, each on every camera.
+  static std::string config_of(int triggers) {
+    std::string text;
+    for (int id = 1; id <= triggers; ++id) {
+      text += (id == 1 ? "" : ",") + (R"({"id": )" + std::to_string(id)) +
+              R"(, "name": "n", "tags": {}, "sources": [
+                {"type": "onvif-metadata", "onvifTopic": "a"}, {"type": "metadata-event"},
+                {"type": "object-detection", "searchItem": {"type": "car"}}]})";
+    }
+    return R"({"triggers": [)" + text + "]}";
+  }
+
+  std::vector<std::string> statements_of_a_refresh() {
+    const Statement_Trace trace(idle_connection(*database()));
+    EXPECT_TRUE(refresh().success);
+    return trace.statements();
+  }
+};
+
+TEST_F(Unchanged_Refreshes_On_SQLite, execute_the_same_statements_however_large_the_site_is) {
+  update_config(config_of(1));
+  const std::vector<std::string> of_a_small_site = statements_of_a_refresh();
+
+  for (std::uint64_t id = 200; id < 260; ++id) {
+    site.given_camera(id).with_topic("a").detecting_objects();
+  }
+  site.store_in(database());
+  update_config(config_of(40));
+  ASSERT_EQ(foreign_program().count("subscription_trigger"), 40U * (62 + 2));
+
+  EXPECT_EQ(statements_of_a_refresh(), of_a_small_site);
+}
+
+TEST_F(Unchanged_Refreshes_On_SQLite, execute_no_statement_that_writes_and_read_each_table_once) {
+  update_config(config_of(3));
+
+  std::set<std::string> seen;
+  for (const std::string& statement : statements_of_a_refresh()) {
+    EXPECT_THAT(statement, AnyOf(StartsWith("SELECT"), StartsWith("BEGIN"), StartsWith("COMMIT"),
+                                 StartsWith("ROLLBACK")));
+    EXPECT_TRUE(statement.find("_trigger") == std::string::npos || seen.insert(statement).second)
+        << statement;
+  }
+  EXPECT_THAT(seen, Not(IsEmpty()));
 }
 
 TEST_F(Passes_On_SQLite, report_a_trigger_that_cannot_be_stored_and_go_on) {

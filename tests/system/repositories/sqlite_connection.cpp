@@ -15,4 +15,17 @@ std::int64_t rows_written(sqlite3* connection) {
   return sqlite3_total_changes64(connection);
 }
 
+Statement_Trace::Statement_Trace(sqlite3* connection) : connection_(connection) {
+  const auto note = [](unsigned, void* trace, void* statement, void*) {
+    static_cast<Statement_Trace*>(trace)->statements_.emplace_back(
+        sqlite3_sql(static_cast<sqlite3_stmt*>(statement)));
+    return 0;
+  };
+  sqlite3_trace_v2(connection_, SQLITE_TRACE_STMT, note, this);
+}
+
+Statement_Trace::~Statement_Trace() {
+  sqlite3_trace_v2(connection_, 0, nullptr, nullptr);
+}
+
 }  // namespace kuv::test

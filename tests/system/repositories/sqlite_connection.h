@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "vemora/embedded_server/persistent/database.h"
 
@@ -16,5 +17,20 @@ sqlite3* idle_connection(vemora::embedded_server::Database& database);
 
 /// The rows that were inserted, updated and deleted through a connection so far.
 std::int64_t rows_written(sqlite3* connection);
+
+/// Notes down the statements that a connection executes, as long as it lives.
+class Statement_Trace {
+ public:
+  explicit Statement_Trace(sqlite3* connection);
+  ~Statement_Trace();
+  Statement_Trace(const Statement_Trace&) = delete;
+  Statement_Trace& operator=(const Statement_Trace&) = delete;
+
+  const std::vector<std::string>& statements() const { return statements_; }
+
+ private:
+  sqlite3* connection_;
+  std::vector<std::string> statements_;
+};
 
 }  // namespace kuv::test
