@@ -388,12 +388,20 @@ TEST_F(Trigger_Host_Test, fails_when_the_object_types_cannot_be_read_whatever_th
   EXPECT_THROW(host().refresh(), Database_Error);
 }
 
-class Damaged_Documents : public Trigger_Host_Test,
-                          public testing::WithParamInterface<const char*> {
+struct Damage {
+  const char* name;
+  const char* text;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Damage& damage) {
+  return stream << damage.name;
+}
+
+class Damaged_Documents : public Trigger_Host_Test, public testing::WithParamInterface<Damage> {
  protected:
   void given_a_damaged(const std::string& kind) {
     apply(a_config, R"({"triggerMapping": []})");
-    foreign_program().execute("UPDATE document SET text = '" + std::string(GetParam()) +
+    foreign_program().execute("UPDATE document SET text = '" + std::string(GetParam().text) +
                               "' WHERE kind = '" + kind + "'");
   }
 
@@ -439,7 +447,11 @@ TEST_P(Damaged_Documents, are_no_fault_of_a_new_configuration) {
   EXPECT_THAT(host().check(config, &mapping), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, Damaged_Documents, testing::Values("", "[]", "7", "{\"trig", "{}}"));
+INSTANTIATE_TEST_SUITE_P(Each, Damaged_Documents,
+                         testing::Values(Damage{"empty", ""}, Damage{"an_array", "[]"},
+                                         Damage{"a_number", "7"}, Damage{"cut_off", "{\"trig"},
+                                         Damage{"too_long", "{}}"}),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace kuv::test
