@@ -34,17 +34,13 @@ bool is_true(odb::pgsql::connection& connection, const std::string& condition) {
   return first_value(run_statements(connection, "SELECT " + condition)) == "t";
 }
 
-/// The server's own words, on one line and without the word that every one of them begins with.
-std::string words_of(std::string message) {
+/// What the server says first, without the word that every fault begins with; then come the
+/// statement and where in it the server was.
+std::string words_of(const std::string& message) {
   constexpr std::string_view severity = "ERROR:  ";
-  if (message.compare(0, severity.size(), severity) == 0) {
-    message.erase(0, severity.size());
-  }
-  while (!message.empty() && message.back() == '\n') {
-    message.pop_back();
-  }
-  std::replace(message.begin(), message.end(), '\n', ' ');
-  return message;
+  const std::size_t begin =
+      message.compare(0, severity.size(), severity) == 0 ? severity.size() : 0;
+  return message.substr(begin, message.find('\n') - begin);
 }
 
 }  // namespace

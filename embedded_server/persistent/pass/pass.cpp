@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <odb/exceptions.hxx>
 #include <stdexcept>
 
 #include "embedded_server/persistent/pass/join_pass.h"
@@ -38,6 +39,17 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
   open_pass = this;
 }
 
+void Pass::open_session() {
+  try {
+    session_ = engine().open_session(purpose_ == Purpose::single_read
+                                         ? Engine::Session::Access::shared
+                                         : Engine::Session::Access::exclusive);
+  } catch (const odb::exception& fault) {
+    throw Database_Error(
+        fmt::format("database {}: {}", engine().location(), engine().describe(fault)));
+  }
+}
+
 Pass::~Pass() {
   open_pass = nullptr;
 }
@@ -69,10 +81,14 @@ void Pass::store_changes(Site_Index& site) {
   if (mode_ == Pass_Scope::Mode::commit) {
     try {
       write(net);
+      commit_is_sent_ = true;
       transaction_->commit();
+      commit_is_sent_ = false;
     } catch (const std::exception& fault) {
       note_fault(fault);  // as long as the connection still knows what it was
-      lost_ = true;       // half of it may be written: it goes as a whole
+      commit_is_sent_ =
+          commit_is_sent_ && dynamic_cast<const odb::connection_lost*>(&fault) != nullptr;
+      lost_ = true;  // half of it may be written: it goes as a whole
       transaction_.reset();
       throw;
     }
@@ -116,7 +132,11 @@ void Pass::end() {
     }
   }
   fault_ = fault;
-  throw Database_Error(fmt::format("{}; nothing that the pass wrote was kept", fault));
+  // An answer that got lost may have been that all is well.
+  throw Database_Error(fmt::format(commit_is_sent_
+                                       ? "{}; it is not known whether what the pass wrote was kept"
+                                       : "{}; nothing that the pass wrote was kept",
+                                   fault));
 }
 
 void Pass::note_fault(const std::exception& fault) {

@@ -76,6 +76,7 @@ class Pass {
   odb::database& odb();
 
  private:
+  void open_session();
   void begin_if_necessary();
   void store_changes(Site_Index& site);
   void write(const Site_Index::Net_Changes& net);
@@ -93,8 +94,9 @@ class Pass {
   Site_Index site_;
   Changes changes_;
   std::optional<std::string> fault_;
-  bool lost_ = false;        ///< what was done cannot be committed any more
-  bool uncommitted_ = true;  ///< something may have been done since the last commit
+  bool commit_is_sent_ = false;  ///< and was not answered
+  bool lost_ = false;            ///< what was done cannot be committed any more
+  bool uncommitted_ = true;      ///< something may have been done since the last commit
 };
 
 }  // namespace kuv::vemora::embedded_server

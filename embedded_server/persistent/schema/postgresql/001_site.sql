@@ -24,9 +24,9 @@ CREATE TABLE server (
 CREATE TABLE server_tag (
   record_id bigint NOT NULL,
   name text COLLATE "C" NOT NULL,
-  value text COLLATE "C",                        -- NULL: the tag has no value
-  PRIMARY KEY (record_id, name)
+  value text COLLATE "C"             -- NULL: the tag has no value
 );
+CREATE INDEX server_tag_by_record ON server_tag (record_id);
 
 CREATE TABLE camera (
   id bigint PRIMARY KEY,
@@ -39,7 +39,7 @@ CREATE TABLE camera_tag (
   name text COLLATE "C" NOT NULL,
   value text COLLATE "C"
 );
-CREATE INDEX server_tag_by_record ON server_tag (record_id);
+CREATE INDEX camera_tag_by_record ON camera_tag (record_id);
 
 -- Capabilities as JSON. Cameras of one model say the same, so each text is kept once.
 CREATE TABLE capability_document (
@@ -112,7 +112,7 @@ CREATE TABLE subscription_tag (
   name text COLLATE "C" NOT NULL,
   value text COLLATE "C"
 );
-CREATE INDEX camera_tag_by_record ON camera_tag (record_id);
+CREATE INDEX subscription_tag_by_record ON subscription_tag (record_id);
 CREATE TABLE subscription_camera (
   record_id bigint NOT NULL,        -- the subscription
   linked_id bigint NOT NULL,        -- the camera
