@@ -51,6 +51,13 @@ class Proxy:
         with self.lock:
             self.answers, self.withheld, self.on_withheld = 0, number, action
 
+    def wait_for_clients(self):
+        """Until all that clients that are gone have said is counted."""
+        with self.lock:
+            lines, self.lines = self.lines, []
+        for line in lines:
+            line.wait()
+
     def cut(self):
         """Ends every connection, as a network that fails does."""
         with self.lock:
@@ -75,8 +82,16 @@ class Line:
         self.server_spoke = True
 
     def start(self):
-        threading.Thread(target=self.pump, args=(self.client, self.server, self.from_client), daemon=True).start()
-        threading.Thread(target=self.pump, args=(self.server, self.client, self.from_server), daemon=True).start()
+        self.pumps = [threading.Thread(target=self.pump, args=arguments, daemon=True)
+                      for arguments in ((self.client, self.server, self.from_client),
+                                        (self.server, self.client, self.from_server))]
+        for pump in self.pumps:
+            pump.start()
+
+    def wait(self):
+        """Until the client has hung up and all that it said is counted."""
+        for pump in self.pumps:
+            pump.join()
 
     def pump(self, source, target, note):
         try:

@@ -28,6 +28,7 @@ class Round_Trips(Site):
         """Runs the tool through the proxy; answers its outcome and the round trips that it took."""
         self.proxy.round_trips = 0
         outcome = self.run_tool(*arguments, database=self.counted)
+        self.proxy.wait_for_clients()
         return outcome, self.proxy.round_trips
 
     def rows_changed(self, outcome):
