@@ -38,6 +38,8 @@ install(FILES ${PROJECT_BINARY_DIR}/vemora_trigger_manager-config.cmake
               ${PROJECT_BINARY_DIR}/vemora_trigger_manager-config-version.cmake
         DESTINATION ${package_dir})
 
+# Wherever it is installed to, it says so.
+file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/vemora_trigger_manager.pc.in ${PROJECT_BINARY_DIR}/vemora_trigger_manager.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vemora_trigger_manager.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,8 +1,8 @@
 #pragma once
 
-// The only way ODB's runtime is included. One of its headers declares a dynamic exception
-// specification, which C++17 no longer has; it is read with `throw(...)` defined away. The
-// standard headers come first so that none of them is read that way.
+// The only way ODB's runtime is included. One of its headers lists behind functions what they may
+// throw, which C++17 no longer has; it is read with `throw(...)` defined away. The standard headers
+// come first so that none of them is read that way.
 
 #include <cstddef>
 #include <memory>
