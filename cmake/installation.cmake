@@ -18,6 +18,7 @@ install(FILES trigger_parser/notification_properties.h trigger_parser/trigger_co
         DESTINATION ${headers}/trigger_parser)
 install(FILES embedded_server/persistent/changes.h embedded_server/persistent/database.h
               embedded_server/persistent/database_error.h embedded_server/persistent/inventory.h
+              embedded_server/persistent/letters.h
               embedded_server/persistent/pass_scope.h embedded_server/persistent/site_reader.h
               embedded_server/persistent/source_type_names.h
         DESTINATION ${headers}/embedded_server/persistent)

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <utility>
 
-#include "vemora/embedded_server/host/letters.h"
 #include "vemora/embedded_server/host/services.h"
+#include "vemora/embedded_server/persistent/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -31,18 +31,6 @@ std::string_view key_of(const Json::Value::const_iterator& member) {
   const char* end = nullptr;
   const char* const begin = member.memberName(&end);
   return {begin, static_cast<std::size_t>(end - begin)};
-}
-
-bool is_utf8(std::string_view text) {
-  std::size_t place = 0;
-  while (place < text.size()) {
-    const std::size_t size = letter_size(text, place);
-    if (size == 0) {
-      return false;
-    }
-    place += size;
-  }
-  return true;
 }
 
 /// The texts of a document that are to be stored.

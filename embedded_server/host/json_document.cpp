@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "vemora/embedded_server/host/json_grammar.h"
-#include "vemora/embedded_server/host/letters.h"
 #include "vemora/embedded_server/host/read_file.h"
+#include "vemora/embedded_server/persistent/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
-#include "vemora/embedded_server/host/letters.h"
+#include "vemora/embedded_server/persistent/letters.h"
 
 namespace kuv::vemora::tools {
 namespace {

@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-#include "vemora/embedded_server/host/letters.h"
+#include "vemora/embedded_server/persistent/letters.h"
 
 namespace kuv::vemora::tools {
 namespace {

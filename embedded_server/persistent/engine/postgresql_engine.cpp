@@ -10,9 +10,9 @@
 
 #include "embedded_server/persistent/engine/postgresql_connections.h"
 #include "embedded_server/persistent/engine/postgresql_session.h"
-#include "embedded_server/persistent/engine/utf8.h"
 #include "postgresql_schema.h"
 #include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/persistent/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

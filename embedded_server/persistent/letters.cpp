@@ -1,4 +1,4 @@
-#include "vemora/embedded_server/host/letters.h"
+#include "vemora/embedded_server/persistent/letters.h"
 
 #include <algorithm>
 
@@ -60,6 +60,18 @@ std::size_t letter_size(std::string_view text, std::size_t place) {
       std::find_if(std::begin(forms), std::end(forms),
                    [rest](const Letter_Form& form) { return has_form(rest, form); });
   return found == std::end(forms) ? 0 : found->size;
+}
+
+bool is_utf8(std::string_view text) {
+  std::size_t place = 0;
+  while (place < text.size()) {
+    const std::size_t size = letter_size(text, place);
+    if (size == 0) {
+      return false;
+    }
+    place += size;
+  }
+  return true;
 }
 
 std::size_t count_letters(std::string_view text) {

@@ -13,6 +13,9 @@ namespace kuv::vemora::embedded_server {
 /// How many bytes the letter that begins at `place` takes; 0 where none begins.
 VEMORA_API std::size_t letter_size(std::string_view text, std::size_t place);
 
+/// Whether every byte belongs to a letter.
+VEMORA_API bool is_utf8(std::string_view text);
+
 VEMORA_API std::size_t count_letters(std::string_view text);
 
 /// The beginning of a text, `count` letters long or all of it.
