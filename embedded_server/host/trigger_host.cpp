@@ -214,8 +214,8 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
       outcome.status = Status::failed;
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});
       outcome.remarks.emplace_back(
-          "The records of the pass are committed, its documents are not stored: repeat the "
-          "command.");
+          "The records of the pass are committed. Repeat the command, so that its documents are "
+          "stored too.");
       return;
     }
     if (outcome.status == Status::failed) {
@@ -230,6 +230,9 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
   try {
     pass.end();
     if (pass.fault()) {
+      if (outcome.status == Status::done) {  // or the library has said so
+        outcome.errors.push_back({Error::Category::failed_processing, *pass.fault()});
+      }
       outcome.status = Status::failed;
       outcome.remarks.emplace_back("What the pass had written before the fault is committed.");
     }

@@ -10,7 +10,8 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-void require_schema(Engine& engine, Database::Open_Mode mode) {
+/// Whether the database holds a site, when all is done that the mode asks for.
+bool find_site(Engine& engine, Database::Open_Mode mode) {
   const std::optional<std::int32_t> version = engine.schema_version();
   if (version > current_schema_version) {
     throw Database_Error(
@@ -20,10 +21,14 @@ void require_schema(Engine& engine, Database::Open_Mode mode) {
   if (!version && mode == Database::Open_Mode::existing) {
     throw Database_Error("it holds no site; \"init\" makes one");
   }
+  if (!version && mode == Database::Open_Mode::as_found) {
+    return false;
+  }
   if (version != current_schema_version) {
     const auto session = engine.open_session(Engine::Session::Access::exclusive);
     engine.migrate();
   }
+  return true;
 }
 
 }  // namespace
@@ -31,16 +36,20 @@ void require_schema(Engine& engine, Database::Open_Mode mode) {
 std::shared_ptr<Database> Database::open(const std::string& location, Open_Mode mode,
                                          std::chrono::milliseconds lock_wait) {
   std::unique_ptr<Engine> engine = open_engine(location, mode, lock_wait);
+  if (!engine) {
+    return nullptr;
+  }
   try {
-    require_schema(*engine, mode);
+    const bool holds_site = find_site(*engine, mode);
+    return std::make_shared<Database>(std::move(engine), holds_site);
   } catch (const std::exception& fault) {
     throw Database_Error(
         fmt::format("database {}: {}", engine->location(), engine->describe(fault)));
   }
-  return std::make_shared<Database>(std::move(engine));
 }
 
-Database::Database(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) {}
+Database::Database(std::unique_ptr<Engine> engine, bool holds_site)
+    : engine_(std::move(engine)), holds_site_(holds_site) {}
 
 Database::~Database() = default;
 

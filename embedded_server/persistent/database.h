@@ -19,19 +19,24 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
  public:
   enum class Open_Mode {
     existing,          ///< must be a database of ours; a fault otherwise
-    create_if_absent,  ///< makes an empty one where there is none
+    as_found,          ///< may hold no site yet, see holds_site(); null where there is no file
+    create_if_absent,  ///< makes an empty one where there is nothing yet
   };
 
-  /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH".
-  /// `lock_wait` bounds every wait for another process. Throws Database_Error.
+  /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH", or
+  /// "postgresql://USER@HOST:PORT/DATABASE?schema=NAME". `lock_wait` bounds every wait for another
+  /// process. Throws Database_Error.
   static std::shared_ptr<Database> open(
       const std::string& location, Open_Mode mode = Open_Mode::existing,
       std::chrono::milliseconds lock_wait = std::chrono::seconds(30));
 
-  explicit Database(std::unique_ptr<Engine> engine);
+  explicit Database(std::unique_ptr<Engine> engine, bool holds_site = true);
   ~Database();
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
+
+  /// Whether there is something to work on. Without it, only unstorable_texts() may be asked.
+  bool holds_site() const { return holds_site_; }
 
   /// The server that the database belongs to; nothing before the first pass that stored something.
   std::optional<std::uint64_t> owner();
@@ -44,6 +49,7 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
 
  private:
   std::unique_ptr<Engine> engine_;
+  bool holds_site_;
 };
 
 /// The repositories over a database. Each operation joins the pass that is open on its thread (see

@@ -55,8 +55,8 @@ class VEMORA_API Pass_Scope {
   const Documents& documents() const;
 
   /// To be called when the trigger manager is done. A pass that failed before its last write is
-  /// committed as far as it came; throws Database_Error, saying that nothing of it was kept, when
-  /// the database lost it.
+  /// committed as far as it came; throws Database_Error, saying that nothing of it was kept or that
+  /// nobody knows, when the database lost it. A fault behind the last write only sticks.
   void end();
 
   /// The fault that sticks; nothing as long as the database did what it was asked.

@@ -1,10 +1,7 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <filesystem>
 #include <iostream>
-#include <string_view>
-#include <system_error>
 
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
@@ -20,33 +17,23 @@ using embedded_server::Database;
 using embedded_server::Inventory;
 using embedded_server::Read_Inventory;
 
-/// A file that is not there, or empty.
-bool is_nothing_yet(const std::string& location) {
-  constexpr std::string_view prefix = "sqlite:";
-  const bool prefixed = location.compare(0, prefix.size(), prefix) == 0;
-  const std::filesystem::path path = prefixed ? location.substr(prefix.size()) : location;
-  const bool on_a_server = !prefixed && location.find("://") != std::string::npos;
-  std::error_code ignored;
-  return !on_a_server && (!std::filesystem::exists(path, ignored) ||
-                          std::filesystem::file_size(path, ignored) == 0);
+bool holds_site(const std::shared_ptr<Database>& database) {
+  return database && database->holds_site();
 }
 
-std::shared_ptr<Database> open_or_make(const Options& options) {
-  auto database = Database::open(options.database, Database::Open_Mode::create_if_absent);
-  database->require_owner(options.server_id);
+/// As it is: nothing is made for a document that may turn out to be faulty.
+std::shared_ptr<Database> open_as_found(const Options& options) {
+  auto database = Database::open(options.database, Database::Open_Mode::as_found);
+  if (holds_site(database)) {
+    database->require_owner(options.server_id);
+  }
   return database;
-}
-
-/// No file is made for a document that may turn out to be faulty; one that is there may be what an
-/// `init` left that was cut short.
-std::shared_ptr<Database> open_what_is_there(const Options& options) {
-  return is_nothing_yet(options.database) ? nullptr : open_or_make(options);
 }
 
 Read_Inventory read_for(const std::shared_ptr<Database>& database,
                         const embedded_server::Json_Document& document) {
-  const auto stored = database ? embedded_server::load_inventory_references(database)
-                               : embedded_server::Inventory_References();
+  const auto stored = holds_site(database) ? embedded_server::load_inventory_references(database)
+                                           : embedded_server::Inventory_References();
   return embedded_server::read_inventory(document, stored, database);
 }
 
@@ -87,7 +74,7 @@ void print_stored(const Options& options, const Inventory& inventory) {
 
 Exit_Status init(const Options& options, const std::string& inventory_path) {
   const auto document = read_input("inventory", inventory_path);
-  auto database = open_what_is_there(options);
+  auto database = open_as_found(options);
   const Read_Inventory read = read_for(database, document);
   if (!read.faults.empty()) {
     std::vector<Located_Fault> faults;
@@ -98,8 +85,8 @@ Exit_Status init(const Options& options, const std::string& inventory_path) {
     print_faults(options, faults);
     return exit_rejected;
   }
-  if (!database) {
-    database = open_or_make(options);
+  if (!holds_site(database)) {
+    database = Database::open(options.database, Database::Open_Mode::create_if_absent);
   }
   embedded_server::store_inventory(database, read.inventory);
   print_stored(options, read.inventory);

@@ -41,8 +41,7 @@ File_Lock::File_Lock(const std::string& path, std::chrono::milliseconds wait)
     ::close(descriptor_);
     throw Database_Error(
         reason == EWOULDBLOCK
-            ? fmt::format("another process is at work on this database; gave up after {} ms",
-                          wait.count())
+            ? fmt::format("another process is at work on it; gave up after {} ms", wait.count())
             : fmt::format("cannot lock {}: {}", path, reason_of(reason)));
   }
 }

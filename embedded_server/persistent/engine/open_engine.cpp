@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <odb/exception.hxx>
 #include <string_view>
+#include <system_error>
 
 #include "embedded_server/persistent/engine/postgresql_engine.h"
 #include "embedded_server/persistent/engine/sqlite_engine.h"
@@ -12,6 +14,11 @@ namespace kuv::vemora::embedded_server {
 namespace {
 
 constexpr std::string_view sqlite_prefix = "sqlite:";
+
+bool is_absent(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::status(path, ignored).type() == std::filesystem::file_type::not_found;
+}
 
 }  // namespace
 
@@ -27,6 +34,9 @@ std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_
   }
   if (!prefixed && path.find("://") != std::string::npos) {
     throw Database_Error(fmt::format("no engine for databases such as {}", path));
+  }
+  if (mode == Database::Open_Mode::as_found && is_absent(path)) {
+    return nullptr;
   }
   try {
     return std::make_unique<SQLite_Engine>(path, mode, lock_wait);

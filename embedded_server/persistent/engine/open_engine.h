@@ -9,7 +9,7 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// The engine that a location names. Throws Database_Error.
+/// The engine that a location names; null where the mode allows for that. Throws Database_Error.
 std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_Mode mode,
                                     std::chrono::milliseconds lock_wait);
 

@@ -39,8 +39,8 @@ void PostgreSQL_Session::lock(const std::string& schema, std::chrono::millisecon
   const char* const state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   if (state != nullptr && state == lock_not_available) {
     PQclear(result);
-    throw Database_Error(fmt::format(
-        "another process is at work on this database; gave up after {} ms", wait.count()));
+    throw Database_Error(
+        fmt::format("another process is at work on it; gave up after {} ms", wait.count()));
   }
   require_success(*connection_, result);
   locked_ = true;

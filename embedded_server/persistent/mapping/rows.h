@@ -9,6 +9,7 @@
 #include <odb/core.hxx>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "vemora/embedded_server/persistent/mapping/optional_traits.h"
 
@@ -171,12 +172,14 @@ struct Pending_Camera {
   std::uint64_t camera_id = 0;
 };
 
-/// An accepted document, as it was written.
+/// An accepted document, byte for byte as it was written: it may hold what is no text to a
+/// database.
 #pragma db object table("document")
 struct Document {
 #pragma db id
   std::string kind;
-  std::string text;
+#pragma db sqlite : type("BLOB") pgsql : type("BYTEA")
+  std::vector<char> text;
 };
 
 /// What the database is. One row.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <odb/database.hxx>
 #include <string>
 
@@ -12,7 +13,9 @@ namespace {
 
 std::optional<std::string> load_document(odb::database& database, const std::string& kind) {
   rows::Document row;
-  return database.find(kind, row) ? std::make_optional(std::move(row.text)) : std::nullopt;
+  return database.find(kind, row)
+             ? std::make_optional<std::string>(row.text.begin(), row.text.end())
+             : std::nullopt;
 }
 
 void store_document(odb::database& database, const std::string& kind,
@@ -22,11 +25,11 @@ void store_document(odb::database& database, const std::string& kind,
   }
   rows::Document row;
   const bool exists = database.find(kind, row);
-  if (exists && row.text == *text) {
+  if (exists && std::equal(row.text.begin(), row.text.end(), text->begin(), text->end())) {
     return;
   }
   row.kind = kind;
-  row.text = *text;
+  row.text.assign(text->begin(), text->end());
   if (exists) {
     database.update(row);
   } else {

@@ -33,9 +33,7 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
   if (open_pass != nullptr) {
     throw std::logic_error("a pass is open on this thread already");
   }
-  session_ =
-      engine().open_session(purpose_ == Purpose::single_read ? Engine::Session::Access::shared
-                                                             : Engine::Session::Access::exclusive);
+  open_session();
   open_pass = this;
 }
 
@@ -44,7 +42,7 @@ void Pass::open_session() {
     session_ = engine().open_session(purpose_ == Purpose::single_read
                                          ? Engine::Session::Access::shared
                                          : Engine::Session::Access::exclusive);
-  } catch (const odb::exception& fault) {
+  } catch (const std::exception& fault) {
     throw Database_Error(
         fmt::format("database {}: {}", engine().location(), engine().describe(fault)));
   }
@@ -111,8 +109,11 @@ void Pass::write(const Site_Index::Net_Changes& net) {
 
 void Pass::end() {
   if (!fault_) {
-    commit();
-    return;
+    try {
+      commit();
+      return;
+    } catch (const Database_Error&) {  // which sticks
+    }
   }
   if (!uncommitted_) {
     return;  // what failed came after the commit, and only read

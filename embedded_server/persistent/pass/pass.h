@@ -67,6 +67,9 @@ class Pass {
   /// To be called by each operation that writes.
   void note_write() { uncommitted_ = true; }
 
+  /// Whether a commit was sent whose answer never came: it may have been carried out.
+  bool is_commit_unanswered() const { return commit_is_sent_; }
+
   const Changes& changes() const { return changes_; }
   const std::optional<std::string>& fault() const { return fault_; }
 
@@ -94,9 +97,9 @@ class Pass {
   Site_Index site_;
   Changes changes_;
   std::optional<std::string> fault_;
-  bool commit_is_sent_ = false;  ///< and was not answered
-  bool lost_ = false;            ///< what was done cannot be committed any more
-  bool uncommitted_ = true;      ///< something may have been done since the last commit
+  bool commit_is_sent_ = false;
+  bool lost_ = false;        ///< what was done cannot be committed any more
+  bool uncommitted_ = true;  ///< something may have been done since the last commit
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -1,5 +1,7 @@
 #include "vemora/embedded_server/persistent/pass_scope.h"
 
+#include <fmt/format.h>
+
 #include "embedded_server/persistent/engine/engine.h"
 #include "embedded_server/persistent/pass/documents.h"
 #include "embedded_server/persistent/pass/pass.h"
@@ -67,7 +69,15 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
     strike_out_pending(state_->pass.engine(), reconciled);
     claim_for(state_->pass.odb(), state_->server_id);
   });
-  state_->pass.commit();
+  try {
+    state_->pass.commit();
+  } catch (const Database_Error& error) {
+    if (state_->pass.is_commit_unanswered()) {
+      throw Database_Error(
+          fmt::format("{}; it is not known whether the documents were stored", error.what()));
+    }
+    throw;
+  }
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -52,8 +52,7 @@ ORDER BY 1, 2, 3, 4, 5"""
 
 # What the tool may say of a server that goes away.
 COMPLAINTS = ("connection to the server was lost", "server closed the connection", "terminating connection",
-              "the database system is", "could not connect", "connection to server", "no connection to the server",
-              "connection to database lost")
+              "the database system is", "could not connect", "connection to server", "no connection to the server")
 
 TOPICS = [f"tns1:RuleEngine/LineDetector/Crossed/{number}" for number in range(6)]
 

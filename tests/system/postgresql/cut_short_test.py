@@ -2,6 +2,7 @@
 
 import collections
 import json
+import re
 import signal
 import subprocess
 import threading
@@ -72,6 +73,21 @@ class Cut_Short(Site):
         self.assertEqual((documents, pending), self.remains_after[1:])
         return "stored"
 
+    def assert_true(self, outcome, phase):
+        """What the tool says of the rows is so, and of what it cannot know it says that."""
+        said = " ".join([error["message"] for error in outcome["errors"]] + outcome.get("remarks", []))
+        if "nothing that the pass wrote was kept" in said:
+            self.assertEqual(phase, "before the commit", said)
+        elif "it is not known whether what the pass wrote was kept" in said:
+            self.assertIn(phase, ("before the commit", "before the storing"), said)
+        elif "it is not known whether the documents were stored" in said:
+            self.assertIn(phase, ("before the storing", "stored"), said)
+        elif "are committed." in said or "before the fault is committed." in said:
+            self.assertEqual(phase, "before the storing", said)
+        else:
+            self.assertEqual((phase, outcome.get("state")), ("before the commit", None), said)
+        self.words[" ".join(re.findall("nothing that|not known whether .* (?:kept|stored)|(?:are|is) committed", said))] += 1
+
     def assert_repeated(self, phase):
         """Repeating the apply ends as if nothing had been, and forgets no camera."""
         outcome = self.run_tool("apply", self.after)
@@ -92,6 +108,7 @@ class Cut_Short(Site):
 
     def test_by_cutting_the_line(self):
         phases = collections.Counter()
+        self.words = collections.Counter()
         for answer in range(1, self.given_undisturbed_runs() + 1):
             with self.subTest(answer=answer):
                 status, out, err = self.apply_without(answer, lambda process: None)
@@ -100,12 +117,13 @@ class Cut_Short(Site):
                 outcome = json.loads(out)
                 if status == FAILED:
                     self.assert_clear(outcome, err.decode())
+                    self.assert_true(outcome, phase)
                 else:  # it had done it all, and only said goodbye
                     self.assertEqual(phase, "stored")
                     self.assertEqual(len(outcome["reconciled"]), CAMERAS)
                 self.assert_repeated(phase)
                 phases[phase] += 1
-        print(f"cut short at each of {sum(phases.values())} answers: {dict(phases)}")
+        print(f"cut short at each of {sum(phases.values())} answers: {dict(phases)}; {dict(self.words)}")
         self.assertEqual(set(phases), {"before the commit", "before the storing", "stored"})
 
 

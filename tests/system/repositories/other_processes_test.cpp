@@ -17,8 +17,8 @@ class Other_Processes : public Database_Test {
     return std::make_unique<Other_Process>(location(), lock_wait);
   }
 
-  static std::string at_work(int waited_ms) {
-    return "another process is at work on this database; gave up after " +
+  std::string at_work(int waited_ms) const {
+    return "database " + location() + ": another process is at work on it; gave up after " +
            std::to_string(waited_ms) + " ms";
   }
 };

@@ -24,12 +24,13 @@ class PostgreSQL_Faults : public testing::Test, public Site_At_Work {
     return Database::open(location() + "&" + parameter, Database::Open_Mode::existing, lock_wait);
   }
 
-  /// The server ends every connection but ours.
+  /// The server ends the connections of this site; those of tests beside this one go on.
   void cut_all_connections() {
     foreign_program().execute(
         "SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE pid <> pg_backend_pid() "
-        "AND query LIKE '%' || current_schema() || '%' OR pid IN (SELECT pid FROM pg_locks WHERE "
-        "locktype = 'advisory') AND pid <> pg_backend_pid()");
+        "AND (query LIKE '%' || current_schema() || '%' OR pid IN (SELECT pid FROM pg_locks WHERE "
+        "locktype = 'advisory' AND (classid::bigint << 32 | objid::bigint) = "
+        "hashtextextended('vemora ' || current_schema(), 0)))");
   }
 
   static constexpr const char* lost = "; nothing that the pass wrote was kept";

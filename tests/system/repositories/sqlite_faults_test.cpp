@@ -118,7 +118,8 @@ TEST_F(SQLite_Write_Faults, leave_nothing_half_written_at_the_end_of_a_pass) {
     left->remove_trigger(repository->triggers().find_by_id(7));
     ASSERT_TRUE(repository->metadata_event_subscriptions().update(left));
 
-    EXPECT_EQ(complaint_of([&] { pass.end(); }), prefixed("no such table: main.missing"));
+    EXPECT_EQ(complaint_of([&] { pass.end(); }),
+              prefixed("no such table: main.missing; nothing that the pass wrote was kept"));
 
     EXPECT_EQ(pass.fault(), prefixed("no such table: main.missing"));
   }

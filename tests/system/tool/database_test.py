@@ -237,8 +237,8 @@ class Busy_Databases(Database_Site):
                 self.assertEqual(self.run_tool(*command).status, DONE, command)
             for outcome in self.run_all(["apply", "config.json"], ["refresh"], ["init", "inventory.json"]):
                 self.assertEqual((outcome.status, outcome.out, outcome.err.decode()), (
-                    FAILED, b"", "vemora-triggers: another process is at work on this database; gave up after "
-                                 "30000 ms\n"))
+                    FAILED, b"", f"vemora-triggers: database {self.behind.shown}: another process is at work on it; "
+                                 "gave up after 30000 ms\n"))
         self.assertEqual(self.rows(), before)
         self.assertEqual(self.run_tool("apply", "config.json").status, DONE)
 

@@ -93,14 +93,13 @@ class Refused_Inventories(Site):
         self.assertIs(outcome.json["success"], False)
         return outcome.json["errors"]
 
-    @on_sqlite
     def test_no_database_is_made_for_an_inventory_that_is_refused(self):
         self.refused({"doors": []})
         self.refused("{")
         missing = self.run_tool("init", "missing.json")
         self.assertEqual((missing.status, missing.err, missing.text), (
             REJECTED, b"", "missing.json: error: cannot open missing.json: No such file or directory\n"))
-        self.assertEqual(list(self.files()), ["inventory.json"])
+        self.assertEqual((list(self.files()), self.behind.all()), (["inventory.json"], []))
 
     def test_every_fault_is_told_with_its_place(self):
         self.assertEqual(self.refused('{"doors": [],\n "cameras": [{"id": 7.0},\n  {"id": 1, "name": 5}]}'), [

@@ -2,8 +2,12 @@
 
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, MOTION, NUL, Site, camera, config, mapping, object_source, on_sqlite,
-                       topic_source, trigger)
+from tool_site import (CROSSED, DONE, FAILED, MOTION, NUL, TRIGGER_ERRORS, Site, camera, config, mapping,
+                       object_source, on_postgresql, on_sqlite, topic_source, trigger)
+
+NO_UTF8 = b'{"triggers": [{"id": 7, "name": "bad \xff\xfe\xc3 name", "tags": {}, "sources": [' \
+          b'{"type": "onvif-metadata", "onvifTopic": "\x80\xc0"}]}, ' \
+          b'{"id": 8, "name": "good name", "tags": {}, "sources": [{"type": "motion-detection"}]}]}'
 
 
 def activity(duration, **others):
@@ -190,15 +194,22 @@ stray.json:1:14: error: Missing "triggers" array.
     @on_sqlite
     def test_bytes_that_are_no_utf8_do_not_break_json(self):
         self.init()
-        document = b'{"triggers": [{"id": 7, "name": "bad \xff\xfe\xc3 name", "tags": {}, ' \
-                   b'"sources": [{"type": "onvif-metadata", "onvifTopic": "\x80\xc0"}]}]}'
-        name = self.write("config.json", document)
-        applied = self.run_tool("--json", "apply", name)
+        applied = self.run_tool("--json", "apply", self.write("config.json", NO_UTF8))
         self.assertEqual((applied.status, applied.json["errors"]), (DONE, []))
         self.assertTrue(self.show("triggers")[0]["name"].startswith("bad "))
-        self.assertEqual(self.run_tool("show", "config").out, document)
+        self.assertEqual(self.run_tool("show", "config").out, NO_UTF8)
         self.assertIn("bad \\xff\\xfe\\xc3 name", self.run_tool("show", "triggers").text)
         self.assertIn("onvif-metadata \\x80\\xc0", self.run_tool("show", "triggers").text)
+
+    @on_postgresql
+    def test_bytes_that_are_no_utf8_are_the_error_of_their_trigger(self):
+        self.init()
+        applied = self.run_tool("--json", "apply", self.write("config.json", NO_UTF8))
+        self.assertEqual((applied.status, applied.json["errors"]), (TRIGGER_ERRORS, [
+            {"category": 1, "message": "Trigger 7: Failed to process config (Failed to create trigger)."}]))
+        self.assertEqual([record["id"] for record in self.show("triggers")], [8])
+        self.assertEqual(self.run_tool("show", "config").out, NO_UTF8)
+        self.assertEqual(self.run_tool("refresh").status, TRIGGER_ERRORS)
 
 
 if __name__ == "__main__":

@@ -14,7 +14,7 @@ CREATE TABLE site (
 -- The accepted documents as they were written, so that a refresh after a restart works on them.
 CREATE TABLE document (
   kind text COLLATE "C" PRIMARY KEY,    -- 'config' or 'mapping'
-  text text COLLATE "C" NOT NULL
+  text bytea NOT NULL                   -- its bytes, which need be no UTF-8
 );
 
 CREATE TABLE server (

@@ -13,7 +13,7 @@ CREATE TABLE site (
 -- The accepted documents as they were written, so that a refresh after a restart works on them.
 CREATE TABLE document (
   kind TEXT PRIMARY KEY NOT NULL,    -- 'config' or 'mapping'
-  text TEXT NOT NULL
+  text BLOB NOT NULL                 -- its bytes, which need be no UTF-8
 ) WITHOUT ROWID;
 
 CREATE TABLE server (
