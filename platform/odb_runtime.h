@@ -1,8 +1,9 @@
 #pragma once
 
-// The only way ODB's runtime is included. One of its headers lists behind functions what they may
-// throw, which C++17 no longer has; it is read with `throw(...)` defined away. The standard headers
-// come first so that none of them is read that way.
+// Comes before everything else of ODB's runtime. One of its headers lists behind functions what
+// they may throw, which C++17 no longer has; here it is read with `throw(...)` defined away, and
+// whoever includes it after this gets nothing any more. The standard headers come first so that
+// none of them is read that way.
 
 #include <cstddef>
 #include <memory>

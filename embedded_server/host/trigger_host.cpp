@@ -246,7 +246,9 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
   }
 }
 
-/// Cameras that an earlier pass changed and was cut short before it could have them reconciled.
+/// Cameras that changed and were not reconciled since, because a pass was cut short before it, or
+/// it failed for them: those of earlier passes, and of this one where it did not come to ask for
+/// them.
 void Trigger_Host::reconcile_leftovers(Pass_Scope& pass) {
   for (const std::uint64_t camera_id : pass.pending_cameras()) {
     if (capture_manager_->asked_for().count(camera_id) != 0) {

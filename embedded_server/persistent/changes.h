@@ -5,7 +5,9 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// What a pass writes, net: what comes and goes within one pass is not in it.
+/// What a pass writes, net: what comes and goes before the pass is committed is not in it. A pass
+/// that goes on writing behind its clean-up is committed once more, and what it changed then
+/// follows in each list.
 struct Changes {
   /// A trigger served by a record, or no longer.
   struct Link {
@@ -20,7 +22,7 @@ struct Changes {
     std::vector<Item> deleted;
   };
 
-  // Every list ascending.
+  // Every list ascending, commit by commit.
   Of<std::uint64_t> triggers;
   Of<std::uint64_t> subscriptions;
   Of<Link> subscription_links;

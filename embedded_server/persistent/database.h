@@ -38,7 +38,8 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   /// Whether there is something to work on. Without it, only unstorable_texts() may be asked.
   bool holds_site() const { return holds_site_; }
 
-  /// The server that the database belongs to; nothing before the first pass that stored something.
+  /// The server that the database belongs to: the first one whose pass stored something, records or
+  /// documents. Nothing before that; an inventory and single operations belong to nobody.
   std::optional<std::uint64_t> owner();
 
   /// Throws Database_Error when the database belongs to another server.

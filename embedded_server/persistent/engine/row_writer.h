@@ -13,7 +13,8 @@
 namespace kuv::vemora::embedded_server {
 
 /// Writes rows in bulk, in the transaction that is current on this thread: how many statements that
-/// takes is the engine's business. The rows of a call are of one table, in the order of their keys.
+/// takes is the engine's business. The rows of a call are of one table, each with a key of its own,
+/// in whatever order.
 class Row_Writer {
  public:
   virtual ~Row_Writer() = default;

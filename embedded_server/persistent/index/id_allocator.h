@@ -11,8 +11,9 @@ class database;
 
 namespace kuv::vemora::embedded_server {
 
-/// Gives out ids of one kind of record, each once in the life of the database as long as there are
-/// enough, and never one that is taken.
+/// Gives out ids of one kind of record: never one that is taken, and as long as there are enough,
+/// none that was given out in a pass that wrote something. Where a pass was rolled back, or came to
+/// nothing, its ids are given out again.
 class Id_Allocator {
  public:
   Id_Allocator(odb::database& database, std::string kind);
