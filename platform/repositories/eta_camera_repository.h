@@ -34,8 +34,8 @@ class VEMORA_API ETA_Camera_Repository {
   /// The record of that camera; null when there is none.
   virtual std::shared_ptr<eta_camera> get_by_camera_id(std::uint64_t camera_id) = 0;
 
-  /// Stores a new record with its triggers, and gives it an id. Refused when its camera has one,
-  /// and when its camera or one of its triggers is not stored.
+  /// Stores a new record with its triggers, and gives it an id. Refused when it has no camera, when
+  /// its camera has one, and when its camera or one of its triggers is not stored.
   virtual bool add(const std::shared_ptr<eta_camera>& added) = 0;
 
   /// Stores the triggers that were added to or removed from a record since it was loaded or last

@@ -55,8 +55,9 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
 
   virtual ~Metadata_Event_Subscription_Repository() = default;
 
-  /// Stores a new topic subscription with its triggers, and gives it an id. Refused when there is
-  /// one for its camera and topic, and when its camera or one of its triggers is not stored.
+  /// Stores a new topic subscription with its triggers, and gives it an id. Refused when it has no
+  /// camera or no topic, when there is one for its camera and topic, and when its camera or one of
+  /// its triggers is not stored.
   virtual bool add(const std::shared_ptr<metadata_event_subscription>& added) = 0;
 
   /// Stores the triggers that were added to or removed from a subscription since it was loaded or

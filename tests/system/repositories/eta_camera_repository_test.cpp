@@ -77,6 +77,21 @@ TEST_P(ETA_Camera_Repository_Contract, refuses_a_record_of_a_camera_that_is_not_
   });
 }
 
+TEST_P(ETA_Camera_Repository_Contract, refuses_a_record_without_a_camera) {
+  site.given_camera(10);
+  given_trigger(7);
+  const auto of_no_camera = std::make_shared<eta_camera>();
+  of_no_camera->add_trigger(a_trigger(7));
+
+  EXPECT_FALSE(eta_cameras().add(of_no_camera));
+
+  now_and_after_reopening([this] {
+    EXPECT_THAT(all_eta_cameras(), IsEmpty());
+    EXPECT_THAT(holding(7), IsEmpty());
+  });
+  EXPECT_TRUE(eta_cameras().add(an_eta_camera(10, {7})));
+}
+
 TEST_P(ETA_Camera_Repository_Contract, refuses_a_record_with_a_trigger_that_is_not_stored) {
   site.given_camera(10);
   given_trigger(7);

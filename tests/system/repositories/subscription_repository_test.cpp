@@ -110,6 +110,29 @@ TEST_P(Subscription_Repository_Contract, refuses_a_subscription_of_a_camera_that
   });
 }
 
+TEST_P(Subscription_Repository_Contract,
+       refuses_a_subscription_without_a_camera_or_without_a_topic) {
+  site.given_camera(10);
+  given_trigger(7);
+  const auto of_no_camera = a_topic_subscription(10, "a", {7});
+  of_no_camera->camera.reset();
+  const auto of_no_topic = a_topic_subscription(10, "a", {7});
+  of_no_topic->onvif_topic.reset();
+  const auto of_neither = a_topic_subscription(10, "a", {7});
+  of_neither->camera.reset();
+  of_neither->onvif_topic.reset();
+
+  EXPECT_FALSE(subscriptions().add(of_no_camera));
+  EXPECT_FALSE(subscriptions().add(of_no_topic));
+  EXPECT_FALSE(subscriptions().add(of_neither));
+
+  now_and_after_reopening([this] {
+    EXPECT_THAT(all_subscriptions(), IsEmpty());
+    EXPECT_THAT(holding(7), IsEmpty());
+  });
+  EXPECT_TRUE(subscriptions().add(a_topic_subscription(10, "", {7})));  // that is a topic too
+}
+
 TEST_P(Subscription_Repository_Contract, refuses_a_subscription_with_a_trigger_that_is_not_stored) {
   site.given_camera(10);
   given_trigger(7);
