@@ -9,6 +9,7 @@
 #include <system_error>
 #include <thread>
 
+#include "embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 
 namespace kuv::vemora::embedded_server {
@@ -39,10 +40,9 @@ File_Lock::File_Lock(const std::string& path, std::chrono::milliseconds wait)
       continue;
     }
     ::close(descriptor_);
-    throw Database_Error(
-        reason == EWOULDBLOCK
-            ? fmt::format("another process is at work on it; gave up after {} ms", wait.count())
-            : fmt::format("cannot lock {}: {}", path, reason_of(reason)));
+    throw Database_Error(reason == EWOULDBLOCK
+                             ? at_work_elsewhere(wait)
+                             : fmt::format("cannot lock {}: {}", path, reason_of(reason)));
   }
 }
 

@@ -8,8 +8,12 @@
 #include <memory>
 #include <odb/pgsql/connection-factory.hxx>
 #include <string>
+#include <string_view>
 
 namespace kuv::vemora::embedded_server {
+
+/// What the server calls it when a lock was not to be had in the time that the connection has.
+inline constexpr std::string_view lock_not_available = "55P03";
 
 /// The answer to a statement.
 using PostgreSQL_Result = std::unique_ptr<PGresult, decltype(&PQclear)>;

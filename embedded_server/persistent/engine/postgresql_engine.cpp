@@ -8,6 +8,7 @@
 #include <odb/pgsql/exceptions.hxx>
 #include <odb/pgsql/transaction.hxx>
 
+#include "embedded_server/persistent/engine/other_programs.h"
 #include "embedded_server/persistent/engine/postgresql_connections.h"
 #include "embedded_server/persistent/engine/postgresql_session.h"
 #include "postgresql_schema.h"
@@ -21,10 +22,7 @@ namespace {
 constexpr std::size_t bytes_of_a_row = 1'000'000'000;
 
 constexpr std::string_view no_such_column = "42703";
-constexpr std::string_view lock_not_available = "55P03";
 constexpr std::string_view serialization_failure = "40001";
-
-constexpr const char* changed_meanwhile = "another program changed the database meanwhile";
 
 std::string first_value(const PostgreSQL_Result& result) {
   return PQgetvalue(result.get(), 0, 0);
@@ -131,17 +129,16 @@ std::string PostgreSQL_Engine::describe(const std::exception& fault) {
     return "the connection to the server was lost";
   }
   if (dynamic_cast<const odb::deadlock*>(&fault) != nullptr) {
-    return changed_meanwhile;
+    return changed_by_another_program();
   }
   const auto* const refused = dynamic_cast<const odb::pgsql::database_exception*>(&fault);
   if (refused == nullptr) {
     return fault.what();
   }
   if (refused->sqlstate() == lock_not_available) {
-    return fmt::format("another program keeps the database locked; gave up after {} ms",
-                       lock_wait_.count());
+    return locked_by_another_program(lock_wait_);
   }
-  return refused->sqlstate() == serialization_failure ? changed_meanwhile
+  return refused->sqlstate() == serialization_failure ? changed_by_another_program()
                                                       : words_of(refused->message());
 }
 

@@ -1,19 +1,12 @@
 #include "embedded_server/persistent/engine/postgresql_session.h"
 
-#include <fmt/format.h>
-
 #include <array>
-#include <string_view>
 
+#include "embedded_server/persistent/engine/other_programs.h"
 #include "embedded_server/persistent/engine/postgresql_connections.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 
 namespace kuv::vemora::embedded_server {
-namespace {
-
-constexpr std::string_view lock_not_available = "55P03";
-
-}  // namespace
 
 PostgreSQL_Session::PostgreSQL_Session(odb::pgsql::connection_ptr connection)
     : connection_(std::move(connection)) {}
@@ -39,8 +32,7 @@ void PostgreSQL_Session::lock(const std::string& schema, std::chrono::millisecon
   const char* const state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   if (state != nullptr && state == lock_not_available) {
     PQclear(result);
-    throw Database_Error(
-        fmt::format("another process is at work on it; gave up after {} ms", wait.count()));
+    throw Database_Error(at_work_elsewhere(wait));
   }
   require_success(*connection_, result);
   locked_ = true;

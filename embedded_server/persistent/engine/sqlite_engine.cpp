@@ -11,6 +11,7 @@
 #include <odb/sqlite/transaction.hxx>
 
 #include "embedded_server/persistent/engine/file_lock.h"
+#include "embedded_server/persistent/engine/other_programs.h"
 #include "embedded_server/persistent/engine/sqlite_connections.h"
 #include "sqlite_schema.h"
 #include "vemora/embedded_server/persistent/database_error.h"
@@ -162,9 +163,7 @@ std::string SQLite_Engine::describe(const std::exception& fault) {
   if (dynamic_cast<const odb::timeout*>(&fault) != nullptr) {
     const bool outrun = odb::transaction::has_current() &&
                         sqlite3_extended_errcode(current_handle()) == SQLITE_BUSY_SNAPSHOT;
-    return outrun ? "another program changed the database meanwhile"
-                  : fmt::format("another program keeps the database locked; gave up after {} ms",
-                                lock_wait_.count());
+    return outrun ? changed_by_another_program() : locked_by_another_program(lock_wait_);
   }
   const auto* const refused = dynamic_cast<const odb::sqlite::database_exception*>(&fault);
   return refused != nullptr ? refused->message() : fault.what();
