@@ -185,6 +185,31 @@ TEST_F(Trigger_Host_Test, fails_a_refresh_whose_state_the_pusher_does_not_take) 
   EXPECT_EQ(host().refresh().status, Status::done);
 }
 
+TEST_F(Trigger_Host_Test, says_so_when_only_the_documents_could_not_be_stored) {
+  host();
+  foreign_program().execute(
+      "CREATE TRIGGER trouble BEFORE INSERT ON document BEGIN INSERT INTO missing VALUES (1); END");
+
+  const Pass_Outcome outcome = apply(a_config);
+
+  EXPECT_EQ(outcome.status, Status::failed);
+  EXPECT_THAT(outcome.errors,
+              ElementsAre(is_error(Error::Category::failed_processing,
+                                   "database " + location() + ": no such table: main.missing")));
+  EXPECT_THAT(outcome.remarks,
+              ElementsAre("The records of the pass are committed. Repeat the command, so that its "
+                          "documents are stored too."));
+  EXPECT_THAT(outcome.reconciled, ElementsAre(10, 11));
+  EXPECT_EQ(foreign_program().count("trigger_record"), 1);
+  EXPECT_THAT(stored_documents(), IsEmpty());
+  EXPECT_THAT(pending_cameras(), ElementsAre(10, 11));
+
+  foreign_program().execute("DROP TRIGGER trouble");
+  EXPECT_EQ(apply(a_config).status, Status::done);
+  EXPECT_THAT(stored_documents(), ElementsAre(row("config", a_config)));
+  EXPECT_THAT(pending_cameras(), IsEmpty());
+}
+
 TEST_F(Trigger_Host_Test, lets_through_what_is_no_standard_exception_and_goes_on_afterwards) {
   pusher->act = [] { throw Strange_Exception(); };
   EXPECT_THROW(apply(a_config), Strange_Exception);
