@@ -543,6 +543,52 @@ TEST_P(Passes, of_another_server_are_refused) {
   EXPECT_NO_THROW(Pass_Scope(database(), largest_id));  // nobody keeps the lock
 }
 
+TEST_P(Passes, are_one_at_a_time_on_a_thread_whatever_the_database) {
+  Database_Fixture elsewhere(GetParam());
+  const auto other = elsewhere.database();
+  const auto other_repository = make_repository(other);
+  const auto complaint_of = [](const auto& action) -> std::string {
+    try {
+      action();
+    } catch (const std::logic_error& error) {
+      return error.what();
+    }
+    return "none";
+  };
+  const std::string refusal = "a pass is open on this thread already";
+  {
+    const auto pass = a_pass();
+    add_trigger(7);
+
+    EXPECT_EQ(complaint_of([&] { Pass_Scope(other, server_id); }), refusal);
+    EXPECT_EQ(complaint_of([&] { Pass_Scope(database(), server_id); }), refusal);
+    EXPECT_EQ(complaint_of([&] { other_repository->triggers().find_by_id(7); }), refusal);
+    EXPECT_EQ(complaint_of([&] { other_repository->triggers().add(a_trigger(7)); }), refusal);
+    EXPECT_EQ(complaint_of([&] { other->owner(); }), refusal);
+    std::thread([&] { EXPECT_EQ(other_repository->triggers().find_by_id(7), nullptr); }).join();
+
+    EXPECT_NE(find(7), nullptr);
+    clean_up();
+    EXPECT_EQ(pass->fault(), std::nullopt);
+  }
+  EXPECT_EQ(foreign_program().count("trigger_record"), 1U);
+  EXPECT_EQ(elsewhere.foreign_program().count("trigger_record"), 0U);
+  EXPECT_EQ(complaint_of([&] { Pass_Scope(other, server_id); }), "none");
+}
+
+TEST_P(Passes, read_a_capability_text_once_for_all_cameras_that_share_it) {
+  site.given_camera(10).with_topic("a");
+  site.given_camera(11).with_topic("a");
+  site.given_camera(12).with_topic("b");
+  const auto pass = a_pass();
+  const auto cameras = repository().cameras().get_cameras_matching_tags({});
+  ASSERT_EQ(cameras.size(), 3U);
+
+  EXPECT_EQ(&cameras[0]->capabilities.tree(), &cameras[1]->capabilities.tree());
+  EXPECT_NE(&cameras[0]->capabilities.tree(), &cameras[2]->capabilities.tree());
+  EXPECT_FALSE(cameras[2]->capabilities.tree().empty());
+}
+
 TEST_P(Passes, leave_single_operations_to_commit_themselves) {
   add_trigger(7);
   EXPECT_EQ(foreign_program().count("trigger_record"), 1U);

@@ -33,6 +33,15 @@ class PostgreSQL_Faults : public testing::Test, public Site_At_Work {
         "hashtextextended('vemora ' || current_schema(), 0)))");
   }
 
+  /// The server ends the connection amid the commit of whoever writes to that table.
+  void given_that_a_commit_is_not_answered(const std::string& table) {
+    foreign_program().execute(
+        "CREATE FUNCTION hang_up() RETURNS trigger LANGUAGE plpgsql AS "
+        "$$BEGIN PERFORM pg_terminate_backend(pg_backend_pid()); RETURN NULL; END$$; "
+        "CREATE CONSTRAINT TRIGGER trouble AFTER INSERT OR UPDATE ON " +
+        table + " DEFERRABLE INITIALLY DEFERRED FOR EACH ROW EXECUTE FUNCTION hang_up()");
+  }
+
   static constexpr const char* lost = "; nothing that the pass wrote was kept";
 };
 
@@ -72,6 +81,36 @@ TEST_F(PostgreSQL_Faults, of_a_lost_connection_leave_nothing_half_written) {
   }
   EXPECT_EQ(stored(), before);
   expect_the_next_pass_to_work();
+}
+
+TEST_F(PostgreSQL_Faults, of_a_commit_that_is_not_answered_leave_it_open_what_is_stored) {
+  given_a_trigger_at_work();
+  given_that_a_commit_is_not_answered("trigger_record");
+  const std::string fault = prefixed("the connection to the server was lost");
+  {
+    Pass_Scope pass(database(), server_id);
+    const auto repository = make_repository(database());
+
+    EXPECT_EQ(complaint_of([&] { work_on_camera(*repository, 9, 11); }), fault);
+
+    EXPECT_EQ(complaint_of([&] { pass.end(); }),
+              fault + "; it is not known whether what the pass wrote was kept");
+  }
+  foreign_program().execute("DROP TRIGGER trouble ON trigger_record");
+  expect_the_next_pass_to_work();
+}
+
+TEST_F(PostgreSQL_Faults, of_the_storing_of_documents_leave_it_open_whether_they_are) {
+  given_a_trigger_at_work();
+  given_that_a_commit_is_not_answered("document");
+  Pass_Scope pass(database(), server_id);
+  pass.end();
+
+  EXPECT_EQ(complaint_of([&] {
+              pass.store({"{ }", std::nullopt}, {});
+            }),
+            prefixed("the connection to the server was lost; it is not known whether the documents "
+                     "were stored"));
 }
 
 TEST_F(PostgreSQL_Faults, of_a_missing_right_leave_nothing_half_written) {

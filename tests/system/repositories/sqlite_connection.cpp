@@ -15,6 +15,21 @@ std::int64_t rows_written(sqlite3* connection) {
   return sqlite3_total_changes64(connection);
 }
 
+std::string setting(sqlite3* connection, const std::string& name) {
+  std::string answer;
+  const auto keep = [](void* kept, int, char** values, char**) {
+    *static_cast<std::string*>(kept) = values[0];
+    return 0;
+  };
+  char* complaint = nullptr;
+  sqlite3_exec(connection, ("PRAGMA " + name).c_str(), keep, &answer, &complaint);
+  if (complaint != nullptr) {
+    answer = complaint;
+    sqlite3_free(complaint);
+  }
+  return answer;
+}
+
 Statement_Trace::Statement_Trace(sqlite3* connection) : connection_(connection) {
   const auto note = [](unsigned, void* trace, void* statement, void*) {
     static_cast<Statement_Trace*>(trace)->statements_.emplace_back(

@@ -18,6 +18,9 @@ sqlite3* idle_connection(vemora::embedded_server::Database& database);
 /// The rows that were inserted, updated and deleted through a connection so far.
 std::int64_t rows_written(sqlite3* connection);
 
+/// What a connection answers to "PRAGMA name".
+std::string setting(sqlite3* connection, const std::string& name);
+
 /// Notes down the statements that a connection executes, as long as it lives.
 class Statement_Trace {
  public:

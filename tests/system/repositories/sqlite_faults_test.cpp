@@ -258,6 +258,48 @@ TEST_F(SQLite_Faults, of_a_link_to_nothing_are_mended_by_the_next_pass) {
   EXPECT_EQ(foreign_program().query("SELECT * FROM eta_camera_trigger"), (Rows{{"1", "7"}}));
 }
 
+// What a build for developers looks at after each pass.
+
+/// What the self-check finds in a pass that works on a camera, when the database makes something
+/// else of what it is given.
+std::string found_by_self_check(const std::string& when, const std::string& meddling) {
+  Site_At_Work site({"sqlite", [] { return std::make_unique<SQLite_Place>(); }});
+  site.given_a_trigger_at_work();
+  site.foreign_program().execute("CREATE TRIGGER meddling AFTER INSERT ON " + when + " BEGIN " +
+                                 meddling + "; END");
+  Pass_Scope pass(site.database(), Site_At_Work::server_id);
+  const auto repository = make_repository(site.database());
+
+  const std::string found = complaint_of([&] { Site_At_Work::work_on_camera(*repository, 9, 11); });
+
+  EXPECT_EQ(pass.fault(), found);
+  EXPECT_EQ(complaint_of([&] { repository->eta_cameras().get_all(); }), found);
+  EXPECT_EQ(complaint_of([&] { pass.end(); }), "no complaint");  // the pass is committed by then
+  EXPECT_GT(site.foreign_program().count("trigger_record"), 1U);
+  return found;
+}
+
+TEST(SQLite_Self_Checks, find_what_was_not_stored_as_it_was_given) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "this build has no self-check";
+#endif
+  const std::string differ = "the index of the pass and the database differ: ";
+  EXPECT_EQ(found_by_self_check("trigger_record",
+                                "UPDATE trigger_record SET name = 'x' WHERE id = NEW.id"),
+            differ + "trigger 9");
+  EXPECT_EQ(found_by_self_check("trigger_record",
+                                "INSERT INTO trigger_record (id, name) VALUES (NEW.id + 1, 'x')"),
+            differ + "triggers 2");
+  EXPECT_EQ(
+      found_by_self_check("trigger_source", "DELETE FROM trigger_source WHERE trigger_id = 7"),
+      differ + "trigger 7");
+  EXPECT_EQ(found_by_self_check("subscription_trigger",
+                                "DELETE FROM subscription_trigger WHERE record_id = NEW.record_id"),
+            differ + "subscription 2");
+  EXPECT_EQ(found_by_self_check("eta_camera_trigger", "DELETE FROM eta_camera_trigger"),
+            differ + "detection record 1");
+}
+
 // What the engine cannot hold. With its limit lowered, for the real one is a thousand million.
 
 class SQLite_Limits : public SQLite_Faults {

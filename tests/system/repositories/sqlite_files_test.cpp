@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "system/repositories/database_test.h"
+#include "system/repositories/sqlite_connection.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 
 namespace kuv::test {
@@ -162,6 +163,23 @@ TEST_F(SQLite_Files, know_who_they_belong_to) {
 
   EXPECT_EQ(SQLite_Program(path()).query("PRAGMA application_id"), (Rows{{"1447907911"}}));
   EXPECT_EQ(SQLite_Program(path()).query("PRAGMA journal_mode"), (Rows{{"wal"}}));
+}
+
+/// Whether what a pass commits is on the disk when it returns.
+TEST_F(SQLite_Files, are_synced_by_the_connections_that_passes_write_through) {
+  given_a_database_of_ours();
+  const auto database = Database::open(path());
+  sqlite3* const connection = idle_connection(*database);
+  const std::int64_t before = rows_written(connection);
+  {
+    Pass_Scope pass(database, 1);
+    EXPECT_TRUE(make_repository(database)->triggers().add(a_trigger(7)));
+    pass.end();
+  }
+
+  EXPECT_GT(rows_written(connection), before);
+  EXPECT_EQ(setting(connection, "synchronous"), "2");
+  EXPECT_EQ(setting(connection, "journal_mode"), "wal");
 }
 
 }  // namespace
