@@ -19,6 +19,14 @@ class Made_Databases(Site):
     def test_people_read_what_was_stored(self):
         self.assertEqual(self.run_tool("init", "inventory.json").text, STORED)
 
+    def test_people_read_numbers_of_records_in_words_that_fit(self):
+        self.write("several.json", {
+            "servers": [{"id": 1}, {"id": 2}], "cameras": [{"id": 1}], "schedules": [{"id": 1}],
+            "eventCategories": [{"id": 1}, {"id": 2}], "objectTypes": {"vehicle": ["car"], "living": ["person"]}})
+        self.assertEqual(self.run_tool("init", "several.json").text, (
+            "Stored: 2 servers, 1 camera, 1 schedule, 2 event categories, 0 generic subscriptions, "
+            "2 general object types.\n"))
+
     def test_a_file_may_be_called_one_of_sqlite(self):
         self.assertEqual(self.run_tool("--database", "sqlite:other.db", "init", "inventory.json").text,
                          STORED)

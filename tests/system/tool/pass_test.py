@@ -283,6 +283,15 @@ class Texts_To_Hold(Site):
         refreshed = self.run_tool("--json", "refresh")
         self.assertEqual((refreshed.status, refreshed.json["errors"], refreshed.json["changes"]),
                          (TRIGGER_ERRORS, answer["errors"], NO_CHANGES))
+        self.assertEqual(self.run_tool("refresh").text, """\
+error: Trigger 1: Failed to process config (Failed to create trigger).
+error: Trigger 2: Failed to process config (Failed to create trigger).
+error: Trigger 3: Failed to process config (Failed to create trigger).
+Nothing changed.
+Cameras reconciled: 0
+Active triggers: 1
+Done, with errors.
+""")
 
 
 class Identifiers(Site):
@@ -328,7 +337,8 @@ class Identifiers(Site):
                 self.assertEqual(outcome.status, FAILED)
                 [error] = outcome.json["errors"]
                 self.assertEqual(error["category"], 1)
-                self.assertIn("belongs to server 1", error["message"])
+                self.assertEqual(error["message"],
+                                 f"database {self.behind.shown}: it belongs to server 1, not to server 2")
         self.assertEqual(self.rows(), before)
 
 
