@@ -2,7 +2,8 @@
 
 At every call by which it writes or syncs a file, and at random moments of a pass that takes a while:
 each time the database is whole and holds the state before the pass or the committed one, repeating the
-apply ends in the records of an undisturbed run, and no camera whose subscriptions changed is forgotten.
+apply ends in the records of an undisturbed run, a refresh in those of the documents that are stored, and no
+camera whose subscriptions changed is forgotten.
 
     CRASH_MOMENTS=200   how many random moments (default 12)
     CRASH_SEED=7        another draw of them
@@ -25,6 +26,17 @@ MOMENTS = int(os.environ.get("CRASH_MOMENTS", "12"))
 SEED = int(os.environ.get("CRASH_SEED", "1"))
 
 TOPICS = [f"tns1:RuleEngine/LineDetector/Crossed/{n}" for n in range(6)]
+
+
+# All the records that a pass writes, but for the ids that it gives out.
+RECORDS = """
+SELECT 'trigger', id, name, NULL, NULL FROM trigger_record
+UNION ALL SELECT 'source', trigger_id, onvif_topic, object_type, position FROM trigger_source
+UNION ALL SELECT 'subscription', s.camera_id, s.onvif_topic, l.linked_id, NULL
+  FROM subscription s LEFT JOIN subscription_trigger l ON l.record_id = s.id
+UNION ALL SELECT 'detection', e.camera_id, NULL, l.linked_id, NULL
+  FROM eta_camera e LEFT JOIN eta_camera_trigger l ON l.record_id = e.id
+ORDER BY 1, 2, 3, 4, 5"""
 
 
 def inventory(cameras):
@@ -107,6 +119,15 @@ class Site:
         return tables, documents, {row[0] for row in pending}
 
 
+    def records(self):
+        """The records whatever their ids, which a pass that was cut short may have used up."""
+        connection = sqlite3.connect(self.database)
+        try:
+            return connection.execute(RECORDS).fetchall()
+        finally:
+            connection.close()
+
+
 class Crash_Test(unittest.TestCase):
     def prepare(self, cameras):
         top = tempfile.mkdtemp()
@@ -118,9 +139,11 @@ class Crash_Test(unittest.TestCase):
         self.template.run("apply", self.template.write("before.json", config_before()))
         self.template.write("after.json", config_after())
         self.before = self.template.remains()
+        self.records_before = self.template.records()
         undisturbed = self.fresh_copy()
         answer = undisturbed.run("apply", os.path.join(undisturbed.folder, "after.json"))
         self.after = undisturbed.remains()
+        self.records_after = undisturbed.records()
         self.changed_cameras = set(answer["reconciled"])
         self.assertEqual(self.changed_cameras, set(range(1, cameras + 1)))
         self.assertNotEqual(self.before[0], self.after[0])
@@ -152,7 +175,22 @@ class Crash_Test(unittest.TestCase):
         shutil.rmtree(site.folder)
         return phase
 
-    def test_killed_at_every_call_that_writes_or_syncs(self):
+    def check_remains_and_refresh(self, site):
+        phase = self.phase_of(site)
+        answer = site.run("refresh")
+        tables, documents, pending = site.remains()
+        stored = phase == "stored"
+        self.assertEqual(site.records(), self.records_after if stored else self.records_before)
+        self.assertEqual((documents, pending), ((self.after if stored else self.before)[1], set()))
+        self.assertEqual(set(answer["reconciled"]),
+                         self.changed_cameras if phase == "before the storing" else set())
+        if phase == "before the commit":
+            self.assertEqual(tables, self.before[0])
+        shutil.rmtree(site.folder)
+        return phase
+
+    def kill_at_every_call(self, check):
+        """Applies the new configuration on fresh copies, killed at one call after the other, and checks each."""
         self.prepare(cameras=40)
         counted = self.fresh_copy()
         count_file = os.path.join(counted.folder, "count")
@@ -169,11 +207,17 @@ class Crash_Test(unittest.TestCase):
             run = site.start("apply", os.path.join(site.folder, "after.json"),
                              LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
             self.assertEqual(run.wait(), -signal.SIGKILL, f"call {number} of {calls}")
-            phase = self.check_remains_and_repeat(site)
+            phase = check(site)
             phases[phase] = phases.get(phase, 0) + 1
         print(f"{calls} calls: {phases}")
         self.assertGreater(phases.get("before the commit", 0), 0)
         self.assertGreater(phases.get("before the storing", 0), 0)
+
+    def test_killed_at_every_call_that_writes_or_syncs(self):
+        self.kill_at_every_call(self.check_remains_and_repeat)
+
+    def test_refreshed_after_being_killed_at_every_call_that_writes_or_syncs(self):
+        self.kill_at_every_call(self.check_remains_and_refresh)
 
     def test_killed_at_random_moments(self):
         self.prepare(cameras=25000)
