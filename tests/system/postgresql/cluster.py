@@ -8,8 +8,9 @@ import subprocess
 import tempfile
 import unittest
 
+from tester import psql_command, url
+
 TOOL = os.environ["TOOL"]
-NOTES = os.environ["CLUSTER"]
 CLUSTER_SCRIPT = os.environ["CLUSTER_SCRIPT"]
 
 DONE, FAILED = 0, 3
@@ -17,26 +18,13 @@ DONE, FAILED = 0, 3
 numbers = itertools.count(1)
 
 
-def note(name):
-    with open(os.path.join(NOTES, name), encoding="ascii") as file:
-        return file.read().strip()
-
-
-def cluster(action, notes=NOTES):
+def cluster(action, notes):
     subprocess.run([CLUSTER_SCRIPT, action, notes], check=True)
 
 
-def url(schema, folder=None, port=None, **parameters):
-    more = "".join(f"&{name}={value}" for name, value in parameters.items())
-    return (f"postgresql://tester@/postgres?host={folder or note('folder')}&port={port or note('port')}"
-            f"&schema={schema}{more}")
-
-
 def psql(statements, folder=None, port=None):
-    done = subprocess.run(
-        ["psql", "--no-psqlrc", "--quiet", "--csv", "--tuples-only", "--set", "ON_ERROR_STOP=1", "--host",
-         folder or note("folder"), "--port", str(port or note("port")), "--username", "tester", "--dbname", "postgres",
-         "--command", statements], capture_output=True, text=True, check=True)
+    done = subprocess.run(psql_command("--command", statements, folder=folder, port=port), capture_output=True,
+                          text=True, check=True)
     return done.stdout
 
 

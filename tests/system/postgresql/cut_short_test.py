@@ -8,8 +8,9 @@ import subprocess
 import threading
 import unittest
 
-from cluster import DONE, FAILED, RECORDS, Site, TOPICS, inventory, note, psql, trigger, url
+from cluster import DONE, FAILED, RECORDS, Site, TOPICS, inventory, psql, trigger
 from proxy import Proxy
+from tester import note, url
 
 CAMERAS = 40
 

@@ -18,8 +18,9 @@ import time
 import unittest
 
 import cluster
-from cluster import DONE, FAILED, RECORDS, TOPICS, inventory, psql, trigger, url
+from cluster import DONE, FAILED, RECORDS, TOPICS, inventory, psql, trigger
 from proxy import Proxy
+from tester import note, url
 
 MOMENTS = int(os.environ.get("LOST_MOMENTS", "12"))
 SEED = int(os.environ.get("LOST_SEED", "1"))
@@ -37,17 +38,12 @@ class Lost_Server(cluster.Site):
         """A cluster of its own: it is not the only test at work."""
         cls.notes = tempfile.mkdtemp()
         cluster.cluster("start", cls.notes)
-        cls.server_folder = cls.read_note("folder")
-        cls.server_port = cls.read_note("port")
+        cls.server_folder = note("folder", cls.notes)
+        cls.server_port = note("port", cls.notes)
 
     @classmethod
     def tearDownClass(cls):
         cluster.cluster("stop", cls.notes)
-
-    @classmethod
-    def read_note(cls, name):
-        with open(os.path.join(cls.notes, name), encoding="ascii") as file:
-            return file.read().strip()
 
     def setUp(self):
         super().setUp()

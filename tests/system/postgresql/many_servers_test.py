@@ -4,7 +4,8 @@ import json
 import subprocess
 import unittest
 
-from cluster import DONE, Site, TOPICS, inventory, trigger, url
+from cluster import DONE, Site, TOPICS, inventory, trigger
+from tester import url
 
 
 class Many_Servers(Site):

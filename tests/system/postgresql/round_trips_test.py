@@ -2,8 +2,9 @@
 
 import unittest
 
-from cluster import Site, inventory, note, trigger, url, TOPICS
+from cluster import Site, inventory, trigger, TOPICS
 from proxy import Proxy
+from tester import note, url
 
 # A pass takes at most FIXED round trips, and one more for each thousand of rows that it changes.
 FIXED = 115

@@ -18,6 +18,8 @@ import subprocess
 import tempfile
 import unittest
 
+from tester import psql_command, url
+
 TOOL = os.environ["TOOL"]
 ENGINE = os.environ.get("ENGINE", "sqlite")
 LARGEST_ID = 18446744073709551615
@@ -144,32 +146,20 @@ class PostgreSQL:
     numbers = itertools.count(1)
 
     def __init__(self, _folder):
-        self.folder, self.port = (self.note(name) for name in ("folder", "port"))
         self.schema = f"tool_{os.getpid()}_{next(self.numbers)}"
-        self.location = (f"postgresql://tester@/postgres?host={self.folder}&port={self.port}"
-                         f"&schema={self.schema}")
+        self.location = url(self.schema)
         self.shown = self.location
         self.arguments = ["--database", self.location]
         self.absent = f"{self.location}_absent"
         self.absence = f'database {self.absent}: it holds no site; "init" makes one'
-
-    @staticmethod
-    def note(name):
-        with open(os.path.join(os.environ["CLUSTER"], name), encoding="ascii") as file:
-            return file.read().strip()
-
-    def psql(self):
-        return ["psql", "--no-psqlrc", "--quiet", "--csv", "--tuples-only", "--set", "ON_ERROR_STOP=1",
-                "--pset", "null=NULL", "--host", self.folder, "--port", self.port, "--username", "tester",
-                "--dbname", "postgres"]
 
     def sql(self, statement, *values):
         texts = [str(value) if isinstance(value, int) else "'" + value.replace("'", "''") + "'" for value in values]
         parts = statement.split("?")
         whole = parts[0] + "".join(text + part for text, part in zip(texts, parts[1:], strict=True))
         done = subprocess.run(
-            self.psql(), input=f"SET client_min_messages = error; SET search_path = {self.schema};\n{whole};\n",
-            capture_output=True, text=True, check=True)
+            psql_command("--pset", "null=NULL"), capture_output=True, text=True, check=True,
+            input=f"SET client_min_messages = error; SET search_path = {self.schema};\n{whole};\n")
         return [tuple(self.value_of(text) for text in row) for row in csv.reader(io.StringIO(done.stdout))]
 
     @staticmethod
@@ -186,7 +176,7 @@ class PostgreSQL:
 
     @contextlib.contextmanager
     def locked(self):
-        with subprocess.Popen(self.psql(), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as holder:
+        with subprocess.Popen(psql_command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as holder:
             holder.stdin.write("SELECT pg_try_advisory_lock(hashtextextended('vemora ' || "
                                f"'{self.schema}', 0));\n")
             holder.stdin.flush()
