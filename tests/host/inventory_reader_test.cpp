@@ -105,6 +105,20 @@ TEST(Read_Inventories, tells_every_fault_in_the_order_of_the_document) {
                           "6:15: \"schedules\" must be an array of JSON objects."));
 }
 
+TEST(Read_Inventories, refuses_what_is_no_object_where_one_must_be) {
+  for (const char* value : {"[]", "null", "7", "\"text\"", "true"}) {
+    SCOPED_TRACE(value);
+    EXPECT_THAT(faults_of(fmt::format(R"({{"objectTypes": {}}})", value)),
+                ElementsAre("1:17: \"objectTypes\" must be a JSON object."));
+    EXPECT_THAT(faults_of(fmt::format(R"({{"cameras": [{{"id": 1, "tags": {}}}]}})", value)),
+                ElementsAre("1:32: \"tags\" must be a JSON object."));
+    EXPECT_THAT(
+        faults_of(fmt::format(R"({{"cameras": [{{"id": 1, "capabilities": {}}}]}})", value)),
+        ElementsAre("1:40: \"capabilities\" must be a JSON object."));
+  }
+  EXPECT_THAT(faults_of("\n []"), ElementsAre("2:2: An inventory must be a JSON object."));
+}
+
 TEST(Read_Inventories, refuses_the_id_of_a_topic_subscription) {
   Inventory_References stored;
   stored.topic_subscription_ids = {3};

@@ -399,7 +399,8 @@ TEST_F(Trigger_Host_Test, fails_and_does_not_reject_when_the_database_does) {
     EXPECT_EQ(outcome.status, Status::failed);
     EXPECT_FALSE(outcome.rejection);
     ASSERT_EQ(outcome.errors.size(), 1);
-    EXPECT_THAT(outcome.errors[0].message, testing::HasSubstr("no such table: server"));
+    EXPECT_EQ(outcome.errors[0].message,
+              "Failed to parse trigger config: database " + location() + ": no such table: server");
   }
   EXPECT_THROW(host().check(Json_Document(a_config), nullptr), Database_Error);
   EXPECT_THAT(stored_documents(), IsEmpty());
