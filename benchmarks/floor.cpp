@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "benchmarks/heap_meter.h"
 #include "benchmarks/state_builder.h"
 #include "benchmarks/stopwatch.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
@@ -161,6 +162,7 @@ double write_floor(const std::string& path, const Plain_Rows& rows) {
   remove_database(path);
   Connection connection(path);
   connection.run(lean_schema);
+  settle_heap();
   const Stopwatch watch;
   connection.run("BEGIN IMMEDIATE");
   insert_rows(connection, rows);
@@ -168,8 +170,9 @@ double write_floor(const std::string& path, const Plain_Rows& rows) {
   return watch.seconds();
 }
 
-double read_floor(const std::string& path, vemora::Trigger_Config_State& state) {
-  const Stopwatch watch;
+namespace {
+
+void read_state(const std::string& path, vemora::Trigger_Config_State& state) {
   Connection connection(path);
   connection.run("PRAGMA cache_size=-262144; BEGIN");
   State_Builder builder(state);
@@ -193,6 +196,14 @@ double read_floor(const std::string& path, vemora::Trigger_Config_State& state) 
   each("SELECT record_id, trigger_id FROM detection_link",
        [&](Statement& row) { builder.add_detection_link(row.number(0), row.number(1)); });
   connection.run("COMMIT");
+}
+
+}  // namespace
+
+double read_floor(const std::string& path, vemora::Trigger_Config_State& state) {
+  settle_heap();
+  const Stopwatch watch;
+  read_state(path, state);
   return watch.seconds();
 }
 

@@ -3,38 +3,52 @@
 #include <malloc.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-std::atomic<std::size_t> now{0};
-std::atomic<std::size_t> peak{0};
+std::atomic<bool> counting{false};
+std::atomic<std::int64_t> held{0};  ///< since the meter was made; what was there before may go
+std::atomic<std::int64_t> most{0};
+std::int64_t held_by_sqlite = 0;
 
-void* counted(std::size_t size) {
+void count(std::int64_t bytes) {
+  const std::int64_t total = held += bytes;
+  if (total > most) {
+    most = total;
+  }
+}
+
+void* allocate(std::size_t size) {
   void* const block = std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) {
     throw std::bad_alloc();
   }
-  const std::size_t held = now += malloc_usable_size(block);
-  if (held > peak) {
-    peak = held;
+  if (counting) {
+    count(static_cast<std::int64_t>(malloc_usable_size(block)));
   }
   return block;
 }
 
 void give_back(void* block) noexcept {
-  if (block != nullptr) {
-    now -= malloc_usable_size(block);
-    std::free(block);
+  if (counting && block != nullptr) {
+    count(-static_cast<std::int64_t>(malloc_usable_size(block)));
   }
+  std::free(block);
+}
+
+std::size_t not_less_than_none(std::int64_t bytes) {
+  return static_cast<std::size_t>(std::max<std::int64_t>(bytes, 0));
 }
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-  return counted(size);
+  return allocate(size);
 }
 void operator delete(void* block) noexcept {
   give_back(block);
@@ -45,17 +59,28 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace kuv::benchmarks {
 
-std::size_t heap_now() {
-  return now + static_cast<std::size_t>(sqlite3_memory_used());
-}
-
-std::size_t heap_peak() {
-  return peak + static_cast<std::size_t>(sqlite3_memory_highwater(0));
-}
-
-void reset_heap_peak() {
-  peak = now.load();
+Heap_Meter::Heap_Meter() {
+  held = 0;
+  most = 0;
+  held_by_sqlite = sqlite3_memory_used();
   sqlite3_memory_highwater(1);
+  counting = true;
+}
+
+Heap_Meter::~Heap_Meter() {
+  counting = false;
+}
+
+std::size_t Heap_Meter::now() const {
+  return not_less_than_none(held + sqlite3_memory_used() - held_by_sqlite);
+}
+
+std::size_t Heap_Meter::peak() const {
+  return not_less_than_none(most + sqlite3_memory_highwater(0) - held_by_sqlite);
+}
+
+void settle_heap() {
+  malloc_trim(0);
 }
 
 }  // namespace kuv::benchmarks

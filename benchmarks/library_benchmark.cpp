@@ -1,13 +1,11 @@
-// What the library does without a database: parsing, and log calls that nobody reads.
+// Parsing, beside the JSON library reading the same text.
 #include <benchmark/benchmark.h>
 #include <json/reader.h>
 #include <json/writer.h>
 
-#include <iostream>
-
 #include "benchmarks/empty_repositories.h"
-#include "vemora/embedded_server/logging/console.h"
-#include "vemora/platform/logging/source.h"
+#include "benchmarks/heap_meter.h"
+#include "vemora/embedded_server/host/process_heap.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::benchmarks {
@@ -46,7 +44,9 @@ const std::string& document_text() {
     for (int number = 0; number < triggers_of_document; ++number) {
       document["triggers"].append(make_trigger(number));
     }
-    return Json::writeString(Json::StreamWriterBuilder(), document);
+    Json::StreamWriterBuilder compact;
+    compact["indentation"] = "";
+    return Json::writeString(compact, document);
   }();
   return text;
 }
@@ -60,46 +60,49 @@ Json::Value read_document() {
   return document;
 }
 
+/// What was made is released at nobody's expense.
+template <class Action>
+void without_timing(benchmark::State& state, Action action) {
+  state.PauseTiming();
+  action();
+  settle_heap();
+  state.ResumeTiming();
+}
+
 /// The floor of parsing: the JSON library reads the same text.
 void json_library_reads_the_text(benchmark::State& state) {
+  document_text();
+  settle_heap();
   for (auto step : state) {
-    benchmark::DoNotOptimize(read_document());
+    Json::Value document = read_document();
+    without_timing(state, [&] { document = Json::Value(); });
   }
   state.counters["bytes"] = static_cast<double>(document_text().size());
 }
 BENCHMARK(json_library_reads_the_text)->Unit(benchmark::kMillisecond);
 
 void parse_trigger_configs(benchmark::State& state) {
+  document_text();
+  settle_heap();
   const Json::Value document = read_document();
   vemora::Vemora_Trigger_Parser parser(make_empty_repositories(), 1);
   std::size_t parsed = 0;
   for (auto step : state) {
-    parsed = parser.parse_trigger_configs(document, {}).size();
+    auto configs = parser.parse_trigger_configs(document, {});
+    without_timing(state, [&] {
+      parsed = configs.size();
+      configs.clear();
+    });
   }
   state.counters["triggers"] = static_cast<double>(parsed);
 }
 BENCHMARK(parse_trigger_configs)->Unit(benchmark::kMillisecond);
 
-void log_call_with_logging_off(benchmark::State& state) {
-  kuv::logging::log_to(std::cerr, std::nullopt);
-  kuv::logging::Source source("Benchmark");
-  for (auto step : state) {
-    source.log(kuv::logging::severity_level::info, "trigger {} of {}", 7, "gate");
-  }
-}
-BENCHMARK(log_call_with_logging_off);
-
-void log_call_below_the_level(benchmark::State& state) {
-  kuv::logging::log_to(std::cerr, kuv::logging::severity_level::error);
-  kuv::logging::Source source("Benchmark");
-  for (auto step : state) {
-    source.log(kuv::logging::severity_level::info, "trigger {} of {}", 7, "gate");
-  }
-  kuv::logging::log_to(std::cerr, std::nullopt);
-}
-BENCHMARK(log_call_below_the_level);
-
 }  // namespace
 }  // namespace kuv::benchmarks
 
-BENCHMARK_MAIN();
+int main(int count, char** arguments) {
+  kuv::vemora::embedded_server::suit_heap_to_passes();
+  benchmark::Initialize(&count, arguments);
+  benchmark::RunSpecifiedBenchmarks();
+}

@@ -1,6 +1,6 @@
 #include "benchmarks/pass_runner.h"
 
-#include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 #include "benchmarks/heap_meter.h"
@@ -23,7 +23,14 @@ class Idle_Capture_Manager : public capture::Manager {
 class Discarding_Pusher : public Trigger_Notification_Pusher {
  public:
   void stop() override {}
-  void apply_trigger_state(Trigger_Config_State) override {}
+  void apply_trigger_state(Trigger_Config_State state) override { errors_ = state.errors.size(); }
+
+  /// Of the last pass, if it came that far.
+  std::size_t errors() const { return errors_; }
+  void forget() { errors_ = 0; }
+
+ private:
+  std::size_t errors_ = 0;
 };
 
 class Plain_Resolver : public Meta_Type_Resolver {
@@ -39,7 +46,7 @@ class Pass_Runner::Services {
 
   std::shared_ptr<Repository> repository;
   std::shared_ptr<capture::Manager> capture_manager = std::make_shared<Idle_Capture_Manager>();
-  std::shared_ptr<Trigger_Notification_Pusher> pusher = std::make_shared<Discarding_Pusher>();
+  std::shared_ptr<Discarding_Pusher> pusher = std::make_shared<Discarding_Pusher>();
   std::shared_ptr<Meta_Type_Resolver> resolver = std::make_shared<Plain_Resolver>();
 };
 
@@ -58,51 +65,46 @@ void Pass_Runner::make_manager() {
       services_->resolver);
 }
 
-Measured_Pass Pass_Runner::run(const std::function<bool(Measured_Pass&)>& call,
+Measured_Pass Pass_Runner::run(Measuring measuring, const std::function<bool()>& call,
                                bool expected_success) {
   Measured_Pass measured;
-  const std::size_t heap_before = heap_now();
-  reset_heap_peak();
+  services_->pusher->forget();
+  settle_heap();
+  std::optional<Heap_Meter> meter;
+  if (measuring == Measuring::heap) {
+    meter.emplace();
+  }
   const Stopwatch watch;
   bool success = false;
   {
     Pass_Scope pass(database_, server_id);
-    success = call(measured);
+    success = call();
     pass.end();
     pass.store({}, pass.pending_cameras());
-    measured.seconds = watch.seconds();
     const Changes& changes = pass.changes();
     measured.links_written =
         changes.subscription_links.added.size() + changes.eta_camera_links.added.size();
     measured.links_deleted =
         changes.subscription_links.deleted.size() + changes.eta_camera_links.deleted.size();
   }
-  measured.peak_heap = heap_peak() - std::min(heap_peak(), heap_before);
+  measured.seconds = watch.seconds();
+  measured.peak_heap = meter ? meter->peak() : 0;
+  measured.errors = services_->pusher->errors();
   if (success != expected_success) {
     throw std::runtime_error("a pass ended otherwise than it should");
   }
   return measured;
 }
 
-Measured_Pass Pass_Runner::update(const Json::Value& config, bool expected_success) {
+Measured_Pass Pass_Runner::update(const Json::Value& config, Measuring measuring,
+                                  bool expected_success) {
   return run(
-      [&](Measured_Pass& measured) {
-        const auto result = manager_->update_config(config);
-        measured.errors = result.errors.size();
-        return result.success;
-      },
-      expected_success);
+      measuring, [&] { return manager_->update_config(config).success; }, expected_success);
 }
 
-Measured_Pass Pass_Runner::refresh() {
+Measured_Pass Pass_Runner::refresh(Measuring measuring) {
   return run(
-      [&](Measured_Pass& measured) {
-        Trigger_Config_State state;
-        const bool success = manager_->refresh_triggers(state);
-        measured.errors = state.errors.size();
-        return success;
-      },
-      true);
+      measuring, [&] { return manager_->refresh_triggers(); }, true);
 }
 
 }  // namespace kuv::benchmarks

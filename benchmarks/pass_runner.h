@@ -13,10 +13,13 @@
 
 namespace kuv::benchmarks {
 
+/// What is measured of a pass. Metering takes time, so it is one or the other.
+enum class Measuring { time, heap };
+
 /// What became of one pass that was measured.
 struct Measured_Pass {
-  double seconds = 0;         ///< from its begin to the storing of its documents
-  std::size_t peak_heap = 0;  ///< above what was there before
+  double seconds = 0;         ///< until everything is released again; where time is measured
+  std::size_t peak_heap = 0;  ///< above what was there before; where the heap is measured
   std::size_t links_written = 0;
   std::size_t links_deleted = 0;
   std::size_t errors = 0;
@@ -30,14 +33,16 @@ class Pass_Runner {
 
   const std::shared_ptr<vemora::embedded_server::Database>& database() { return database_; }
 
-  /// Throws std::runtime_error when the pass ends otherwise than `expected_success`.
-  Measured_Pass update(const Json::Value& config, bool expected_success = true);
-  Measured_Pass refresh();
+  // Each throws std::runtime_error when the pass ends otherwise than it should.
+
+  Measured_Pass update(const Json::Value& config, Measuring measuring,
+                       bool expected_success = true);
+  Measured_Pass refresh(Measuring measuring);
 
  private:
   class Services;
 
-  Measured_Pass run(const std::function<bool(Measured_Pass&)>& call, bool expected_success);
+  Measured_Pass run(Measuring measuring, const std::function<bool()>& call, bool expected_success);
   void make_manager();
 
   std::shared_ptr<vemora::embedded_server::Database> database_;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "benchmarks/heap_meter.h"
 #include "benchmarks/state_builder.h"
 #include "benchmarks/stopwatch.h"
 
@@ -92,6 +93,7 @@ double write_postgresql_floor(const std::string& url, const Plain_Rows& rows) {
   Connection connection(url);
   connection.run(fmt::format("DROP SCHEMA IF EXISTS {0} CASCADE; CREATE SCHEMA {0}; {1}",
                              connection.schema(), lean_schema));
+  settle_heap();
   const Stopwatch watch;
   connection.run("BEGIN");
   connection.copy("trigger_record", rows.triggers, [](const Plain_Rows::Named& row) {
@@ -113,8 +115,9 @@ double write_postgresql_floor(const std::string& url, const Plain_Rows& rows) {
   return watch.seconds();
 }
 
-double read_postgresql_floor(const std::string& url, vemora::Trigger_Config_State& state) {
-  const Stopwatch watch;
+namespace {
+
+void read_state(const std::string& url, vemora::Trigger_Config_State& state) {
   Connection connection(url);
   State_Builder builder(state);
   each(connection, "SELECT id, name FROM trigger_record",
@@ -136,6 +139,14 @@ double read_postgresql_floor(const std::string& url, vemora::Trigger_Config_Stat
        [&](const Result& row, int at) {
          builder.add_detection_link(number(row, at, 0), number(row, at, 1));
        });
+}
+
+}  // namespace
+
+double read_postgresql_floor(const std::string& url, vemora::Trigger_Config_State& state) {
+  settle_heap();
+  const Stopwatch watch;
+  read_state(url, state);
   return watch.seconds();
 }
 

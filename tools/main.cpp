@@ -10,6 +10,7 @@
 #include "tools/commands/input.h"
 #include "tools/render/faults.h"
 #include "tools/standard_streams.h"
+#include "vemora/embedded_server/host/process_heap.h"
 #include "vemora/embedded_server/logging/console.h"
 
 namespace kuv::vemora::tools {
@@ -50,6 +51,7 @@ int finish(Exit_Status status) {
 int main(int count, char** arguments) {
   using namespace kuv::vemora::tools;
   occupy_missing_standard_streams();
+  kuv::vemora::embedded_server::suit_heap_to_passes();
   for (const int signal : {SIGPIPE, SIGXFSZ}) {
     std::signal(signal, SIG_IGN);  // writing that fails is told of like any other fault
   }

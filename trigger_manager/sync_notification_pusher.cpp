@@ -1,7 +1,34 @@
+#include <algorithm>
+#include <map>
+#include <vector>
+
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
 namespace {
+
+/// What a camera delivers to a trigger.
+struct Delivery {
+  std::uint64_t camera_id;
+  const std::string* topic;  ///< of the subscription
+};
+
+/// Trigger by trigger and camera by camera, so that what is read together, copied and freed lies
+/// side by side in memory.
+void add_topics(std::map<std::uint64_t, std::vector<Delivery>>& deliveries_by_trigger,
+                Trigger_Config_State& state) {
+  for (auto& [trigger_id, deliveries] : deliveries_by_trigger) {
+    std::sort(deliveries.begin(), deliveries.end(),
+              [](const Delivery& left, const Delivery& right) {
+                return left.camera_id < right.camera_id;
+              });
+    auto& topics_by_camera = state.onvif_topics_by_trigger[trigger_id];
+    for (const Delivery& delivery : deliveries) {
+      topics_by_camera.try_emplace(topics_by_camera.end(), delivery.camera_id)
+          ->second.insert(*delivery.topic);
+    }
+  }
+}
 
 std::set<Object_Search_Item> search_items(const trigger& record) {
   std::set<Object_Search_Item> items;
@@ -25,7 +52,10 @@ void Vemora_Trigger_Manager::sync_notification_pusher_() {
 
 void Vemora_Trigger_Manager::collect_subscriptions_() {
   const std::set<std::uint64_t> nobody;  // with no live triggers every subscription is asked for
-  for (const auto& subscription : repository_->metadata_event_subscriptions().get_stale(nobody)) {
+  const Subscription_List subscriptions =
+      repository_->metadata_event_subscriptions().get_stale(nobody);
+  std::map<std::uint64_t, std::vector<Delivery>> deliveries_by_trigger;
+  for (const auto& subscription : subscriptions) {
     if (!subscription->camera) {
       for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
         state_.subscriptions_by_trigger[trigger_id].insert(subscription->id);
@@ -36,15 +66,14 @@ void Vemora_Trigger_Manager::collect_subscriptions_() {
     // A subscription with a camera and no topic is a corrupt record. It ends the pass: a pusher
     // that is told less than the truth would drop notifications without anybody noticing.
     const std::string& topic = subscription->onvif_topic.value();
-    // Trigger ids ascend, and so do the cameras of most records: look beside the place before.
-    auto place = state_.onvif_topics_by_trigger.begin();
+    auto place = deliveries_by_trigger.begin();  // trigger ids ascend: look beside the one before
     for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
-      place = state_.onvif_topics_by_trigger.try_emplace(place, trigger_id);
-      auto& topics_by_camera = place->second;
-      topics_by_camera.try_emplace(topics_by_camera.end(), camera_id)->second.insert(topic);
+      place = deliveries_by_trigger.try_emplace(place, trigger_id);
+      place->second.push_back({camera_id, &topic});
       ++place;
     }
   }
+  add_topics(deliveries_by_trigger, state_);
 }
 
 void Vemora_Trigger_Manager::collect_search_items_() {

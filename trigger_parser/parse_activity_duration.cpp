@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "trigger_parser/find_members.h"
 #include "trigger_parser/validation.h"
 
 namespace kuv::vemora {
@@ -69,13 +70,15 @@ std::optional<Activity_Duration> parse_activity_duration(const Json::Value& acti
     return std::nullopt;
   }
   require(activity.isObject(), "\"activityDuration\" must be a JSON object.");
+  const auto [mode, min_duration, dropout] =
+      find_members(activity, "mode", "minDurationMs", "dropoutMs");
   Activity_Duration parsed;
-  parsed.mode = parse_mode(activity["mode"]);
+  parsed.mode = parse_mode(*mode);
   if (source_type == Trigger_Source_Type::motion_detection) {
     parsed.mode = Activity_Duration_Mode::object_presence;  // motion has no track to follow
   }
-  parsed.min_duration = parse_min_duration(activity["minDurationMs"]);
-  parsed.dropout = parse_dropout(activity["dropoutMs"], parsed.mode);
+  parsed.min_duration = parse_min_duration(*min_duration);
+  parsed.dropout = parse_dropout(*dropout, parsed.mode);
   return parsed;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "trigger_parser/find_members.h"
 #include "trigger_parser/parse_activity_duration.h"
 #include "trigger_parser/validation.h"
 #include "vemora/platform/database_enums.h"
@@ -14,9 +15,7 @@ namespace {
 
 std::string to_lower(std::string text) {
   const std::locale locale;
-  for (char& character : text) {
-    character = std::tolower(character, locale);
-  }
+  std::use_facet<std::ctype<char>>(locale).tolower(text.data(), text.data() + text.size());
   return text;
 }
 
@@ -60,19 +59,21 @@ Object_Search_Item parse_search_item(const Json::Value& item) {
 /// One source; nothing when it is dropped.
 std::optional<Trigger_Source> parse_source(const Json::Value& source) {
   require(source.isObject(), "\"sources\" must be an array of JSON objects.");
-  const std::optional<Trigger_Source_Type> type = parse_type(source["type"]);
+  const auto [type_name, topic, item, duration] =
+      find_members(source, "type", "onvifTopic", "searchItem", "activityDuration");
+  const std::optional<Trigger_Source_Type> type = parse_type(*type_name);
   if (!type || *type == Trigger_Source_Type::external) {
     return std::nullopt;  // external sources fire by themselves, there is nothing to subscribe to
   }
   Trigger_Source parsed;
   parsed.type = *type;
   if (*type == Trigger_Source_Type::onvif_metadata) {
-    parsed.onvif_topic = parse_onvif_topic(source["onvifTopic"]);
+    parsed.onvif_topic = parse_onvif_topic(*topic);
   } else if (*type == Trigger_Source_Type::object_detection) {
-    parsed.search_item = parse_search_item(source["searchItem"]);
-    parsed.activity_duration = parse_activity_duration(source["activityDuration"], *type);
+    parsed.search_item = parse_search_item(*item);
+    parsed.activity_duration = parse_activity_duration(*duration, *type);
   } else if (*type == Trigger_Source_Type::motion_detection) {
-    parsed.activity_duration = parse_activity_duration(source["activityDuration"], *type);
+    parsed.activity_duration = parse_activity_duration(*duration, *type);
   }
   return parsed;
 }

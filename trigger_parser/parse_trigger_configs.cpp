@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "trigger_parser/find_members.h"
 #include "trigger_parser/parse_sources.h"
 #include "trigger_parser/validation.h"
 #include "vemora/platform/tags/tag_filter.h"
@@ -20,10 +21,12 @@ std::set<ODB_Utils::Tag_Search_Term> parse_tag_filter(const Json::Value& filter)
 
 Trigger_Config::Tags parse_tags(const Json::Value& tags) {
   require(tags.isObject(), "\"tags\" must be a JSON object.");
+  const auto [server, camera, event_subscription] =
+      find_members(tags, "server", "camera", "eventSubscription");
   Trigger_Config::Tags parsed;
-  parsed.server = parse_tag_filter(tags["server"]);
-  parsed.camera = parse_tag_filter(tags["camera"]);
-  parsed.event_subscription = parse_tag_filter(tags["eventSubscription"]);
+  parsed.server = parse_tag_filter(*server);
+  parsed.camera = parse_tag_filter(*camera);
+  parsed.event_subscription = parse_tag_filter(*event_subscription);
   return parsed;
 }
 
@@ -63,16 +66,16 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs(
 
 std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
     const Json::Value& trigger, const Trigger_Mapping& mapping) {
+  const auto [id, name, tags, sources, any_time] =
+      find_members(trigger, "id", "name", "tags", "sources", "anyTime");
   Trigger_Config config;
-  const Json::Value& id = trigger["id"];
-  require(id.isUInt64(), "\"id\" field is missing or invalid.");
-  config.id = id.asUInt64();
-  const Json::Value& name = trigger["name"];
-  require(name.isString(), "\"name\" field is missing or invalid.");
-  config.name = name.asString();
-  config.tags = parse_tags(trigger["tags"]);
-  config.sources = parse_sources(trigger["sources"]);
-  config.options.any_time = parse_any_time(trigger["anyTime"]);
+  require(id->isUInt64(), "\"id\" field is missing or invalid.");
+  config.id = id->asUInt64();
+  require(name->isString(), "\"name\" field is missing or invalid.");
+  config.name = name->asString();
+  config.tags = parse_tags(*tags);
+  config.sources = parse_sources(*sources);
+  config.options.any_time = parse_any_time(*any_time);
   if (config.sources.empty()) {
     // Every source fires by itself or is of a kind that only newer servers know. The trigger may
     // well run there; on this server it has nothing to listen to.

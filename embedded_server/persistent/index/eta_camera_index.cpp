@@ -13,7 +13,7 @@ ETA_Camera_Index::ETA_Camera_Index(odb::database& database, const Camera_Index& 
                                    const Trigger_Index& triggers)
     : cameras_(cameras), triggers_(triggers), ids_(database, "eta_camera") {
   load_records(database);
-  load_links(database);
+  records_.load_links<rows::ETA_Camera_Trigger>(database, triggers_);
 }
 
 void ETA_Camera_Index::load_records(odb::database& database) {
@@ -25,22 +25,6 @@ void ETA_Camera_Index::load_records(odb::database& database) {
                              : odb::lazy_shared_ptr<camera>(database, row.camera_id);
     by_camera_.emplace(row.camera_id, &records_.load(std::move(record)));
   });
-}
-
-void ETA_Camera_Index::load_links(odb::database& database) {
-  Entry* entry = nullptr;  // of the row before: the rows of a record come together
-  for_each_row<rows::ETA_Camera_Trigger>(
-      database, "record_id, linked_id", [&](const rows::ETA_Camera_Trigger& row) {
-        if (entry == nullptr || entry->record->id != row.key.record_id) {
-          entry = records_.find(row.key.record_id);
-        }
-        const std::shared_ptr<trigger> held = triggers_.find(row.key.linked_id);
-        if (entry != nullptr && held) {
-          records_.load_link(*entry, held);
-        } else {
-          records_.note_dangling(row.key.record_id, row.key.linked_id);
-        }
-      });
 }
 
 std::shared_ptr<eta_camera> ETA_Camera_Index::find_by_camera(std::uint64_t camera_id) const {

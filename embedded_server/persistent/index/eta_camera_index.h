@@ -55,7 +55,6 @@ class ETA_Camera_Index {
   using Entry = Records::Entry;
 
   void load_records(odb::database& database);
-  void load_links(odb::database& database);
 
   const Camera_Index& cameras_;
   const Trigger_Index& triggers_;

@@ -13,6 +13,8 @@
 #include "embedded_server/persistent/index/id_order.h"
 #include "embedded_server/persistent/index/link_journal.h"
 #include "embedded_server/persistent/index/record_links.h"
+#include "embedded_server/persistent/index/row_reader.h"
+#include "embedded_server/persistent/index/trigger_index.h"
 
 namespace kuv::vemora::embedded_server {
 
@@ -36,16 +38,39 @@ class Linked_Records {
     return found == entries_.end() ? nullptr : &found->second;
   }
 
-  /// A record that the database holds already; its links follow by load_link.
+  /// A record that the database holds already; its links follow by load_links.
   Entry& load(std::shared_ptr<Record> record) {
     const std::uint64_t id = record->id;
     return entries_.emplace_hint(entries_.end(), id, Entry{std::move(record)})->second;
   }
 
-  /// A link that the database holds already.
-  void load_link(Entry& entry, const std::shared_ptr<trigger>& held) {
-    append_link(*entry.record, held);
-    holders_[held->id].push_back(&entry);
+  /// The links that the database holds already, when all records are loaded.
+  template <class Row>
+  void load_links(odb::database& database, const Trigger_Index& triggers) {
+    Holder_Lists lists = holder_lists(triggers);
+    std::vector<std::shared_ptr<trigger>> held;  // of one record: its rows come together
+    Entry* entry = nullptr;
+    const auto finish = [&] {
+      if (entry != nullptr) {
+        set_links(*entry->record, held);
+      }
+      held.clear();
+    };
+    for_each_row<Row>(database, "record_id, linked_id", [&](const Row& row) {
+      if (entry == nullptr || entry->record->id != row.key.record_id) {
+        finish();
+        entry = find(row.key.record_id);
+      }
+      const auto list = lists.find(row.key.linked_id);
+      if (entry == nullptr || list == lists.end()) {
+        // A deleted trigger may have left rows behind that nobody wrote in a pass.
+        journal_.note_removed(row.key.record_id, row.key.linked_id);
+        return;
+      }
+      held.push_back(list->second.record);
+      list->second.holders->push_back(entry);
+    });
+    finish();
   }
 
   /// A new record with all its links.
@@ -141,15 +166,24 @@ class Linked_Records {
   }
   bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
 
-  /// A deleted trigger may have left rows behind that nobody wrote in a pass; they go with the
-  /// next.
-  void note_dangling(std::uint64_t record_id, std::uint64_t trigger_id) {
-    journal_.note_removed(record_id, trigger_id);
-  }
-
   Changes::Of<Changes::Link> settle() { return journal_.settle(); }
 
  private:
+  /// What is looked up for each link that is read.
+  struct Holder_List {
+    std::shared_ptr<trigger> record;
+    Entry_List* holders;
+  };
+  using Holder_Lists = std::unordered_map<std::uint64_t, Holder_List>;
+
+  Holder_Lists holder_lists(const Trigger_Index& triggers) {
+    Holder_Lists lists;
+    for (const std::shared_ptr<trigger>& record : triggers.all()) {
+      lists.emplace(record->id, Holder_List{record, &holders_[record->id]});
+    }
+    return lists;
+  }
+
   void take_over(Entry& entry, Record& changed,
                  const std::vector<std::shared_ptr<trigger>>& added) {
     const std::vector<std::uint64_t> removed = std::move(changed.link_changes.removed);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "embedded_server/persistent/index/id_order.h"
 #include "records-odb.h"
 
 namespace kuv::vemora::embedded_server {
@@ -84,18 +85,13 @@ bool held_nothing_when_stored(const eta_camera& record) {
   return held_nothing_before(record.link_changes, record.triggers.size());
 }
 
-void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held) {
-  auto& links = record.trigger_links;
-  if (links.empty() || id_of(links.back()) < held->id) {
-    links.emplace_back(held);
-  } else {
-    record.add_trigger(held);
-    record.link_changes = {};
-  }
+void set_links(metadata_event_subscription& record, std::vector<std::shared_ptr<trigger>>& held) {
+  sort_by(held, [](const std::shared_ptr<trigger>& link) { return link->id; });
+  record.trigger_links.assign(held.begin(), held.end());
 }
 
-void append_link(eta_camera& record, const std::shared_ptr<trigger>& held) {
-  record.triggers.insert(record.triggers.end(), held);
+void set_links(eta_camera& record, const std::vector<std::shared_ptr<trigger>>& held) {
+  record.triggers = {held.begin(), held.end()};
 }
 
 void replace_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& fresh) {

@@ -40,9 +40,9 @@ bool holds_any_of(const metadata_event_subscription& record,
 bool held_nothing_when_stored(const metadata_event_subscription& record);
 bool held_nothing_when_stored(const eta_camera& record);
 
-/// Adds a link as the database holds it; the largest trigger id so far.
-void append_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& held);
-void append_link(eta_camera& record, const std::shared_ptr<trigger>& held);
+/// Sets the links of a record as the database holds them.
+void set_links(metadata_event_subscription& record, std::vector<std::shared_ptr<trigger>>& held);
+void set_links(eta_camera& record, const std::vector<std::shared_ptr<trigger>>& held);
 
 /// Puts a fresh record of a trigger that is held in the place of the one before.
 void replace_link(metadata_event_subscription& record, const std::shared_ptr<trigger>& fresh);

@@ -50,7 +50,7 @@ Subscription_Index::Subscription_Index(odb::database& database, const Camera_Ind
   for (auto& [id, entry] : records_.all()) {
     enter(entry);
   }
-  load_links(database);
+  records_.load_links<rows::Subscription_Trigger>(database, triggers_);
 }
 
 void Subscription_Index::load_records(odb::database& database) {
@@ -94,22 +94,6 @@ void Subscription_Index::load_cameras(odb::database& database) {
     sort_by(entry.record->camera_links,
             [](const odb::lazy_shared_ptr<camera>& link) { return link.object_id(); });
   }
-}
-
-void Subscription_Index::load_links(odb::database& database) {
-  Entry* entry = nullptr;  // of the row before: the rows of a record come together
-  for_each_row<rows::Subscription_Trigger>(
-      database, "record_id, linked_id", [&](const rows::Subscription_Trigger& row) {
-        if (entry == nullptr || entry->record->id != row.key.record_id) {
-          entry = records_.find(row.key.record_id);
-        }
-        const std::shared_ptr<trigger> held = triggers_.find(row.key.linked_id);
-        if (entry != nullptr && held) {
-          records_.load_link(*entry, held);
-        } else {
-          records_.note_dangling(row.key.record_id, row.key.linked_id);
-        }
-      });
 }
 
 void Subscription_Index::enter(Entry& entry) {

@@ -71,7 +71,6 @@ class Subscription_Index {
   void load_records(odb::database& database);
   void load_tags(odb::database& database);
   void load_cameras(odb::database& database);
-  void load_links(odb::database& database);
   void enter(Entry& entry);
 
   Records::Entry_List candidates(const Query& query);

@@ -1,0 +1,11 @@
+#include "vemora/embedded_server/host/process_heap.h"
+
+#include <malloc.h>
+
+namespace kuv::vemora::embedded_server {
+
+void suit_heap_to_passes() {
+  mallopt(M_MXFAST, 0);
+}
+
+}  // namespace kuv::vemora::embedded_server
