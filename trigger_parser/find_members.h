@@ -16,10 +16,11 @@ std::array<const Json::Value*, sizeof...(Names)> find_members(const Json::Value&
   const std::array<std::string_view, sizeof...(Names)> wanted{names...};
   std::array<const Json::Value*, sizeof...(Names)> found;
   found.fill(&Json::Value::nullSingleton());
-  for (auto member = object.begin(); member != object.end(); ++member) {
-    const char* end = nullptr;
-    const char* const begin = member.memberName(&end);
-    const std::string_view name(begin, static_cast<std::size_t>(end - begin));
+  const auto end = object.end();
+  for (auto member = object.begin(); member != end; ++member) {
+    const char* name_end = nullptr;
+    const char* const name_begin = member.memberName(&name_end);
+    const std::string_view name(name_begin, static_cast<std::size_t>(name_end - name_begin));
     for (std::size_t place = 0; place < wanted.size(); ++place) {
       if (wanted[place] == name) {
         found[place] = &*member;

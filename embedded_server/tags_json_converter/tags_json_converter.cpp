@@ -54,7 +54,8 @@ Terms parse_search_tags(const Json::Value& tags) {
     reject("A tag filter must be a JSON object.");
   }
   Terms terms;
-  for (auto tag = tags.begin(); tag != tags.end(); ++tag) {
+  const auto end = tags.end();
+  for (auto tag = tags.begin(); tag != end; ++tag) {
     add_terms(tag.name(), *tag, terms);
   }
   return terms;
