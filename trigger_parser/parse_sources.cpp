@@ -15,7 +15,10 @@ namespace {
 
 std::string to_lower(std::string text) {
   const std::locale locale;
-  std::use_facet<std::ctype<char>>(locale).tolower(text.data(), text.data() + text.size());
+  const auto& letters = std::use_facet<std::ctype<char>>(locale);
+  for (char& character : text) {
+    character = letters.tolower(character);
+  }
   return text;
 }
 
