@@ -82,6 +82,16 @@ Site_Size site_of_links(std::uint64_t links) {
   return size;
 }
 
+Site_Size site_of_axes(std::uint64_t cameras, std::uint64_t triggers, std::uint64_t topics) {
+  Site_Size size;
+  size.name = std::to_string(cameras) + " cameras, " + std::to_string(triggers) + " triggers, " +
+              std::to_string(topics) + " topics";
+  size.cameras = cameras;
+  size.triggers = triggers;
+  size.topics = topics;
+  return size;
+}
+
 Site_Size site_of_name(const std::string& name) {
   const std::map<std::string, std::pair<std::uint64_t, std::uint64_t>> sizes{
       {"S", {100, 100}}, {"M", {300, 1'000}}, {"L", {2'000, 5'000}}, {"XL", {10'000, 20'000}}};

@@ -25,6 +25,9 @@ struct Site_Size {
 /// A site with `links` pairs of a trigger and a subscription: every trigger on every camera.
 Site_Size site_of_links(std::uint64_t links);
 
+/// Every trigger on every camera, with one topic each.
+Site_Size site_of_axes(std::uint64_t cameras, std::uint64_t triggers, std::uint64_t topics);
+
 /// "S", "M", "L" or "XL". Throws std::out_of_range for another name.
 Site_Size site_of_name(const std::string& name);
 

@@ -1,11 +1,14 @@
 // Times whole passes beside their floors, and prints a JSON array of figures: see scripts/bench.
 //
-//     whole_passes FOLDER|URL-PREFIX REPETITIONS SIZE...      a SIZE is S, M, L, XL or a number of
-//     links
+//     whole_passes FOLDER|URL-PREFIX REPETITIONS SIZE...
+//
+// A SIZE is S, M, L, XL, a number of links, or CAMERASxTRIGGERSxTOPICS.
 
 #include <fmt/format.h>
 #include <json/writer.h>
 
+#include <cinttypes>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -218,6 +221,13 @@ class Site_Run {
 };
 
 Site_Size size_of(const std::string& argument) {
+  std::uint64_t cameras = 0;
+  std::uint64_t triggers = 0;
+  std::uint64_t topics = 0;
+  if (std::sscanf(argument.c_str(), "%" SCNu64 "x%" SCNu64 "x%" SCNu64, &cameras, &triggers,
+                  &topics) == 3) {
+    return site_of_axes(cameras, triggers, topics);
+  }
   const bool number = argument.find_first_not_of("0123456789") == std::string::npos;
   return number ? site_of_links(std::stoull(argument)) : site_of_name(argument);
 }

@@ -43,6 +43,7 @@ void replace_rows(Engine& engine, const char* key_columns, const std::vector<Row
     }
   }
   std::vector<Row> gone;
+  gone.reserve(present.size());
   for (const auto& [key, row] : present) {
     gone.push_back(row);
   }

@@ -8,8 +8,8 @@
 
 namespace kuv::vemora::embedded_server {
 
-PostgreSQL_Session::PostgreSQL_Session(odb::pgsql::connection_ptr connection)
-    : connection_(std::move(connection)) {}
+PostgreSQL_Session::PostgreSQL_Session(const odb::pgsql::connection_ptr& connection)
+    : connection_(connection) {}
 
 /// The connection goes back among the idle ones, which hold no lock; a broken one is given up, and
 /// the server lets go of its locks.

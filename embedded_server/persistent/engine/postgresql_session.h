@@ -14,7 +14,7 @@ namespace kuv::vemora::embedded_server {
 /// connection loses both: nobody writes without the lock.
 class PostgreSQL_Session : public Engine::Session {
  public:
-  explicit PostgreSQL_Session(odb::pgsql::connection_ptr connection);
+  explicit PostgreSQL_Session(const odb::pgsql::connection_ptr& connection);
   ~PostgreSQL_Session() override;
   PostgreSQL_Session(const PostgreSQL_Session&) = delete;
   PostgreSQL_Session& operator=(const PostgreSQL_Session&) = delete;
