@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "benchmarks/heap_meter.h"
+#include "benchmarks/idle_services.h"
 #include "benchmarks/stopwatch.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -14,29 +15,6 @@ using namespace vemora;
 using namespace vemora::embedded_server;
 
 constexpr std::uint64_t server_id = 1;
-
-class Idle_Capture_Manager : public capture::Manager {
- public:
-  void reconcile_metadata_stream(std::uint64_t) override {}
-};
-
-class Discarding_Pusher : public Trigger_Notification_Pusher {
- public:
-  void stop() override {}
-  void apply_trigger_state(Trigger_Config_State state) override { errors_ = state.errors.size(); }
-
-  /// Of the last pass, if it came that far.
-  std::size_t errors() const { return errors_; }
-  void forget() { errors_ = 0; }
-
- private:
-  std::size_t errors_ = 0;
-};
-
-class Plain_Resolver : public Meta_Type_Resolver {
- public:
-  std::vector<std::string> resolve(const std::vector<std::string>& types) override { return types; }
-};
 
 }  // namespace
 

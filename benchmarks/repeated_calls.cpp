@@ -10,6 +10,7 @@
 #include <string>
 
 #include "benchmarks/empty_repositories.h"
+#include "benchmarks/idle_services.h"
 #include "vemora/embedded_server/logging/console.h"
 #include "vemora/platform/logging/source.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
@@ -20,22 +21,6 @@ namespace {
 
 using namespace vemora;
 using kuv::logging::severity_level;
-
-class Idle_Capture_Manager : public capture::Manager {
- public:
-  void reconcile_metadata_stream(std::uint64_t) override {}
-};
-
-class Discarding_Pusher : public Trigger_Notification_Pusher {
- public:
-  void stop() override {}
-  void apply_trigger_state(Trigger_Config_State) override {}
-};
-
-class Plain_Resolver : public Meta_Type_Resolver {
- public:
-  std::vector<std::string> resolve(const std::vector<std::string>& types) override { return types; }
-};
 
 /// With sources of three kinds.
 Json::Value make_trigger(int id) {

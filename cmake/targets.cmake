@@ -5,9 +5,9 @@ target_compile_options(vemora_build_options INTERFACE -Wall -Wextra -Wpedantic
                        $<$<BOOL:${VEMORA_WERROR}>:-Werror>)
 if(VEMORA_SANITIZE)
   # GCC takes what the sanitizers add for values that nobody set.
-  target_compile_options(vemora_build_options INTERFACE -fsanitize=${VEMORA_SANITIZE}
-                         -fno-omit-frame-pointer -fno-sanitize-recover=all -Wno-maybe-uninitialized)
-  target_link_options(vemora_build_options INTERFACE -fsanitize=${VEMORA_SANITIZE})
+  add_compile_options(-fsanitize=${VEMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+                      -Wno-maybe-uninitialized)
+  add_link_options(-fsanitize=${VEMORA_SANITIZE})
 endif()
 
 # What is installed finds its libraries beside it, wherever it was installed to.
@@ -31,4 +31,10 @@ function(vemora_add_executable name)
   add_executable(${name} ${ARGN})
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
   target_link_libraries(${name} PRIVATE vemora_build_options)
+endfunction()
+
+# Reads once what all files of a target begin with. Each file still includes what it uses: the linter
+# reads them without.
+function(vemora_precompile target header)
+  target_precompile_headers(${target} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:${header}>")
 endfunction()

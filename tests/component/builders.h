@@ -29,6 +29,8 @@ using Subscriptions = std::vector<Subscription_Record>;
 using ETA_Record = std::shared_ptr<eta_camera>;
 using ETA_Records = std::vector<ETA_Record>;
 
+inline const Terms north{{"site", "north"}};
+
 // Sources of triggers.
 
 inline Trigger_Source onvif(const std::string& topic) {

@@ -11,7 +11,6 @@ using testing::IsEmpty;
 using testing::Return;
 using testing::Throw;
 
-const Terms north{{"site", "north"}};
 const Terms doors{{"door", std::nullopt}, {"role", "gate"}};
 
 class Source_Dispatch : public Manager_Test {

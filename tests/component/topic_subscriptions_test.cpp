@@ -14,8 +14,6 @@ using testing::IsEmpty;
 using testing::Return;
 using testing::Throw;
 
-const Terms north{{"site", "north"}};
-
 std::string creating(std::uint64_t camera_id, const std::string& topic) {
   return "Trigger 7 | Creating subscription for camera " + std::to_string(camera_id) +
          " with ONVIF topic " + topic;

@@ -27,16 +27,16 @@ Log_Line to_line(const boost::log::record_view& record) {
           boost::log::extract_or_throw<std::string>("Message", record)};
 }
 
+}  // namespace
+
 /// The frontend feeds it, and hands it out to read, under one lock.
-class Backend
+class Log_Capture::Backend
     : public boost::log::sinks::basic_sink_backend<boost::log::sinks::synchronized_feeding> {
  public:
   void consume(const boost::log::record_view& record) { lines.push_back(to_line(record)); }
 
   std::vector<Log_Line> lines;
 };
-
-}  // namespace
 
 struct Log_Capture::Sink : boost::log::sinks::synchronous_sink<Backend> {};
 

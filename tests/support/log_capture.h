@@ -38,6 +38,7 @@ class Log_Capture {
   std::vector<std::string> messages() const;
 
  private:
+  class Backend;
   struct Sink;
   boost::shared_ptr<Sink> sink_;
 };

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char not_an_object[] = "\"activityDuration\" must be a JSON object.";
+constexpr char duration_is_no_object[] = "\"activityDuration\" must be a JSON object.";
 constexpr char mode_not_a_string[] = "\"activityDuration.mode\" must be a string.";
 constexpr char unknown_mode[] =
     "\"activityDuration.mode\" must be \"object-presence\" or \"object-track\".";
@@ -62,7 +62,7 @@ TEST_F(Parse_Activity_Duration, leaves_it_unset_when_it_is_null_or_absent) {
 
 TEST_F(Parse_Activity_Duration, rejects_what_is_no_object) {
   for (const char* text : {"5", "true", "false", "\"5s\"", "[]", "0"}) {
-    expect_both_rejected(text, not_an_object);
+    expect_both_rejected(text, duration_is_no_object);
   }
 }
 

@@ -15,7 +15,7 @@ using ::testing::IsEmpty;
 
 using Milliseconds = Notification_Properties::Milliseconds;
 
-constexpr char not_an_object[] = "\"properties\" must be a JSON object.";
+constexpr char properties_are_no_object[] = "\"properties\" must be a JSON object.";
 
 struct Setting {
   const char* key;
@@ -72,7 +72,7 @@ TEST_F(Parse_Config_Properties, leaves_everything_unset_where_there_are_no_prope
 TEST_F(Parse_Config_Properties, rejects_properties_that_are_no_object) {
   for (const char* text : {"[]", "5", "0", "\"\"", "true", "false", "[{}]"}) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(rejection_of(text), not_an_object);
+    EXPECT_EQ(rejection_of(text), properties_are_no_object);
   }
 }
 

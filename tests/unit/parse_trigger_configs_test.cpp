@@ -12,7 +12,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr char not_a_document[] = "Trigger configuration must be a JSON object.";
+constexpr char configs_are_no_object[] = "Trigger configuration must be a JSON object.";
 constexpr char no_triggers[] = "Missing \"triggers\" array.";
 constexpr char triggers_not_objects[] = "\"triggers\" must be an array of JSON objects.";
 constexpr char bad_id[] = "\"id\" field is missing or invalid.";
@@ -56,7 +56,7 @@ TEST_F(Parse_Trigger_Configs, takes_a_document_without_any_trigger) {
 TEST_F(Parse_Trigger_Configs, rejects_a_document_that_is_no_object) {
   for (const char* text : {"[]", R"([{"triggers": []}])", "null", "7", "true", "\"triggers\""}) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(rejection_of_configs(json(text)), not_a_document);
+    EXPECT_EQ(rejection_of_configs(json(text)), configs_are_no_object);
   }
 }
 

@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-constexpr char not_a_document[] = "Trigger mapping must be a JSON object.";
+constexpr char mapping_is_no_object[] = "Trigger mapping must be a JSON object.";
 constexpr char no_mapping[] = "\"triggerMapping\" array is missing or invalid.";
 constexpr char mapping_not_objects[] = "\"triggerMapping\" must be an array of JSON objects.";
 constexpr char no_schedule_ids[] = "\"scheduleIds\" array is missing or invalid.";
@@ -20,9 +20,6 @@ constexpr char bad_schedule_ids[] = "\"scheduleIds\" must be an array of unsigne
 constexpr char no_trigger_ids[] = "\"triggerIds\" array is missing or invalid.";
 constexpr char empty_trigger_ids[] = "\"triggerIds\" array is empty.";
 constexpr char bad_trigger_ids[] = "\"triggerIds\" must be an array of unsigned integers.";
-
-/// A failure of the database that nobody below the test knows.
-struct Database_Is_Gone {};
 
 /// Schedules 1, 2 and 3 can be used, 8 cannot, 9 does not exist.
 struct Parse_Trigger_Mapping : Parser_Test {
@@ -63,7 +60,7 @@ TEST_F(Parse_Trigger_Mapping, takes_a_document_without_any_association) {
 TEST_F(Parse_Trigger_Mapping, rejects_a_document_that_is_no_object) {
   for (const char* text : {"[]", R"([{"triggerMapping": []}])", "null", "5", "\"\"", "true"}) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(rejection_of_mapping(json(text)), not_a_document);
+    EXPECT_EQ(rejection_of_mapping(json(text)), mapping_is_no_object);
   }
 }
 

@@ -19,6 +19,9 @@ namespace kuv::test {
 
 using namespace kuv::vemora;
 
+/// A failure of the database that nobody below the test knows.
+struct Database_Is_Gone {};
+
 /// A parser on server 9, which the database knows and which has no tags.
 class Parser_Test : public ::testing::Test {
  protected:

@@ -148,8 +148,6 @@ TEST_F(Trigger_Parser_Of_A_Server, reports_an_unknown_server_as_an_internal_logi
   }
 }
 
-struct Database_Is_Gone {};
-
 TEST_F(Trigger_Parser_Of_A_Server, lets_failures_of_the_database_through_unchanged) {
   database.servers.fault = std::make_exception_ptr(Database_Is_Gone());
   EXPECT_THROW(parse_configs(configuration({a_trigger()})), Database_Is_Gone);

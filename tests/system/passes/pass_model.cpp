@@ -83,7 +83,7 @@ bool has_sources(const Trigger_Spec& trigger) {
 
 /// "name: triggers", in the order of the names.
 template <class Records, class Name>
-std::vector<std::string> lines_of(const Records& records, Name name_of) {
+std::vector<std::string> named_lines(const Records& records, Name name_of) {
   std::map<std::string, const Ids*> by_name;
   for (const auto& [key, trigger_ids] : records) {
     by_name[name_of(key)] = &trigger_ids;
@@ -303,17 +303,17 @@ std::vector<std::string> Pass_Model::state() const {
 }
 
 std::vector<std::string> Pass_Model::topic_subscriptions() const {
-  return lines_of(subscriptions_, [](const Place& place) {
+  return named_lines(subscriptions_, [](const Place& place) {
     return fmt::format("camera {} topic {}", place.first, place.second);
   });
 }
 
 std::vector<std::string> Pass_Model::generic_subscriptions() const {
-  return lines_of(generic_, [](std::uint64_t id) { return fmt::format("subscription {}", id); });
+  return named_lines(generic_, [](std::uint64_t id) { return fmt::format("subscription {}", id); });
 }
 
 std::vector<std::string> Pass_Model::detections() const {
-  return lines_of(detections_, [](std::uint64_t id) { return fmt::format("camera {}", id); });
+  return named_lines(detections_, [](std::uint64_t id) { return fmt::format("camera {}", id); });
 }
 
 std::vector<std::string> Pass_Model::stored_triggers() const {

@@ -282,8 +282,15 @@ class Random_Passes : public testing::TestWithParam<Database_Engine> {
 INSTANTIATE_TEST_SUITE_P(Engines, Random_Passes, testing::ValuesIn(database_engines()),
                          name_of_engine);
 
+// Under the sanitizers a life takes eight times as long.
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::uint64_t lives = 60;
+#else
+constexpr std::uint64_t lives = 300;
+#endif
+
 TEST_P(Random_Passes, lead_where_the_documents_say) {
-  for (std::uint64_t seed = 1; seed <= 300 && !HasFailure(); ++seed) {
+  for (std::uint64_t seed = 1; seed <= lives && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Random_Life(GetParam(), seed).live(6);
   }

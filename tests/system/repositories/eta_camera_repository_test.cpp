@@ -6,12 +6,12 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Query = ETA_Camera_Repository::Get_Params;
+using Detection_Query = ETA_Camera_Repository::Get_Params;
 
 class ETA_Camera_Repository_Contract : public Contract_Test {
  protected:
   std::vector<std::uint64_t> holding(std::uint64_t trigger_id) {
-    Query query;
+    Detection_Query query;
     query.trigger = a_trigger(trigger_id);
     return ids_of(eta_cameras().get(query));
   }

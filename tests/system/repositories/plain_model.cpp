@@ -9,7 +9,7 @@ namespace kuv::test {
 namespace {
 
 using Ids = Plain_Model::Ids;
-using Query = Plain_Model::Subscription_Query;
+using Subscription_Query = Plain_Model::Subscription_Query;
 
 bool satisfied(const Tag_Map& tags, const Plain_Model::Terms& terms) {
   if (terms.empty()) {
@@ -25,7 +25,7 @@ bool satisfied(const Tag_Map& tags, const Plain_Model::Terms& terms) {
   return false;
 }
 
-bool lists_topic(const Query& query, const Plain_Model::Subscription& record) {
+bool lists_topic(const Subscription_Query& query, const Plain_Model::Subscription& record) {
   for (const std::string& topic : query.topics) {
     if (record.topic.has_value() && *record.topic == topic) {
       return true;
@@ -44,31 +44,31 @@ bool lists_camera(const Query_Type& query, std::optional<std::uint64_t> camera_i
   return false;
 }
 
-bool trigger_fits(const Query& query, const Plain_Model::Subscription& record) {
+bool trigger_fits(const Subscription_Query& query, const Plain_Model::Subscription& record) {
   if (!query.trigger) {
     return true;
   }
   const bool holds = record.trigger_ids.count(query.trigger->id) == 1;
-  return query.trigger_match == Query::Trigger_Match::holding ? holds : !holds;
+  return query.trigger_match == Subscription_Query::Trigger_Match::holding ? holds : !holds;
 }
 
-bool kind_fits(const Query& query, const Plain_Model::Subscription& record) {
+bool kind_fits(const Subscription_Query& query, const Plain_Model::Subscription& record) {
   const bool is_topic = record.camera_id.has_value();
   switch (query.kind) {
-    case Query::Kind::any:
+    case Subscription_Query::Kind::any:
       return true;
-    case Query::Kind::topic:
+    case Subscription_Query::Kind::topic:
       return is_topic;
-    case Query::Kind::generic:
+    case Subscription_Query::Kind::generic:
       return !is_topic;
   }
   return false;
 }
 
-bool place_fits(const Query& query, const Plain_Model::Subscription& record) {
+bool place_fits(const Subscription_Query& query, const Plain_Model::Subscription& record) {
   const bool on_topic = lists_topic(query, record);
   const bool on_camera = lists_camera(query, record.camera_id);
-  if (query.topics_and_cameras == Query::Topics_And_Cameras::matching) {
+  if (query.topics_and_cameras == Subscription_Query::Topics_And_Cameras::matching) {
     return (query.topics.empty() || on_topic) && (query.cameras.empty() || on_camera);
   }
   if (query.topics.empty()) {
@@ -79,12 +79,12 @@ bool place_fits(const Query& query, const Plain_Model::Subscription& record) {
   return is_topic && (!on_topic || camera_excluded);
 }
 
-bool tags_fit(const Query& query, const Plain_Model::Subscription& record) {
+bool tags_fit(const Subscription_Query& query, const Plain_Model::Subscription& record) {
   const bool match = satisfied(record.tags, query.tags);
-  return query.tags_match == Query::Tags::matching ? match : !match;
+  return query.tags_match == Subscription_Query::Tags::matching ? match : !match;
 }
 
-std::string text_of(std::uint64_t id, const Plain_Model::Subscription& record) {
+std::string line_of(std::uint64_t id, const Plain_Model::Subscription& record) {
   std::vector<std::string> tags;
   for (const auto& [name, info] : record.tags) {
     tags.push_back(name + (info.value ? '=' + *info.value : ""));
@@ -96,17 +96,17 @@ std::string text_of(std::uint64_t id, const Plain_Model::Subscription& record) {
       fmt::join(record.trigger_ids, " "));
 }
 
-std::string text_of(std::uint64_t id, const Plain_Model::Detection& record) {
+std::string line_of(std::uint64_t id, const Plain_Model::Detection& record) {
   return fmt::format("detection {} camera {} triggers [{}]", id, record.camera_id,
                      fmt::join(record.trigger_ids, " "));
 }
 
-Ids ids_of(const metadata_event_subscription& record) {
+Ids trigger_ids_of(const metadata_event_subscription& record) {
   const auto ids = record.trigger_ids();
   return {ids.begin(), ids.end()};
 }
 
-Ids ids_of(const eta_camera& record) {
+Ids trigger_ids_of(const eta_camera& record) {
   Ids ids;
   for (const std::shared_ptr<trigger>& held : record.triggers) {
     ids.insert(held->id);
@@ -119,7 +119,7 @@ std::vector<std::string> texts_of_those(const Records& records, Wanted wanted) {
   std::vector<std::string> texts;
   for (const auto& [id, record] : records) {
     if (wanted(record)) {
-      texts.push_back(text_of(id, record));
+      texts.push_back(line_of(id, record));
     }
   }
   return texts;
@@ -168,7 +168,7 @@ bool Plain_Model::may_add(const metadata_event_subscription& added) const {
       return false;
     }
   }
-  return site_.cameras().count(added.camera_id()) == 1 && all_stored(ids_of(added));
+  return site_.cameras().count(added.camera_id()) == 1 && all_stored(trigger_ids_of(added));
 }
 
 bool Plain_Model::may_add(const eta_camera& added) const {
@@ -177,15 +177,16 @@ bool Plain_Model::may_add(const eta_camera& added) const {
       return false;
     }
   }
-  return site_.cameras().count(added.camera_id()) == 1 && all_stored(ids_of(added));
+  return site_.cameras().count(added.camera_id()) == 1 && all_stored(trigger_ids_of(added));
 }
 
 void Plain_Model::add(const metadata_event_subscription& added) {
-  subscriptions[added.id] = {added.name, added.camera_id(), added.onvif_topic, {}, ids_of(added)};
+  subscriptions[added.id] = {
+      added.name, added.camera_id(), added.onvif_topic, {}, trigger_ids_of(added)};
 }
 
 void Plain_Model::add(const eta_camera& added) {
-  detections[added.id] = {added.camera_id(), ids_of(added)};
+  detections[added.id] = {added.camera_id(), trigger_ids_of(added)};
 }
 
 bool Plain_Model::change_links(Ids& trigger_ids, const Trigger_Link_Changes& changes) const {

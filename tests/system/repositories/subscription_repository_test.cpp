@@ -7,7 +7,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-using Query = Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
+using Subscription_Query =
+    Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params;
 
 class Subscription_Repository_Contract : public Contract_Test {
  protected:
@@ -17,7 +18,7 @@ class Subscription_Repository_Contract : public Contract_Test {
 
   /// The ids of the subscriptions that hold a trigger.
   std::vector<std::uint64_t> holding(std::uint64_t trigger_id) {
-    Query query;
+    Subscription_Query query;
     query.trigger = a_trigger(trigger_id);
     return ids_of(subscriptions().Get_Matching_Subscriptions(query));
   }
