@@ -5,6 +5,7 @@
 
 #include "benchmarks/heap_meter.h"
 #include "benchmarks/idle_services.h"
+#include "benchmarks/round_trip_meter.h"
 #include "benchmarks/stopwatch.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -52,6 +53,7 @@ Measured_Pass Pass_Runner::run(Measuring measuring, const std::function<bool()>&
   if (measuring == Measuring::heap) {
     meter.emplace();
   }
+  const std::size_t round_trips_before = round_trips_so_far();
   const Stopwatch watch;
   bool success = false;
   {
@@ -68,6 +70,7 @@ Measured_Pass Pass_Runner::run(Measuring measuring, const std::function<bool()>&
   measured.seconds = watch.seconds();
   measured.peak_heap = meter ? meter->peak() : 0;
   measured.errors = services_->pusher->errors();
+  measured.round_trips = round_trips_so_far() - round_trips_before;
   if (success != expected_success) {
     throw std::runtime_error("a pass ended otherwise than it should");
   }

@@ -23,6 +23,7 @@ struct Measured_Pass {
   std::size_t links_written = 0;
   std::size_t links_deleted = 0;
   std::size_t errors = 0;
+  std::size_t round_trips = 0;  ///< to a database server; an embedded one has none
 };
 
 /// A trigger manager over a database, whose pusher discards what it is given.

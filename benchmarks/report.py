@@ -6,6 +6,7 @@
 
 import datetime
 import json
+import math
 import os
 import platform
 import statistics
@@ -34,20 +35,52 @@ def paired_ratio(figure):
     return f"{statistics.median(seconds / floor for seconds, floor in pairs):.2f}" if pairs else ""
 
 
+def row(cells):
+    return "| " + " | ".join(str(cell) for cell in cells) + " |"
+
+
 def find(figures, site, scenario):
     return next((figure for figure in figures if (figure["site"], figure["scenario"]) == (site, scenario)), None)
 
 
-def table(figures):
-    lines = ["| site | scenario | seconds | floor | ratio | µs a link | peak MiB | links + | links - | errors |",
-             "|---|---|---|---|---|---|---|---|---|---|"]
+def table(figures, with_round_trips=False):
+    head = ["site", "scenario", "seconds", "floor", "ratio", "µs a link", "peak MiB", "links +", "links -", "errors"]
+    head += ["round trips"] if with_round_trips else []
+    lines = [row(head), row(["---"] * len(head))]
     for figure in figures:
         seconds, floor = median(figure), median(figure, "floor")
         links = find(figures, figure["site"], "first apply")["links"]
-        lines.append(f"| {figure['site']} | {figure['scenario']} | {seconds:.3f} | "
-                     f"{'' if floor is None else f'{floor:.3f}'} | {paired_ratio(figure)} | {seconds / links * 1e6:.2f} | "
-                     f"{figure['peakHeap'] / 2 ** 20:.0f} | {figure['linksWritten']} | {figure['linksDeleted']} | "
-                     f"{figure['errors']} |")
+        cells = [figure["site"], figure["scenario"], f"{seconds:.3f}", "" if floor is None else f"{floor:.3f}",
+                 paired_ratio(figure), f"{seconds / links * 1e6:.2f}", f"{figure['peakHeap'] / 2 ** 20:.0f}",
+                 figure["linksWritten"], figure["linksDeleted"], figure["errors"]]
+        lines.append(row(cells + ([figure["roundTrips"]] if with_round_trips else [])))
+    return lines
+
+
+# What grows, from which site to which; nothing may take longer than n log n allows.
+GROWTHS = (
+    ("links", "10000 links", "100000 links"),
+    ("links", "100000 links", "1000000 links"),
+    ("links", "1000000 links", "10000000 links"),
+    ("cameras", "1000 cameras, 10 triggers, 4 topics", "10000 cameras, 10 triggers, 4 topics"),
+    ("triggers", "10 cameras, 1000 triggers, 4 topics", "10 cameras, 10000 triggers, 4 topics"),
+    ("topics", "10 cameras, 100 triggers, 100 topics", "10 cameras, 100 triggers, 1000 topics"),
+)
+
+
+def growth(figures):
+    """By what each scenario's time and memory grow from a site to a larger one, beside n log n of the links."""
+    scenarios = ("first apply", "unchanged refresh", "one trigger changed")
+    lines = [row(["what grows", "from", "to", "links", "n log n", *scenarios, "its peak heap"]), row(["---"] * 9)]
+    for what, small, large in GROWTHS:
+        pairs = [(find(figures, small, scenario), find(figures, large, scenario)) for scenario in scenarios]
+        if not all(first and second for first, second in pairs):
+            continue
+        before, after = (figure["links"] for figure in pairs[0])
+        lines.append(row([what, small, large, f"{after / before:.1f}",
+                          f"{after * math.log(after) / (before * math.log(before)):.1f}",
+                          *(ratio(median(second), median(first)) for first, second in pairs),
+                          ratio(pairs[1][1]["peakHeap"], pairs[1][0]["peakHeap"])]))
     return lines
 
 
@@ -86,7 +119,6 @@ def targets(figures, library, instructions):
 
 def plot(figures):
     """Seconds by links, both axes logarithmic: points of the passes and of their floors."""
-    import math
     points = []
     for scenario, color in (("first apply", "#b03a2e"), ("unchanged refresh", "#1f618d")):
         for key, fill in (("seconds", color), ("floor", "none")):
@@ -112,8 +144,9 @@ def figures_section(sqlite, postgresql, library, instructions):
     return "\n".join([BEGIN, "", f"Measured {datetime.date.today()} on {machine}; medians of "
                       f"{len(sqlite[0]['seconds'])} runs.", "", "![seconds by links](performance.svg)", "",
                       "### Against the targets (SQLite, 10^6 links)", "", *targets(sqlite, library, instructions), "",
+                      "### Growth (SQLite), by how many times", "", *growth(sqlite), "",
                       "### SQLite", "", *table(sqlite), "", "### PostgreSQL (over a socket)", "",
-                      *(table(postgresql) if postgresql else ["Not measured in this run."]), "", END])
+                      *(table(postgresql, True) if postgresql else ["Not measured in this run."]), "", END])
 
 
 def write_page(sqlite_path, postgresql_path, library_path, instructions_path, folder):
@@ -131,8 +164,9 @@ def write_page(sqlite_path, postgresql_path, library_path, instructions_path, fo
 
 
 def print_tables(sqlite_path, postgresql_path):
+    print("\n".join(["### Growth (SQLite), by how many times", "", *growth(read(sqlite_path)), ""]))
     for engine, path in (("SQLite", sqlite_path), ("PostgreSQL", postgresql_path)):
-        print("\n".join([f"### {engine}", "", *table(read(path)), ""]))
+        print("\n".join([f"### {engine}", "", *table(read(path), engine == "PostgreSQL"), ""]))
 
 
 if __name__ == "__main__":

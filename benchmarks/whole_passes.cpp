@@ -47,6 +47,7 @@ struct Figure {
     json["linksWritten"] = static_cast<Json::UInt64>(pass.links_written);
     json["linksDeleted"] = static_cast<Json::UInt64>(pass.links_deleted);
     json["errors"] = static_cast<Json::UInt64>(pass.errors);
+    json["roundTrips"] = static_cast<Json::UInt64>(pass.round_trips);
   }
 };
 

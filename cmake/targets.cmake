@@ -32,9 +32,3 @@ function(vemora_add_executable name)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
   target_link_libraries(${name} PRIVATE vemora_build_options)
 endfunction()
-
-# Reads once what all files of a target begin with. Each file still includes what it uses: the linter
-# reads them without.
-function(vemora_precompile target header)
-  target_precompile_headers(${target} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:${header}>")
-endfunction()
