@@ -216,15 +216,24 @@ std::map<std::string, std::set<std::string>> load_object_types(
 }
 
 void store_inventory(const std::shared_ptr<Database>& database, const Inventory& inventory) {
+  store_inventory(database, [&inventory] { return &inventory; });
+}
+
+void store_inventory(const std::shared_ptr<Database>& database,
+                     const std::function<const Inventory*()>& read) {
   write(database, [&](Site_Index&) {
     Engine& engine = database->engine();
-    engine.rows().put(inventory.servers);
-    replace_tags<rows::Server_Tag>(engine, inventory.servers);
-    store_cameras(engine, inventory.cameras);
-    engine.rows().put(inventory.schedules);
-    engine.rows().put(inventory.categories);
-    store_subscriptions(engine, inventory.subscriptions);
-    store_object_types(engine, inventory.object_types);
+    const Inventory* const inventory = read();
+    if (inventory == nullptr) {
+      return;
+    }
+    engine.rows().put(inventory->servers);
+    replace_tags<rows::Server_Tag>(engine, inventory->servers);
+    store_cameras(engine, inventory->cameras);
+    engine.rows().put(inventory->schedules);
+    engine.rows().put(inventory->categories);
+    store_subscriptions(engine, inventory->subscriptions);
+    store_object_types(engine, inventory->object_types);
   });
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -76,5 +77,10 @@ VEMORA_API std::map<std::string, std::set<std::string>> load_object_types(
 /// Database_Error.
 VEMORA_API void store_inventory(const std::shared_ptr<Database>& database,
                                 const Inventory& inventory);
+
+/// The same of what `read` answers, nothing where that is null. What it reads of the database is in
+/// the same transaction, so that no other process stores anything between the look and the writing.
+VEMORA_API void store_inventory(const std::shared_ptr<Database>& database,
+                                const std::function<const Inventory*()>& read);
 
 }  // namespace kuv::vemora::embedded_server

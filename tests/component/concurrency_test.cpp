@@ -90,11 +90,12 @@ struct Readings {
 
 Readings read_until(Trigger_Manager& manager, const std::atomic<bool>& done) {
   Readings readings;
-  do {
+  for (bool last = false; !last;) {
+    last = done && readings.configs.size() >= 100;  // asked before it reads: it sees the end
     readings.configs.push_back(number_of(manager.get_config()));
     readings.mappings.push_back(number_of(manager.get_trigger_mapping()));
     std::this_thread::yield();  // readers alone could keep the passes waiting for long
-  } while (!done || readings.configs.size() < 100);
+  }
   return readings;
 }
 

@@ -226,6 +226,20 @@ TEST_F(Update_Config, leaves_what_a_failed_trigger_had_written_and_has_its_recor
       {failed_processing("Trigger 7: Failed to process config (the disk is full).")});
 }
 
+TEST_F(Update_Config, has_the_record_of_an_inactive_trigger_deleted_whose_removal_fails) {
+  const Trigger_Config config = an_inactive_trigger(7);
+  expect_parsing({config});
+  expect_lookup(7, stored(config));
+  EXPECT_CALL(database.subscriptions, Get_Matching_Subscriptions(_))
+      .WillOnce(Throw(std::runtime_error("the disk is full")));
+  expect_end({});
+
+  when_the_configuration_is_updated();
+
+  then_it_succeeds_with(
+      {failed_processing("Trigger 7: Failed to process config (the disk is full).")});
+}
+
 TEST_F(Update_Config, answers_one_error_for_a_document_that_is_rejected_and_keeps_the_old_one) {
   EXPECT_CALL(*parser, parse_config_properties(new_config));
   EXPECT_CALL(*parser, parse_trigger_mapping(stored_mapping));

@@ -90,6 +90,35 @@ TEST_F(Parse_Trigger_Configs, ignores_the_properties_and_keys_that_it_does_not_k
   EXPECT_EQ(config.sources.size(), 1U);
 }
 
+TEST_F(Parse_Trigger_Configs, does_not_take_a_key_that_goes_on_after_a_zero_for_its_beginning) {
+  const std::string zero(1, '\0');
+  Json::Value trigger = json(R"({
+    "id": 5, "name": "gate", "tags": {}, "anyTime": true, "sources": [{
+      "type": "object-detection", "searchItem": {"type": "person"},
+      "activityDuration": {"mode": "object-presence", "minDurationMs": 5000, "dropoutMs": 2000}}]})");
+  const std::vector<Trigger_Config> plain = parse_configs(configuration({trigger}));
+
+  Json::Value& source = trigger["sources"][0];
+  for (Json::Value* object : {&trigger, &trigger["tags"], &source, &source["activityDuration"]}) {
+    for (const char* key : {"id", "name", "tags", "anyTime", "sources", "camera", "server",
+                            "eventSubscription", "type", "mode", "minDurationMs"}) {
+      (*object)[key + zero] = "of no meaning";
+    }
+  }
+  const std::vector<Trigger_Config> configs = parse_configs(configuration({trigger}));
+
+  ASSERT_EQ(ids(configs), ids(plain));
+  EXPECT_EQ(configs[0].name, "gate");
+  EXPECT_TRUE(configs[0].options.any_time);
+  EXPECT_THAT(configs[0].tags.camera, IsEmpty());
+  ASSERT_EQ(configs[0].sources.size(), 1);
+  EXPECT_EQ(configs[0].sources.begin()->activity_duration->min_duration,
+            plain[0].sources.begin()->activity_duration->min_duration);
+
+  trigger.removeMember("id");
+  EXPECT_EQ(error_of(trigger), bad_id);
+}
+
 TEST_F(Parse_Trigger_Configs, keeps_the_order_of_the_document) {
   EXPECT_THAT(ids(parse_configs(configuration({a_trigger(3), a_trigger(1), a_trigger(2)}))),
               ElementsAre(3, 1, 2));

@@ -30,11 +30,28 @@ std::shared_ptr<Database> open_as_found(const Options& options) {
   return database;
 }
 
-Read_Inventory read_for(const std::shared_ptr<Database>& database,
-                        const embedded_server::Json_Document& document) {
-  const auto stored = holds_site(database) ? embedded_server::load_inventory_references(database)
-                                           : embedded_server::Inventory_References();
-  return embedded_server::read_inventory(document, stored, database);
+Read_Inventory read_for_new_site(const embedded_server::Json_Document& document,
+                                 const std::shared_ptr<Database>& database) {
+  return embedded_server::read_inventory(document, {}, database);
+}
+
+Read_Inventory read_for_site(const embedded_server::Json_Document& document,
+                             const std::shared_ptr<Database>& database) {
+  return embedded_server::read_inventory(
+      document, embedded_server::load_inventory_references(database), database);
+}
+
+/// Reads the document again in the transaction that stores it: since the first look, another
+/// process may have stored what it runs into.
+Read_Inventory store(const Options& options, const embedded_server::Json_Document& document,
+                     const std::shared_ptr<Database>& database) {
+  Read_Inventory read;
+  embedded_server::store_inventory(database, [&]() -> const Inventory* {
+    database->require_owner(options.server_id);
+    read = read_for_site(document, database);
+    return read.faults.empty() ? &read.inventory : nullptr;
+  });
+  return read;
 }
 
 Json::Value counts(const Inventory& inventory) {
@@ -70,25 +87,34 @@ void print_stored(const Options& options, const Inventory& inventory) {
   std::cout << fmt::format("Stored: {}.\n", fmt::join(records, ", "));
 }
 
+Exit_Status reject(const Options& options, const std::string& inventory_path,
+                   const embedded_server::Json_Document& document, const Read_Inventory& read) {
+  std::vector<Located_Fault> faults;
+  for (const embedded_server::Document_Fault& fault : read.faults) {
+    faults.push_back({"inventory", inventory_path, fault, document.line(fault.location.line),
+                      std::nullopt, std::nullopt});
+  }
+  print_faults(options, faults);
+  return exit_rejected;
+}
+
 }  // namespace
 
 Exit_Status init(const Options& options, const std::string& inventory_path) {
   const auto document = read_input("inventory", inventory_path);
   auto database = open_as_found(options);
-  const Read_Inventory read = read_for(database, document);
-  if (!read.faults.empty()) {
-    std::vector<Located_Fault> faults;
-    for (const embedded_server::Document_Fault& fault : read.faults) {
-      faults.push_back({"inventory", inventory_path, fault, document.line(fault.location.line),
-                        std::nullopt, std::nullopt});
+  const bool is_new = !holds_site(database);
+  Read_Inventory read =
+      is_new ? read_for_new_site(document, database) : read_for_site(document, database);
+  if (read.faults.empty()) {
+    if (is_new) {
+      database = Database::open(options.database, Database::Open_Mode::create_if_absent);
     }
-    print_faults(options, faults);
-    return exit_rejected;
+    read = store(options, document, database);
   }
-  if (!holds_site(database)) {
-    database = Database::open(options.database, Database::Open_Mode::create_if_absent);
+  if (!read.faults.empty()) {
+    return reject(options, inventory_path, document, read);
   }
-  embedded_server::store_inventory(database, read.inventory);
   print_stored(options, read.inventory);
   return exit_done;
 }

@@ -130,9 +130,11 @@ class Linked_Records {
     }
   }
 
-  /// Takes away the records that `goes` says yes to, their links with them; `before` is told each.
+  /// Takes away the records that `goes` says yes to, which held nothing when they were handed over
+  /// last; `before` is told each.
   template <class Goes, class Before>
   void erase_if(Goes goes, Before before) {
+    tidy_all();  // no list may lead to a record that is gone
     for (auto place = entries_.begin(); place != entries_.end();) {
       const std::shared_ptr<Record> record = place->second.record;
       if (!goes(*record)) {
@@ -140,7 +142,6 @@ class Linked_Records {
         continue;
       }
       before(record);
-      release_links(place->second);
       place = entries_.erase(place);
     }
   }
@@ -236,19 +237,6 @@ class Linked_Records {
       const std::uint64_t trigger_id = *untidy_.begin();
       tidy(trigger_id, holders_[trigger_id]);
     }
-  }
-
-  void release_links(const Entry& entry) {
-    tidy_all();  // no list may lead to a record that is gone
-    for (const std::uint64_t trigger_id : held_ids(*entry.record)) {
-      journal_.note_removed(entry.record->id, trigger_id);
-      forget_holder(trigger_id, &entry);
-    }
-  }
-
-  void forget_holder(std::uint64_t trigger_id, const Entry* entry) {
-    Entry_List& entries = holders_[trigger_id];
-    entries.erase(std::remove(entries.begin(), entries.end(), entry), entries.end());
   }
 
   std::map<std::uint64_t, Entry> entries_;

@@ -71,8 +71,13 @@ std::vector<std::uint64_t> held_ids(const eta_camera& record) {
   return ids;
 }
 
-bool holds_any_of(const metadata_event_subscription& record,
-                  const std::set<std::uint64_t>& trigger_ids) {
+bool held_any_when_stored(const metadata_event_subscription& record,
+                          const std::set<std::uint64_t>& trigger_ids) {
+  const Trigger_Link_Changes& changes = record.link_changes;
+  if (!changes.added.empty() || !changes.removed.empty()) {
+    return std::any_of(trigger_ids.begin(), trigger_ids.end(),
+                       [&](std::uint64_t id) { return held_when_stored(record, id); });
+  }
   return std::any_of(record.trigger_links.begin(), record.trigger_links.end(),
                      [&](const auto& link) { return trigger_ids.count(id_of(link)) != 0; });
 }

@@ -32,9 +32,9 @@ bool held_when_stored(const Record& record, std::uint64_t trigger_id) {
 std::vector<std::uint64_t> held_ids(const metadata_event_subscription& record);
 std::vector<std::uint64_t> held_ids(const eta_camera& record);
 
-/// Whether the subscription holds at least one of them.
-bool holds_any_of(const metadata_event_subscription& record,
-                  const std::set<std::uint64_t>& trigger_ids);
+/// Whether the subscription held at least one of them when it was last handed over.
+bool held_any_when_stored(const metadata_event_subscription& record,
+                          const std::set<std::uint64_t>& trigger_ids);
 
 /// Whether the record held no trigger when it was last handed over.
 bool held_nothing_when_stored(const metadata_event_subscription& record);

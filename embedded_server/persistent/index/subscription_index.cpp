@@ -190,7 +190,7 @@ Subscription_Index::List Subscription_Index::holding_none_of(
     const std::set<std::uint64_t>& live_trigger_ids) {
   List found;
   for (const auto& [id, entry] : records_.all()) {
-    if (is_topic_kind(*entry.record) && !holds_any_of(*entry.record, live_trigger_ids)) {
+    if (is_topic_kind(*entry.record) && !held_any_when_stored(*entry.record, live_trigger_ids)) {
       found.push_back(entry.record);
     }
   }

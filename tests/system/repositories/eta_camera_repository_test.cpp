@@ -229,6 +229,18 @@ TEST_P(ETA_Camera_Repository_Contract, deletes_the_records_of_deleted_triggers) 
   });
 }
 
+TEST_P(ETA_Camera_Repository_Contract, deletes_a_record_whose_new_trigger_was_never_handed_over) {
+  site.given_camera(10);
+  const auto joining = given_trigger(8);
+  given_eta_camera(10, {});
+  eta_cameras().get_by_camera_id(10)->add_trigger(joining);
+
+  eta_cameras().delete_stale();
+
+  reopen();
+  EXPECT_THAT(all_eta_cameras(), IsEmpty());
+}
+
 TEST_P(ETA_Camera_Repository_Contract, replaces_a_deleted_record_by_a_new_one) {
   site.given_camera(10);
   given_trigger(7);

@@ -1,5 +1,7 @@
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -43,6 +45,13 @@ class File_Locks : public testing::Test, public Database_Fixture {
   }
 
   std::string lock_file() const { return location() + ".lock"; }
+
+  bool somebody_holds_the_lock() const {
+    const int descriptor = ::open(lock_file().c_str(), O_RDWR);
+    const bool held = flock(descriptor, LOCK_EX | LOCK_NB) != 0;
+    ::close(descriptor);
+    return held;
+  }
 };
 
 TEST_F(File_Locks, that_cannot_be_opened_fail_a_pass) {
@@ -64,6 +73,17 @@ TEST_F(File_Locks, that_the_system_refuses_fail_a_pass) {
             "database " + location() + ": cannot lock " + lock_file() + ": No locks available");
 
   EXPECT_EQ(complaint_of_a_pass(), "no complaint");
+}
+
+TEST_F(File_Locks, are_held_from_the_look_at_a_site_to_the_storing_of_its_inventory) {
+  bool held = false;
+  embedded_server::store_inventory(database(), [&]() -> const embedded_server::Inventory* {
+    held = somebody_holds_the_lock();
+    return nullptr;
+  });
+
+  EXPECT_TRUE(held);
+  EXPECT_FALSE(somebody_holds_the_lock());
 }
 
 TEST_F(File_Locks, are_asked_for_again_after_a_signal) {

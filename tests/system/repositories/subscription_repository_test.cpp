@@ -379,6 +379,22 @@ TEST_P(Subscription_Repository_Contract, calls_topic_subscriptions_without_live_
   });
 }
 
+TEST_P(Subscription_Repository_Contract, calls_stale_what_was_so_when_it_was_handed_over_last) {
+  site.given_camera(10);
+  const auto joining = given_trigger(7);
+  const auto leaving = given_trigger(8);
+  given_topic_subscription(10, "a", {});
+  given_topic_subscription(10, "b", {8});
+  subscription_of_id(1)->add_trigger(joining);
+  subscription_of_id(2)->remove_trigger(leaving);
+
+  EXPECT_THAT(ids_of(subscriptions().get_stale({7, 8})), ElementsAre(1));
+  subscriptions().delete_stale();
+
+  reopen();
+  EXPECT_THAT(ids_of(subscriptions().get_stale({})), ElementsAre(2));
+}
+
 TEST_P(Subscription_Repository_Contract, deletes_exactly_what_it_called_stale) {
   site.given_camera(10);
   site.given_camera(11);
