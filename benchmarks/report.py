@@ -68,6 +68,10 @@ GROWTHS = (
 )
 
 
+GROWTH_NOTE = """n is the number of links; with the topics, the documents that say what each camera offers grow as well, which it leaves
+out. Times of a few milliseconds vary by half from run to run."""
+
+
 def growth(figures):
     """By what each scenario's time and memory grow from a site to a larger one, beside n log n of the links."""
     scenarios = ("first apply", "unchanged refresh", "one trigger changed")
@@ -145,7 +149,7 @@ def figures_section(sqlite, postgresql, library, instructions):
     return "\n".join([BEGIN, "", f"Measured {datetime.date.today()} on {machine}; medians of "
                       f"{len(sqlite[0]['seconds'])} runs.", "", "![seconds by links](performance.svg)", "",
                       "### Against the targets (SQLite, 10^6 links)", "", *targets(sqlite, library, instructions), "",
-                      "### Growth (SQLite), by how many times", "", *growth(sqlite), "",
+                      "### Growth (SQLite), by how many times", "", GROWTH_NOTE, "", *growth(sqlite), "",
                       "### SQLite", "", *table(sqlite), "", "### PostgreSQL (over a socket)", "",
                       *(table(postgresql, True) if postgresql else ["Not measured in this run."]), "", END])
 
