@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "embedded_server/persistent/engine/row_changes.h"
 #include "embedded_server/persistent/engine/row_writer.h"
 #include "embedded_server/persistent/index/row_reader.h"
 #include "embedded_server/persistent/pass/join_pass.h"
@@ -11,44 +12,23 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-bool same_row(const rows::Subscription_Camera&, const rows::Subscription_Camera&) {
-  return true;
-}
-bool same_row(const rows::Meta_Type&, const rows::Meta_Type&) {
-  return true;
-}
-template <class Tag_Row>
-bool same_row(const Tag_Row& left, const Tag_Row& right) {
-  return left.value == right.value;
-}
-
-/// Makes `wanted` the rows that `is_replaced` says yes to, touching none that stays as it is.
+/// Makes `wanted` the rows that `is_replaced` says yes to. Changed ones go and come again: no index
+/// that an engine could replace them by holds names of every length.
 template <class Row, class Is_Replaced>
-void replace_rows(Engine& engine, const char* key_columns, const std::vector<Row>& wanted,
+void replace_rows(Engine& engine, const char* key_columns, std::vector<Row> wanted,
                   Is_Replaced is_replaced) {
-  using Key = decltype(Row::key);
-  std::map<Key, Row> present;
+  std::vector<Row> present;
   for_each_row<Row>(engine.odb(), key_columns, [&](const Row& row) {
     if (is_replaced(row.key)) {
-      present.emplace(row.key, row);
+      present.push_back(row);
     }
   });
-  std::vector<Row> changed;
-  for (const Row& row : wanted) {
-    const auto found = present.find(row.key);
-    if (found != present.end() && same_row(found->second, row)) {
-      present.erase(found);
-    } else {
-      changed.push_back(row);
-    }
-  }
-  std::vector<Row> gone;
-  gone.reserve(present.size());
-  for (const auto& [key, row] : present) {
-    gone.push_back(row);
-  }
-  engine.rows().erase(gone);
-  engine.rows().insert(changed);
+  Row_Changes<Row> changes;
+  append_difference(std::move(present), std::move(wanted), changes);
+  engine.rows().erase(changes.deleted);
+  engine.rows().erase(changes.changed);
+  engine.rows().insert(changes.changed);
+  engine.rows().insert(changes.added);
 }
 
 /// The tags of records of one kind; a tag is in the order of its record and name.
@@ -65,7 +45,7 @@ void replace_tags(Engine& engine, const Records& records) {
       wanted.push_back(std::move(row));
     }
   }
-  replace_rows<Row>(engine, "record_id, name", wanted,
+  replace_rows<Row>(engine, "record_id, name", std::move(wanted),
                     [&ids](const rows::Tag_Key& key) { return ids.count(key.record_id) != 0; });
 }
 
@@ -153,7 +133,7 @@ void store_subscriptions(Engine& engine, const std::vector<Inventory::Subscripti
   }
   engine.rows().put(records);
   replace_tags<rows::Subscription_Tag>(engine, given);
-  replace_rows(engine, "record_id, linked_id", cameras,
+  replace_rows(engine, "record_id, linked_id", std::move(cameras),
                [&ids](const rows::Link& key) { return ids.count(key.record_id) != 0; });
 }
 
@@ -164,7 +144,7 @@ void store_object_types(Engine& engine, const std::map<std::string, std::set<std
       wanted.push_back({{name, type}});
     }
   }
-  replace_rows(engine, "name, type", wanted,
+  replace_rows(engine, "name, type", std::move(wanted),
                [&given](const rows::Meta_Type_Key& key) { return given.count(key.name) != 0; });
 }
 

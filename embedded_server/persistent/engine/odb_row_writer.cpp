@@ -2,6 +2,7 @@
 
 #include <odb/database.hxx>
 
+#include "embedded_server/persistent/engine/tables.h"
 #include "records-odb.h"
 #include "rows-odb.h"
 
@@ -9,10 +10,7 @@ namespace kuv::vemora::embedded_server {
 namespace {
 
 template <class Row>
-using Key_Of = typename odb::object_traits<Row>::id_type;
-
-template <class Row>
-Key_Of<Row> key_of(const Row& row) {
+auto id_of(const Row& row) {
   return odb::object_traits<Row>::id(row);
 }
 
@@ -31,10 +29,10 @@ void ODB_Row_Writer::put_all(const Batch& batch) {
   const auto put = [this](const auto* rows) {
     typename std::decay_t<decltype(*rows)>::value_type present;
     for (const auto& row : *rows) {
-      if (database_.find(key_of(row), present)) {
-        database_.update(row);
-      } else {
+      if (!database_.find(id_of(row), present)) {
         database_.persist(row);
+      } else if (!same_row(present, row)) {
+        database_.update(row);
       }
     }
   };
@@ -45,7 +43,7 @@ void ODB_Row_Writer::erase_all(const Batch& batch) {
   const auto erase = [this](const auto* rows) {
     using Row = typename std::decay_t<decltype(*rows)>::value_type;
     for (const Row& row : *rows) {
-      database_.erase<Row>(key_of(row));
+      database_.erase<Row>(id_of(row));
     }
   };
   std::visit(erase, batch);

@@ -11,7 +11,7 @@
 
 #include "embedded_server/persistent/engine/postgresql_arrays.h"
 #include "embedded_server/persistent/engine/postgresql_connections.h"
-#include "embedded_server/persistent/engine/postgresql_tables.h"
+#include "embedded_server/persistent/engine/tables.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -116,16 +116,21 @@ auto all_columns() {
 
 template <class Row>
 std::string insert_statement() {
-  return fmt::format("INSERT INTO {} ({}) SELECT * FROM {}", Table<Row>::name,
+  return fmt::format("INSERT INTO {} AS stored ({}) SELECT * FROM {}", Table<Row>::name,
                      list(all_columns<Row>(), "{}"), unnested<Row>(all_columns<Row>()));
 }
 
 template <class Row>
 std::string put_statement() {
-  const std::string replaced = list(Table<Row>::others, "{0} = excluded.{0}");
-  return fmt::format("{} ON CONFLICT ({}) DO {}", insert_statement<Row>(),
-                     list(Table<Row>::keys, "{}"),
-                     replaced.empty() ? "NOTHING" : "UPDATE SET " + replaced);
+  const std::string on_conflict =
+      fmt::format("{} ON CONFLICT ({}) DO", insert_statement<Row>(), list(Table<Row>::keys, "{}"));
+  constexpr auto& others = Table<Row>::others;
+  if (std::tuple_size_v<std::decay_t<decltype(others)>> == 0) {
+    return on_conflict + " NOTHING";
+  }
+  return fmt::format("{} UPDATE SET {} WHERE ({}) IS DISTINCT FROM ({})", on_conflict,
+                     list(others, "{0} = excluded.{0}"), list(others, "stored.{}"),
+                     list(others, "excluded.{}"));
 }
 
 template <class Row>

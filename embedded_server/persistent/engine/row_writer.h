@@ -27,7 +27,8 @@ class Row_Writer {
     }
   }
 
-  /// Adds rows, or replaces those with their keys.
+  /// Adds rows, or replaces those with their keys; one that is there as it is stays untouched. Not
+  /// for tables with texts in their keys, on which not every engine has an index.
   template <class Row>
   void put(const std::vector<Row>& rows) {
     if (!rows.empty()) {

@@ -24,8 +24,6 @@ bool same_schedule(const Trigger_Mapping_Entry& left, const Trigger_Mapping_Entr
   return left.schedule->id == right.schedule->id;
 }
 
-}  // namespace
-
 bool same_sources(const std::set<Trigger_Source>& left, const std::set<Trigger_Source>& right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(), same_source);
 }
@@ -34,6 +32,8 @@ bool same_schedules(const std::set<Trigger_Mapping_Entry>& left,
                     const std::set<Trigger_Mapping_Entry>& right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(), same_schedule);
 }
+
+}  // namespace
 
 bool same_values(const trigger& left, const trigger& right) {
   return left.name == right.name && same_sources(left.sources, right.sources) &&

@@ -3,8 +3,8 @@
 #include <odb/database.hxx>
 
 #include "embedded_server/persistent/engine/engine.h"
+#include "embedded_server/persistent/engine/row_changes.h"
 #include "embedded_server/persistent/engine/row_writer.h"
-#include "embedded_server/persistent/index/trigger_values.h"
 #include "embedded_server/persistent/mapping/source_row.h"
 #include "embedded_server/persistent/pass/pending_cameras.h"
 #include "records-odb.h"
@@ -13,80 +13,69 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// The rows of the triggers that a pass wrote, table by table.
+/// What a pass changed in the tables of triggers.
 struct Trigger_Rows {
-  std::vector<trigger> added;
-  std::vector<trigger> renamed;
-  std::vector<trigger> deleted;
-  std::vector<rows::Trigger_Source_Row> sources_added;
-  std::vector<rows::Trigger_Source_Row> sources_deleted;
-  std::vector<rows::Trigger_Schedule> schedules_added;
-  std::vector<rows::Trigger_Schedule> schedules_deleted;
+  Row_Changes<trigger> triggers;
+  Row_Changes<rows::Trigger_Source_Row> sources;
+  Row_Changes<rows::Trigger_Schedule> schedules;
 };
 
-/// The columns of a trigger's own row.
-trigger plain(const trigger& record) {
+/// The row of a trigger that is there, with its own columns only.
+std::vector<trigger> own_row(const trigger* record) {
+  if (record == nullptr) {
+    return {};
+  }
   trigger row;
-  row.id = record.id;
-  row.name = record.name;
-  return row;
+  row.id = record->id;
+  row.name = record->name;
+  return {row};
 }
 
-void append_sources(const trigger& record, std::vector<rows::Trigger_Source_Row>& to) {
-  std::uint32_t position = 0;
-  for (const Trigger_Source& source : record.sources) {
-    to.push_back(rows::to_row(record.id, position++, source));
+std::vector<rows::Trigger_Source_Row> source_rows(const trigger* record) {
+  std::vector<rows::Trigger_Source_Row> sources;
+  if (record != nullptr) {
+    std::uint32_t position = 0;
+    for (const Trigger_Source& source : record->sources) {
+      sources.push_back(rows::to_row(record->id, position++, source));
+    }
   }
+  return sources;
 }
 
-void append_schedules(const trigger& record, std::vector<rows::Trigger_Schedule>& to) {
-  for (const Trigger_Mapping_Entry& entry : record.schedules) {
-    to.push_back({{record.id, entry.schedule->id}});
+std::vector<rows::Trigger_Schedule> schedule_rows(const trigger* record) {
+  std::vector<rows::Trigger_Schedule> schedules;
+  if (record != nullptr) {
+    for (const Trigger_Mapping_Entry& entry : record->schedules) {
+      schedules.push_back({{record->id, entry.schedule->id}});
+    }
   }
+  return schedules;
 }
 
-void append_update(const trigger& stored, const trigger& now, Trigger_Rows& to) {
-  if (stored.name != now.name) {
-    to.renamed.push_back(plain(now));
+Trigger_Rows trigger_rows(const Site_Index::Net_Changes& net) {
+  Trigger_Rows rows;
+  for (const auto& [id, change] : net.triggers) {
+    const trigger* const stored = change.stored.get();
+    const trigger* const now = change.now.get();
+    append_difference(own_row(stored), own_row(now), rows.triggers);
+    append_difference(source_rows(stored), source_rows(now), rows.sources);
+    append_difference(schedule_rows(stored), schedule_rows(now), rows.schedules);
   }
-  if (!same_sources(stored.sources, now.sources)) {
-    append_sources(stored, to.sources_deleted);
-    append_sources(now, to.sources_added);
-  }
-  if (!same_schedules(stored.schedules, now.schedules)) {
-    append_schedules(stored, to.schedules_deleted);
-    append_schedules(now, to.schedules_added);
-  }
-}
-
-void append_trigger(const Trigger_Index::Change& change, Trigger_Rows& to) {
-  if (!change.now) {
-    to.deleted.push_back(plain(*change.stored));
-    append_sources(*change.stored, to.sources_deleted);
-    append_schedules(*change.stored, to.schedules_deleted);
-  } else if (!change.stored) {
-    to.added.push_back(plain(*change.now));
-    append_sources(*change.now, to.sources_added);
-    append_schedules(*change.now, to.schedules_added);
-  } else {
-    append_update(*change.stored, *change.now, to);
-  }
+  return rows;
 }
 
 void write_triggers(Row_Writer& writer, const Site_Index::Net_Changes& net) {
-  Trigger_Rows rows;
-  for (const auto& [id, change] : net.triggers) {
-    append_trigger(change, rows);
-  }
+  const Trigger_Rows rows = trigger_rows(net);
   writer.erase(net.strays.sources);
   writer.erase(net.strays.schedules);
-  writer.erase(rows.sources_deleted);
-  writer.erase(rows.schedules_deleted);
-  writer.erase(rows.deleted);
-  writer.put(rows.renamed);
-  writer.insert(rows.added);
-  writer.insert(rows.sources_added);
-  writer.insert(rows.schedules_added);
+  writer.erase(rows.sources.deleted);
+  writer.erase(rows.schedules.deleted);
+  writer.erase(rows.triggers.deleted);
+  writer.put(rows.triggers.changed);
+  writer.put(rows.sources.changed);
+  writer.insert(rows.triggers.added);
+  writer.insert(rows.sources.added);
+  writer.insert(rows.schedules.added);
 }
 
 template <class Row>

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <tuple>
+#include <type_traits>
 
 #include "vemora/embedded_server/persistent/mapping/rows.h"
 #include "vemora/platform/records/camera.h"
@@ -11,7 +13,8 @@
 
 namespace kuv::vemora::embedded_server {
 
-// The tables as statements over many rows name them. ODB maps the same rows one at a time.
+// The columns of each table, for what is done alike with the rows of all: comparing them, and
+// statements over many. ODB maps the same rows one at a time.
 
 /// A column, and what of a row stands in it (a member, or a function of the row).
 template <class Get>
@@ -174,5 +177,26 @@ struct Table<rows::Pending_Camera> {
       std::make_tuple(column("camera_id", &rows::Pending_Camera::camera_id));
   static constexpr auto others = std::make_tuple();
 };
+
+/// What stands in those columns of a row, a tuple.
+template <class Row, class Columns>
+auto values_of(const Row& row, const Columns& columns) {
+  const auto values = [&row](const auto&... each) {
+    return std::tuple<std::invoke_result_t<decltype(each.get), const Row&>...>(
+        std::invoke(each.get, row)...);
+  };
+  return std::apply(values, columns);
+}
+
+template <class Row>
+auto key_of(const Row& row) {
+  return values_of(row, Table<Row>::keys);
+}
+
+/// Whether two rows of one key are the same.
+template <class Row>
+bool same_row(const Row& left, const Row& right) {
+  return values_of(left, Table<Row>::others) == values_of(right, Table<Row>::others);
+}
 
 }  // namespace kuv::vemora::embedded_server
