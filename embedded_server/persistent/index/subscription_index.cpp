@@ -54,16 +54,15 @@ Subscription_Index::Subscription_Index(odb::database& database, const Camera_Ind
 }
 
 void Subscription_Index::load_records(odb::database& database) {
-  std::unordered_map<std::uint64_t, std::shared_ptr<metadata_event_category>> categories;
   for_each_row<metadata_event_category>(database, "id", [&](const metadata_event_category& row) {
-    categories.emplace(row.id, std::make_shared<metadata_event_category>(row));
+    categories_.emplace(row.id, std::make_shared<metadata_event_category>(row));
   });
   for_each_row<rows::Subscription>(database, "id", [&](const rows::Subscription& row) {
     auto record = std::make_shared<Record>();
     record->id = row.id;
     record->name = row.name;
     if (row.category_id) {
-      record->category = link_to(database, categories[*row.category_id], *row.category_id);
+      record->category = link_to(database, category(*row.category_id), *row.category_id);
     }
     record->onvif_topic = row.onvif_topic;
     if (row.camera_id) {
@@ -197,15 +196,28 @@ Subscription_Index::List Subscription_Index::holding_none_of(
   return found;
 }
 
+std::shared_ptr<metadata_event_category> Subscription_Index::category(std::uint64_t id) const {
+  const auto found = categories_.find(id);
+  return found == categories_.end() ? nullptr : found->second;
+}
+
+bool Subscription_Index::references_are_stored(const Record& record) const {
+  const std::vector<std::uint64_t> triggers = record.trigger_ids();
+  std::set<std::uint64_t> further;
+  const auto is_stored_once = [&](const odb::lazy_shared_ptr<camera>& link) {
+    return link && cameras_.find(link.object_id()) && further.insert(link.object_id()).second;
+  };
+  return cameras_.find(record.camera_id()) &&
+         (!record.category || category(record.category.object_id())) &&
+         std::all_of(triggers.begin(), triggers.end(),
+                     [this](std::uint64_t id) { return triggers_.contains(id); }) &&
+         std::all_of(record.camera_links.begin(), record.camera_links.end(), is_stored_once);
+}
+
 bool Subscription_Index::add(const std::shared_ptr<Record>& added) {
-  if (!added->camera || !added->onvif_topic || !cameras_.find(added->camera_id()) ||
+  if (!added->camera || !added->onvif_topic || !references_are_stored(*added) ||
       exists(added->camera_id(), *added->onvif_topic)) {
     return false;
-  }
-  for (const std::uint64_t trigger_id : added->trigger_ids()) {
-    if (!triggers_.contains(trigger_id)) {
-      return false;
-    }
   }
   added->id = ids_.allocate(
       [this](std::uint64_t id) { return records_.find(id) != nullptr || deleted_.count(id) != 0; });

@@ -73,6 +73,10 @@ class Subscription_Index {
   void load_cameras(odb::database& database);
   void enter(Entry& entry);
 
+  /// Null where the site has none with this id.
+  std::shared_ptr<metadata_event_category> category(std::uint64_t id) const;
+  bool references_are_stored(const Record& record) const;
+
   Records::Entry_List candidates(const Query& query);
   Records::Entry_List candidates_by_topic(const Query& query) const;
   Records::Entry_List candidates_by_tag(const Query& query) const;
@@ -80,6 +84,7 @@ class Subscription_Index {
 
   const Camera_Index& cameras_;
   const Trigger_Index& triggers_;
+  std::unordered_map<std::uint64_t, std::shared_ptr<metadata_event_category>> categories_;
   Id_Allocator ids_;
   Records records_;
   std::unordered_map<std::string, Entries_By_Camera> by_topic_;

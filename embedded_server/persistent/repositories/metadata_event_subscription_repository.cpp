@@ -1,10 +1,22 @@
 #include "vemora/platform/repositories/metadata_event_subscription_repository.h"
 
+#include <algorithm>
+
 #include "embedded_server/persistent/pass/join_pass.h"
 #include "embedded_server/persistent/repositories/sub_repositories.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
+
+/// Whether the engine takes every text of the record.
+bool fits(Engine& engine, const metadata_event_subscription& record) {
+  const auto tag_fits = [&engine](const Tag_Entry& tag) {
+    return engine.can_hold({tag.name, tag.info.value.value_or("")});
+  };
+  const std::string topic = record.onvif_topic.value_or("");
+  return engine.can_hold({record.name, topic}) &&
+         std::all_of(record.tags.begin(), record.tags.end(), tag_fits);
+}
 
 class Stored_Subscriptions : public Metadata_Event_Subscription_Repository {
  public:
@@ -13,8 +25,7 @@ class Stored_Subscriptions : public Metadata_Event_Subscription_Repository {
 
   bool add(const std::shared_ptr<metadata_event_subscription>& added) override {
     return write(database_, [&](Site_Index& site) {
-      const std::string topic = added->onvif_topic.value_or("");
-      return database_->engine().can_hold({added->name, topic}) && site.subscriptions().add(added);
+      return fits(database_->engine(), *added) && site.subscriptions().add(added);
     });
   }
 

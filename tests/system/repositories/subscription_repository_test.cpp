@@ -134,6 +134,48 @@ TEST_P(Subscription_Repository_Contract,
   EXPECT_TRUE(subscriptions().add(a_topic_subscription(10, "", {7})));  // that is a topic too
 }
 
+TEST_P(Subscription_Repository_Contract, refuses_a_subscription_with_details_that_are_not_stored) {
+  site.given_camera(10);
+  site.given_category(5, "doors");
+  given_trigger(7);
+  const auto of_category = [this](std::uint64_t id) {
+    auto record = a_topic_subscription(10, "a", {7});
+    record->category = std::make_shared<metadata_event_category>(metadata_event_category{id, "c"});
+    return record;
+  };
+  const auto with_further_cameras = [this](std::initializer_list<std::uint64_t> ids) {
+    auto record = a_topic_subscription(10, "b", {7});
+    for (const std::uint64_t id : ids) {
+      record->camera_links.emplace_back(camera_of_id(id));
+    }
+    return record;
+  };
+
+  EXPECT_FALSE(subscriptions().add(of_category(6)));
+  EXPECT_FALSE(subscriptions().add(with_further_cameras({10, 11})));
+  EXPECT_FALSE(subscriptions().add(with_further_cameras({10, 10})));
+  EXPECT_TRUE(subscriptions().add(of_category(5)));
+  EXPECT_TRUE(subscriptions().add(with_further_cameras({10})));
+
+  now_and_after_reopening([this] { EXPECT_EQ(all_subscriptions().size(), 2U); });
+}
+
+TEST_P(Subscription_Repository_Contract, refuses_a_subscription_with_a_tag_that_cannot_be_stored) {
+  site.given_camera(10);
+  given_trigger(7);
+  const auto with_tag = [this](const std::string& topic, const std::string& name) {
+    auto record = a_topic_subscription(10, topic, {7});
+    record->tags.insert({name, {}});
+    return record;
+  };
+
+  EXPECT_TRUE(subscriptions().add(with_tag("a", "door")));
+  EXPECT_EQ(subscriptions().add(with_tag("b", "\xff")), engine().takes_any_bytes);
+
+  reopen();
+  EXPECT_EQ(all_subscriptions().size(), engine().takes_any_bytes ? 2U : 1U);
+}
+
 TEST_P(Subscription_Repository_Contract, refuses_a_subscription_with_a_trigger_that_is_not_stored) {
   site.given_camera(10);
   given_trigger(7);
