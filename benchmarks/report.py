@@ -171,7 +171,8 @@ def write_page(sqlite_path, postgresql_path, library_path, instructions_path, fo
 def print_tables(sqlite_path, postgresql_path):
     print("\n".join(["### Growth (SQLite), by how many times", "", *growth(read(sqlite_path)), ""]))
     for engine, path in (("SQLite", sqlite_path), ("PostgreSQL", postgresql_path)):
-        print("\n".join([f"### {engine}", "", *table(read(path), engine == "PostgreSQL"), ""]))
+        if figures := read(path):
+            print("\n".join([f"### {engine}", "", *table(figures, engine == "PostgreSQL"), ""]))
 
 
 if __name__ == "__main__":

@@ -234,8 +234,8 @@ Site_Size size_of(const std::string& argument) {
 }
 
 int run(const std::vector<std::string>& arguments) {
-  if (arguments.size() < 3) {
-    std::cerr << "whole_passes FOLDER|URL-PREFIX REPETITIONS SIZE...\n";
+  if (arguments.size() < 2) {
+    std::cerr << "whole_passes FOLDER|URL-PREFIX REPETITIONS [SIZE...]\n";
     return 64;
   }
   kuv::logging::log_to(std::cerr, std::nullopt);
