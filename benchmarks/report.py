@@ -65,6 +65,7 @@ GROWTHS = (
     ("cameras", "1000 cameras, 10 triggers, 4 topics", "10000 cameras, 10 triggers, 4 topics"),
     ("triggers", "10 cameras, 1000 triggers, 4 topics", "10 cameras, 10000 triggers, 4 topics"),
     ("topics", "10 cameras, 100 triggers, 100 topics", "10 cameras, 100 triggers, 1000 topics"),
+    ("triggers of one subscription", "1 cameras, 1000 triggers, 1 topics", "1 cameras, 10000 triggers, 1 topics"),
 )
 
 
