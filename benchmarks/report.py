@@ -1,7 +1,7 @@
 """Writes docs/performance.md and its plot from what the benchmarks printed, or prints the tables alone.
 
-    report.py page SQLITE.json POSTGRESQL.json LIBRARY.json INSTRUCTIONS.json FOLDER
-    report.py tables SQLITE.json POSTGRESQL.json
+    report.py page SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json FOLDER
+    report.py tables SQLITE.json POSTGRESQL.json PASSES.json
 """
 
 import datetime
@@ -69,21 +69,26 @@ GROWTHS = (
 )
 
 
-GROWTH_NOTE = """n is the number of links; with the topics, the documents that say what each camera offers grow as well, which it leaves
-out. Times of a few milliseconds vary by half from run to run."""
+GROWTH_NOTE = """Instructions are exact; times also tell of caches and of memory that the system first hands out, and those of a few
+milliseconds vary by half from run to run. n is the number of links; with the topics, the documents that say what each
+camera offers grow as well, which it leaves out."""
+GROWING = ("first apply", "unchanged refresh", "one trigger changed")
 
 
-def growth(figures):
-    """By what each scenario's time and memory grow from a site to a larger one, beside n log n of the links."""
-    scenarios = ("first apply", "unchanged refresh", "one trigger changed")
-    lines = [row(["what grows", "from", "to", "links", "n log n", *scenarios, "its peak heap"]), row(["---"] * 9)]
+def growth(figures, counted):
+    """By what each scenario's instructions, time and memory grow from a site to a larger one, beside n log n of the links."""
+    head = ["what grows", "from", "to", "links", "n log n", *(f"instructions: {name}" for name in GROWING),
+            *(f"time: {name}" for name in GROWING), "peak heap: unchanged refresh"]
+    lines = [row(head), row(["---"] * len(head))]
     for what, small, large in GROWTHS:
-        pairs = [(find(figures, small, scenario), find(figures, large, scenario)) for scenario in scenarios]
+        pairs = [(find(figures, small, scenario), find(figures, large, scenario)) for scenario in GROWING]
         if not all(first and second for first, second in pairs):
             continue
         before, after = (figure["links"] for figure in pairs[0])
+        instructions = [ratio(counted[large][name], counted[small][name]) if small in counted and large in counted else ""
+                        for name in GROWING]
         lines.append(row([what, small, large, f"{after / before:.1f}",
-                          f"{after * math.log(after) / (before * math.log(before)):.1f}",
+                          f"{after * math.log(after) / (before * math.log(before)):.1f}", *instructions,
                           *(ratio(median(second), median(first)) for first, second in pairs),
                           ratio(pairs[1][1]["peakHeap"], pairs[1][0]["peakHeap"])]))
     return lines
@@ -145,32 +150,32 @@ def plot(figures):
             '<rect width="640" height="370" fill="white"/>' + legend + "".join(axes) + "".join(marks) + "</svg>\n")
 
 
-def figures_section(sqlite, postgresql, library, instructions):
+def figures_section(sqlite, postgresql, library, calls, passes):
     machine = f"{os.cpu_count()} cores, {platform.machine()}, Linux {platform.release()}"
     return "\n".join([BEGIN, "", f"Measured {datetime.date.today()} on {machine}; medians of "
                       f"{len(sqlite[0]['seconds'])} runs.", "", "![seconds by links](performance.svg)", "",
-                      "### Against the targets (SQLite, 10^6 links)", "", *targets(sqlite, library, instructions), "",
-                      "### Growth (SQLite), by how many times", "", GROWTH_NOTE, "", *growth(sqlite), "",
+                      "### Against the targets (SQLite, 10^6 links)", "", *targets(sqlite, library, calls), "",
+                      "### Growth (SQLite), by how many times", "", GROWTH_NOTE, "", *growth(sqlite, passes), "",
                       "### SQLite", "", *table(sqlite), "", "### PostgreSQL (over a socket)", "",
                       *(table(postgresql, True) if postgresql else ["Not measured in this run."]), "", END])
 
 
-def write_page(sqlite_path, postgresql_path, library_path, instructions_path, folder):
+def write_page(sqlite_path, postgresql_path, library_path, calls_path, passes_path, folder):
     sqlite = read(sqlite_path)
     page = os.path.join(folder, "performance.md")
     with open(page, encoding="utf-8") as file:
         text = file.read()
     before, rest = text.split(BEGIN)
     after = rest.split(END)[1]
-    figures = figures_section(sqlite, read(postgresql_path), read(library_path), read(instructions_path))
+    figures = figures_section(sqlite, read(postgresql_path), read(library_path), read(calls_path), read(passes_path))
     with open(page, "w", encoding="utf-8") as file:
         file.write(before + figures + after)
     with open(os.path.join(folder, "performance.svg"), "w", encoding="utf-8") as file:
         file.write(plot(sqlite))
 
 
-def print_tables(sqlite_path, postgresql_path):
-    print("\n".join(["### Growth (SQLite), by how many times", "", *growth(read(sqlite_path)), ""]))
+def print_tables(sqlite_path, postgresql_path, passes_path):
+    print("\n".join(["### Growth (SQLite), by how many times", "", *growth(read(sqlite_path), read(passes_path)), ""]))
     for engine, path in (("SQLite", sqlite_path), ("PostgreSQL", postgresql_path)):
         if figures := read(path):
             print("\n".join([f"### {engine}", "", *table(figures, engine == "PostgreSQL"), ""]))

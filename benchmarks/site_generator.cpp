@@ -3,7 +3,9 @@
 #include <json/writer.h>
 
 #include <algorithm>
+#include <cinttypes>
 #include <cmath>
+#include <cstdio>
 #include <map>
 #include <tuple>
 
@@ -70,8 +72,6 @@ Json::Value make_trigger(std::uint64_t number, const Site_Size& size) {
   return trigger;
 }
 
-}  // namespace
-
 Site_Size site_of_links(std::uint64_t links) {
   Site_Size size;
   const auto side = static_cast<std::uint64_t>(std::llround(std::sqrt(static_cast<double>(links))));
@@ -104,6 +104,20 @@ Site_Size site_of_name(const std::string& name) {
   size.mixed_sources = true;
   size.generic_subscriptions = 20;
   return size;
+}
+
+}  // namespace
+
+Site_Size site_of_text(const std::string& text) {
+  std::uint64_t cameras = 0;
+  std::uint64_t triggers = 0;
+  std::uint64_t topics = 0;
+  if (std::sscanf(text.c_str(), "%" SCNu64 "x%" SCNu64 "x%" SCNu64, &cameras, &triggers, &topics) ==
+      3) {
+    return site_of_axes(cameras, triggers, topics);
+  }
+  const bool number = text.find_first_not_of("0123456789") == std::string::npos;
+  return number ? site_of_links(std::stoull(text)) : site_of_name(text);
 }
 
 Inventory make_inventory(const Site_Size& size) {

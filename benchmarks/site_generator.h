@@ -22,14 +22,12 @@ struct Site_Size {
   std::uint64_t generic_subscriptions = 0;
 };
 
-/// A site with `links` pairs of a trigger and a subscription: every trigger on every camera.
-Site_Size site_of_links(std::uint64_t links);
-
-/// Every trigger on every camera, with one topic each.
-Site_Size site_of_axes(std::uint64_t cameras, std::uint64_t triggers, std::uint64_t topics);
-
-/// "S", "M", "L" or "XL". Throws std::out_of_range for another name.
-Site_Size site_of_name(const std::string& name);
+/// The site that a text stands for:
+///  - a number: as many pairs of a trigger and a subscription, every trigger being on every camera;
+///  - CAMERASxTRIGGERSxTOPICS: every trigger is on every camera, with one topic each;
+///  - S, M, L or XL.
+/// Throws std::out_of_range for another name.
+Site_Size site_of_text(const std::string& text);
 
 vemora::embedded_server::Inventory make_inventory(const Site_Size& size);
 

@@ -1,14 +1,10 @@
 // Times whole passes beside their floors, and prints a JSON array of figures: see scripts/bench.
 //
-//     whole_passes FOLDER|URL-PREFIX REPETITIONS SIZE...
-//
-// A SIZE is S, M, L, XL, a number of links, or CAMERASxTRIGGERSxTOPICS.
+//     whole_passes FOLDER|URL-PREFIX REPETITIONS [SIZE...]
 
 #include <fmt/format.h>
 #include <json/writer.h>
 
-#include <cinttypes>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -221,18 +217,6 @@ class Site_Run {
   Json::Value figures_;
 };
 
-Site_Size size_of(const std::string& argument) {
-  std::uint64_t cameras = 0;
-  std::uint64_t triggers = 0;
-  std::uint64_t topics = 0;
-  if (std::sscanf(argument.c_str(), "%" SCNu64 "x%" SCNu64 "x%" SCNu64, &cameras, &triggers,
-                  &topics) == 3) {
-    return site_of_axes(cameras, triggers, topics);
-  }
-  const bool number = argument.find_first_not_of("0123456789") == std::string::npos;
-  return number ? site_of_links(std::stoull(argument)) : site_of_name(argument);
-}
-
 int run(const std::vector<std::string>& arguments) {
   if (arguments.size() < 2) {
     std::cerr << "whole_passes FOLDER|URL-PREFIX REPETITIONS [SIZE...]\n";
@@ -243,7 +227,7 @@ int run(const std::vector<std::string>& arguments) {
   Place place(arguments[0]);
   Json::Value figures(Json::arrayValue);
   for (std::size_t argument = 2; argument < arguments.size(); ++argument) {
-    Site_Run site(size_of(arguments[argument]), place, std::stoi(arguments[1]));
+    Site_Run site(site_of_text(arguments[argument]), place, std::stoi(arguments[1]));
     for (const Json::Value& figure : site.run()) {
       figures.append(figure);
     }

@@ -15,9 +15,12 @@ std::uint64_t id_of(const odb::lazy_shared_ptr<trigger>& link) {
   return loaded != nullptr ? loaded->id : link.object_id();
 }
 
-/// Where the link to that trigger is, or would be.
+/// Where the link to that trigger is, or would be. Triggers mostly join in the order of their ids.
 template <class Links>
 auto place_of(Links& links, std::uint64_t trigger_id) {
+  if (links.empty() || id_of(links.back()) < trigger_id) {
+    return links.end();
+  }
   return std::lower_bound(links.begin(), links.end(), trigger_id,
                           [](const odb::lazy_shared_ptr<trigger>& link, std::uint64_t wanted) {
                             return id_of(link) < wanted;

@@ -1,0 +1,54 @@
+// Makes a pass of each kind over a site, each in a call of counted_pass, so that their instructions
+// can be counted: see benchmarks/count_instructions.py. Prints the name of the site.
+//
+//     counted_passes DATABASE SIZE
+
+#include <functional>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "benchmarks/pass_runner.h"
+#include "benchmarks/site_generator.h"
+#include "vemora/embedded_server/host/process_heap.h"
+#include "vemora/embedded_server/logging/console.h"
+
+/// Found by this name in the counts.
+extern "C" [[gnu::noinline]] void counted_pass(const std::function<void()>& pass) {
+  pass();
+}
+
+namespace kuv::benchmarks {
+namespace {
+
+int run(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 2) {
+    std::cerr << "counted_passes DATABASE SIZE\n";
+    return 64;
+  }
+  kuv::logging::log_to(std::cerr, std::nullopt);
+  vemora::embedded_server::suit_heap_to_passes();
+  const Site_Size size = site_of_text(arguments[1]);
+  const Json::Value config = make_config(size);
+  const Json::Value changed = with_one_trigger_changed(config, size);
+  Pass_Runner runner(arguments[0]);
+  store_inventory(runner.database(), make_inventory(size));
+
+  counted_pass([&] { runner.update(config, Measuring::time); });
+  counted_pass([&] { runner.refresh(Measuring::time); });
+  counted_pass([&] { runner.update(changed, Measuring::time); });
+  std::cout << size.name << '\n';
+  return 0;
+}
+
+}  // namespace
+}  // namespace kuv::benchmarks
+
+int main(int count, char** arguments) {
+  try {
+    return kuv::benchmarks::run({arguments + 1, arguments + count});
+  } catch (const std::exception& fault) {
+    std::cerr << "counted_passes: " << fault.what() << '\n';
+    return 3;
+  }
+}
