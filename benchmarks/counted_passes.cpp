@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "benchmarks/pass_runner.h"
+#include "benchmarks/run_program.h"
 #include "benchmarks/site_generator.h"
-#include "vemora/embedded_server/host/process_heap.h"
-#include "vemora/embedded_server/logging/console.h"
 
 /// Found by this name in the counts.
 extern "C" [[gnu::noinline]] void counted_pass(const std::function<void()>& pass) {
@@ -26,8 +25,6 @@ int run(const std::vector<std::string>& arguments) {
     std::cerr << "counted_passes DATABASE SIZE\n";
     return 64;
   }
-  kuv::logging::log_to(std::cerr, std::nullopt);
-  vemora::embedded_server::suit_heap_to_passes();
   const Site_Size size = site_of_text(arguments[1]);
   const Json::Value config = make_config(size);
   const Json::Value changed = with_one_trigger_changed(config, size);
@@ -45,10 +42,5 @@ int run(const std::vector<std::string>& arguments) {
 }  // namespace kuv::benchmarks
 
 int main(int count, char** arguments) {
-  try {
-    return kuv::benchmarks::run({arguments + 1, arguments + count});
-  } catch (const std::exception& fault) {
-    std::cerr << "counted_passes: " << fault.what() << '\n';
-    return 3;
-  }
+  return kuv::benchmarks::run_program("counted_passes", count, arguments, kuv::benchmarks::run);
 }

@@ -16,9 +16,8 @@
 #include "benchmarks/pass_runner.h"
 #include "benchmarks/postgresql_floor.h"
 #include "benchmarks/refused_text.h"
+#include "benchmarks/run_program.h"
 #include "benchmarks/site_generator.h"
-#include "vemora/embedded_server/host/process_heap.h"
-#include "vemora/embedded_server/logging/console.h"
 
 namespace kuv::benchmarks {
 namespace {
@@ -222,8 +221,6 @@ int run(const std::vector<std::string>& arguments) {
     std::cerr << "whole_passes FOLDER|URL-PREFIX REPETITIONS [SIZE...]\n";
     return 64;
   }
-  kuv::logging::log_to(std::cerr, std::nullopt);
-  vemora::embedded_server::suit_heap_to_passes();
   Place place(arguments[0]);
   Json::Value figures(Json::arrayValue);
   for (std::size_t argument = 2; argument < arguments.size(); ++argument) {
@@ -240,10 +237,5 @@ int run(const std::vector<std::string>& arguments) {
 }  // namespace kuv::benchmarks
 
 int main(int count, char** arguments) {
-  try {
-    return kuv::benchmarks::run({arguments + 1, arguments + count});
-  } catch (const std::exception& fault) {
-    std::cerr << "whole_passes: " << fault.what() << '\n';
-    return 3;
-  }
+  return kuv::benchmarks::run_program("whole_passes", count, arguments, kuv::benchmarks::run);
 }

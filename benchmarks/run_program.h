@@ -1,0 +1,28 @@
+#pragma once
+
+#include <exception>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vemora/embedded_server/host/process_heap.h"
+#include "vemora/embedded_server/logging/console.h"
+
+namespace kuv::benchmarks {
+
+/// A program that makes passes, set up as every program that does. `run` takes the arguments and
+/// answers the exit status; what it throws is told, and ends the program with 3.
+inline int run_program(std::string_view name, int count, char** arguments,
+                       int (*run)(const std::vector<std::string>&)) {
+  try {
+    kuv::logging::log_to(std::cerr, std::nullopt);
+    vemora::embedded_server::suit_heap_to_passes();
+    return run({arguments + 1, arguments + count});
+  } catch (const std::exception& fault) {
+    std::cerr << name << ": " << fault.what() << '\n';
+    return 3;
+  }
+}
+
+}  // namespace kuv::benchmarks
