@@ -63,7 +63,7 @@ class Proxy:
         with self.lock:
             lines, self.lines = self.lines, []
         for line in lines:
-            line.close()
+            line.hang_up()
 
     def close(self):
         self.listener.close()
@@ -80,6 +80,8 @@ class Line:
         self.client = client
         self.server = server
         self.server_spoke = True
+        self.lock = threading.Lock()
+        self.pumping = 2
 
     def start(self):
         self.pumps = [threading.Thread(target=self.pump, args=arguments, daemon=True)
@@ -101,7 +103,8 @@ class Line:
                 target.sendall(data)
         except OSError:
             pass
-        self.close()
+        self.hang_up()
+        self.close_behind_the_last()
 
     def from_client(self):
         """Whether to go on."""
@@ -122,10 +125,18 @@ class Line:
         self.proxy.on_withheld()
         return False
 
-    def close(self):
-        for end in (self.client, self.server):
-            try:
-                end.shutdown(socket.SHUT_RDWR)
-            except OSError:
-                pass
-            end.close()
+    def hang_up(self):
+        with self.lock:
+            for end in (self.client, self.server):
+                try:
+                    end.shutdown(socket.SHUT_RDWR)
+                except OSError:
+                    pass
+
+    def close_behind_the_last(self):
+        """Not earlier: a number that is closed is given out again, and the other pump still uses it."""
+        with self.lock:
+            self.pumping -= 1
+            if self.pumping == 0:
+                self.client.close()
+                self.server.close()
