@@ -13,20 +13,16 @@
 namespace kuv::vemora {
 namespace {
 
-std::string to_lower(std::string text) {
-  const std::locale locale;
-  const auto& letters = std::use_facet<std::ctype<char>>(locale);
-  for (char& character : text) {
-    character = letters.tolower(character);
-  }
-  return text;
-}
+using Letters = std::ctype<char>;
 
 /// A type that this server does not know is no fault: configurations are shared with newer servers,
 /// and the source is theirs.
-std::optional<Trigger_Source_Type> parse_type(const Json::Value& type) {
+std::optional<Trigger_Source_Type> parse_type(const Json::Value& type, const Letters& letters) {
   require(type.isString(), "\"type\" field is missing or invalid for source.");
-  const std::string name = to_lower(type.asString());
+  std::string name = type.asString();
+  for (char& character : name) {
+    character = letters.tolower(character);
+  }
   try {
     return Database_Enums::convert<Trigger_Source_Type>(name);
   } catch (...) {
@@ -46,37 +42,39 @@ std::string parse_onvif_topic(const Json::Value& topic) {
 Object_Search_Item parse_search_item(const Json::Value& item) {
   // The quote at the end belongs to the message: operators' tools look for this very text.
   require(item.isObject(), "\"searchItem\" object is missing or invalid.\"");
-  const Json::Value& type = item["type"];
-  require(type.isString(), "An object-detection source has a missing or invalid object type.");
+  const auto [type, motion_required] = find_members(item, "type", "motionRequired");
+  require(type->isString(), "An object-detection source has a missing or invalid object type.");
   Object_Search_Item parsed;
-  parsed.object_type = type.asString();
+  parsed.object_type = type->asString();
   require(!parsed.object_type.empty(),
           "An object-detection source has an empty object type specified.");
-  const Json::Value motion_required = item.get("motionRequired", false);
-  require(motion_required.isBool(),
-          "An object-detection source has an invalid \"motionRequired\" field.");
-  parsed.motion_required = motion_required.asBool();
+  if (motion_required != &Json::Value::nullSingleton()) {  // a null that is there is no flag
+    require(motion_required->isBool(),
+            "An object-detection source has an invalid \"motionRequired\" field.");
+    parsed.motion_required = motion_required->asBool();
+  }
   return parsed;
 }
 
 /// One source; nothing when it is dropped.
-std::optional<Trigger_Source> parse_source(const Json::Value& source) {
+std::optional<Trigger_Source> parse_source(const Json::Value& source, const Letters& letters) {
   require(source.isObject(), "\"sources\" must be an array of JSON objects.");
   const auto [type_name, topic, item, duration] =
       find_members(source, "type", "onvifTopic", "searchItem", "activityDuration");
-  const std::optional<Trigger_Source_Type> type = parse_type(*type_name);
+  const std::optional<Trigger_Source_Type> type = parse_type(*type_name, letters);
+  std::optional<Trigger_Source> parsed;
   if (!type || *type == Trigger_Source_Type::external) {
-    return std::nullopt;  // external sources fire by themselves, there is nothing to subscribe to
+    return parsed;  // external sources fire by themselves, there is nothing to subscribe to
   }
-  Trigger_Source parsed;
-  parsed.type = *type;
+  parsed.emplace();
+  parsed->type = *type;
   if (*type == Trigger_Source_Type::onvif_metadata) {
-    parsed.onvif_topic = parse_onvif_topic(*topic);
+    parsed->onvif_topic = parse_onvif_topic(*topic);
   } else if (*type == Trigger_Source_Type::object_detection) {
-    parsed.search_item = parse_search_item(*item);
-    parsed.activity_duration = parse_activity_duration(*duration, *type);
+    parsed->search_item = parse_search_item(*item);
+    parsed->activity_duration = parse_activity_duration(*duration, *type);
   } else if (*type == Trigger_Source_Type::motion_detection) {
-    parsed.activity_duration = parse_activity_duration(*duration, *type);
+    parsed->activity_duration = parse_activity_duration(*duration, *type);
   }
   return parsed;
 }
@@ -86,9 +84,11 @@ std::optional<Trigger_Source> parse_source(const Json::Value& source) {
 std::set<Trigger_Source> parse_sources(const Json::Value& sources) {
   require(sources.isArray(), "\"sources\" array is missing or invalid.");
   require(!sources.empty(), "\"sources\" array is empty.");
+  const std::locale locale;
+  const auto& letters = std::use_facet<Letters>(locale);
   std::set<Trigger_Source> parsed;
   for (const Json::Value& element : sources) {
-    std::optional<Trigger_Source> source = parse_source(element);
+    std::optional<Trigger_Source> source = parse_source(element, letters);
     if (source) {
       require(parsed.insert(std::move(*source)).second, "Duplicate entry in \"sources\" detected.");
     }

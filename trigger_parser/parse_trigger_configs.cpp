@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <cstdint>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -68,20 +69,21 @@ std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
     const Json::Value& trigger, const Trigger_Mapping& mapping) {
   const auto [id, name, tags, sources, any_time] =
       find_members(trigger, "id", "name", "tags", "sources", "anyTime");
-  Trigger_Config config;
+  std::optional<Trigger_Config> config(std::in_place);
   require(id->isUInt64(), "\"id\" field is missing or invalid.");
-  config.id = id->asUInt64();
+  config->id = id->asUInt64();
   require(name->isString(), "\"name\" field is missing or invalid.");
-  config.name = name->asString();
-  config.tags = parse_tags(*tags);
-  config.sources = parse_sources(*sources);
-  config.options.any_time = parse_any_time(*any_time);
-  if (config.sources.empty()) {
+  config->name = name->asString();
+  config->tags = parse_tags(*tags);
+  config->sources = parse_sources(*sources);
+  config->options.any_time = parse_any_time(*any_time);
+  if (config->sources.empty()) {
     // Every source fires by itself or is of a kind that only newer servers know. The trigger may
     // well run there; on this server it has nothing to listen to.
-    return std::nullopt;
+    config.reset();
+  } else {
+    set_trigger_mapping_in_config_(*config, trigger, mapping);
   }
-  set_trigger_mapping_in_config_(config, trigger, mapping);
   return config;
 }
 
