@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "trigger_parser/fetch_ahead.h"
 #include "trigger_parser/find_members.h"
 #include "trigger_parser/parse_sources.h"
 #include "trigger_parser/validation.h"
@@ -49,7 +50,12 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs(
   configs.reserve(triggers.size());
   std::unordered_set<std::uint64_t> kept_ids;
   kept_ids.reserve(triggers.size());
-  for (const Json::Value& trigger : triggers) {
+  const auto end = triggers.end();
+  for (auto element = triggers.begin(); element != end;) {
+    const Json::Value& trigger = *element;
+    if (++element != end) {
+      fetch_ahead(*element);
+    }
     require(trigger.isObject(), "\"triggers\" must be an array of JSON objects.");
     std::optional<Trigger_Config> config = parse_trigger_config_(trigger, mapping);
     if (!config) {
