@@ -33,6 +33,11 @@ class Engine {
 
     /// Begins a transaction, for odb::transaction to hold; one at a time.
     virtual odb::transaction_impl* begin() = 0;
+
+    /// Commits a transaction that begin() began, the current one of this thread. Throws
+    /// Commit_Not_Known when nobody can know what became of it; after any other fault nothing of it
+    /// is kept.
+    virtual void commit(odb::transaction& transaction) = 0;
   };
 
   virtual ~Engine() = default;

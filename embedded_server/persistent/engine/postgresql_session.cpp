@@ -1,7 +1,10 @@
 #include "embedded_server/persistent/engine/postgresql_session.h"
 
 #include <array>
+#include <odb/exceptions.hxx>
+#include <odb/transaction.hxx>
 
+#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/engine/other_programs.h"
 #include "embedded_server/persistent/engine/postgresql_connections.h"
 #include "vemora/embedded_server/persistent/database_error.h"
@@ -36,6 +39,14 @@ void PostgreSQL_Session::lock(const std::string& schema, std::chrono::millisecon
   }
   require_success(*connection_, result);
   locked_ = true;
+}
+
+void PostgreSQL_Session::commit(odb::transaction& transaction) {
+  try {
+    transaction.commit();
+  } catch (const odb::connection_lost&) {
+    throw Commit_Not_Known("the connection to the server was lost");
+  }
 }
 
 }  // namespace kuv::vemora::embedded_server

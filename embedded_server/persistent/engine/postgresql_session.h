@@ -25,6 +25,8 @@ class PostgreSQL_Session : public Engine::Session {
 
   odb::transaction_impl* begin() override { return connection_->begin(); }
 
+  void commit(odb::transaction& transaction) override;
+
  private:
   odb::pgsql::connection_ptr connection_;
   bool locked_ = false;

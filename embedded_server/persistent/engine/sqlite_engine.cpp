@@ -79,6 +79,8 @@ class SQLite_Session : public Engine::Session {
 
   odb::transaction_impl* begin() override { return database_.begin(); }
 
+  void commit(odb::transaction& transaction) override { transaction.commit(); }
+
  private:
   odb::sqlite::database& database_;
   std::optional<File_Lock> lock_;

@@ -2,9 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <odb/exceptions.hxx>
+#include <odb/exception.hxx>
 #include <stdexcept>
 
+#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/pass/join_pass.h"
 #include "embedded_server/persistent/pass/verify_index.h"
 #include "embedded_server/persistent/pass/write_changes.h"
@@ -79,13 +80,10 @@ void Pass::store_changes(Site_Index& site) {
   if (mode_ == Pass_Scope::Mode::commit) {
     try {
       write(net);
-      commit_is_sent_ = true;
-      transaction_->commit();
-      commit_is_sent_ = false;
+      session_->commit(*transaction_);
     } catch (const std::exception& fault) {
       note_fault(fault);  // as long as the connection still knows what it was
-      commit_is_sent_ =
-          commit_is_sent_ && dynamic_cast<const odb::connection_lost*>(&fault) != nullptr;
+      commit_is_not_known_ = dynamic_cast<const Commit_Not_Known*>(&fault) != nullptr;
       lost_ = true;  // half of it may be written: it goes as a whole
       transaction_.reset();
       throw;
@@ -133,8 +131,7 @@ void Pass::end() {
     }
   }
   fault_ = fault;
-  // An answer that got lost may have been that all is well.
-  throw Database_Error(fmt::format(commit_is_sent_
+  throw Database_Error(fmt::format(commit_is_not_known_
                                        ? "{}; it is not known whether what the pass wrote was kept"
                                        : "{}; nothing that the pass wrote was kept",
                                    fault));

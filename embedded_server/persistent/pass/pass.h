@@ -67,8 +67,8 @@ class Pass {
   /// To be called by each operation that writes.
   void note_write() { uncommitted_ = true; }
 
-  /// Whether a commit was sent whose answer never came: it may have been carried out.
-  bool is_commit_unanswered() const { return commit_is_sent_; }
+  /// Whether nobody can know what became of a commit.
+  bool is_commit_not_known() const { return commit_is_not_known_; }
 
   const Changes& changes() const { return changes_; }
   const std::optional<std::string>& fault() const { return fault_; }
@@ -97,7 +97,7 @@ class Pass {
   Site_Index site_;
   Changes changes_;
   std::optional<std::string> fault_;
-  bool commit_is_sent_ = false;
+  bool commit_is_not_known_ = false;
   bool lost_ = false;        ///< what was done cannot be committed any more
   bool uncommitted_ = true;  ///< something may have been done since the last commit
 };

@@ -72,7 +72,7 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
   try {
     state_->pass.commit();
   } catch (const Database_Error& error) {
-    if (state_->pass.is_commit_unanswered()) {
+    if (state_->pass.is_commit_not_known()) {
       throw Database_Error(
           fmt::format("{}; it is not known whether the documents were stored", error.what()));
     }
