@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <optional>
-#include <unordered_set>
+#include <set>
 #include <utility>
 
 #include "trigger_parser/fetch_ahead.h"
@@ -48,8 +48,8 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs(
 
   std::vector<Trigger_Config> configs;
   configs.reserve(triggers.size());
-  std::unordered_set<std::uint64_t> kept_ids;
-  kept_ids.reserve(triggers.size());
+  // In order, not hashed: whoever chooses the ids could choose ones that all meet in one bucket.
+  std::set<std::uint64_t> kept_ids;
   const auto end = triggers.end();
   for (auto element = triggers.begin(); element != end;) {
     const Json::Value& trigger = *element;
@@ -61,7 +61,9 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs(
     if (!config) {
       continue;
     }
-    if (!kept_ids.insert(config->id).second) {
+    const std::size_t kept = kept_ids.size();
+    kept_ids.insert(kept_ids.end(), config->id);  // ids mostly ascend
+    if (kept_ids.size() == kept) {
       raise_validation_error(
           fmt::format("All \"id\" values must be unique, {} is duplicated.", config->id));
     }
