@@ -66,6 +66,9 @@ class Engine {
   /// Whether the transaction that is current on this thread can still be committed.
   virtual bool holds_transaction() = 0;
 
+  /// Throws Database_Error when the location does not lead to what was opened any more.
+  virtual void require_in_place() {}
+
   /// What a fault of ODB means, for people.
   virtual std::string describe(const std::exception& fault) = 0;
 };

@@ -22,6 +22,7 @@ SQLite_Connections::pooled_connection_ptr SQLite_Connections::create() {
   pooled_connection_ptr connection = odb::sqlite::connection_pool_factory::create();
   sqlite3* const handle = connection->handle();
   sqlite3_busy_timeout(handle, static_cast<int>(busy_wait_.count()));
+  files_.note_opened(handle);
   char* message = nullptr;
   if (sqlite3_exec(handle, settings, nullptr, nullptr, &message) != SQLITE_OK) {
     const std::string text = message != nullptr ? message : "cannot be set up";

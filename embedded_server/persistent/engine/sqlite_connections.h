@@ -5,17 +5,21 @@
 #include <chrono>
 #include <odb/sqlite/connection-factory.hxx>
 
+#include "embedded_server/persistent/engine/sqlite_files.h"
+
 namespace kuv::vemora::embedded_server {
 
 /// Opens the connections to an SQLite file, each with the settings that a pass relies on.
 class SQLite_Connections : public odb::sqlite::connection_pool_factory {
  public:
-  explicit SQLite_Connections(std::chrono::milliseconds busy_wait) : busy_wait_(busy_wait) {}
+  SQLite_Connections(SQLite_Files& files, std::chrono::milliseconds busy_wait)
+      : files_(files), busy_wait_(busy_wait) {}
 
  protected:
   pooled_connection_ptr create() override;
 
  private:
+  SQLite_Files& files_;
   std::chrono::milliseconds busy_wait_;
 };
 

@@ -23,18 +23,6 @@ namespace {
 // most nine bytes in the head of a row, and eight more when it is a number.
 constexpr std::size_t numbers_of_a_row = 160;
 
-constexpr std::int64_t application_id = 0x564D5247;  // marks the file as ours, for file(1) and us
-
-/// SQLite takes some names for other things than files (":memory:").
-std::string as_file_name(const std::string& path) {
-  return std::filesystem::path(path).is_absolute() ? path : "./" + path;
-}
-
-/// Beside the file itself, by whatever link it was named.
-std::string lock_file_of(const std::string& path) {
-  return std::filesystem::weakly_canonical(path).string() + ".lock";
-}
-
 void require_file(const std::string& path, Database::Open_Mode mode) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
@@ -75,7 +63,9 @@ class SQLite_Session : public Engine::Session {
  public:
   explicit SQLite_Session(odb::sqlite::database& database) : database_(database) {}
 
-  void lock(const std::string& path, std::chrono::milliseconds wait) { lock_.emplace(path, wait); }
+  void lock(const std::string& path, const std::string& model, std::chrono::milliseconds wait) {
+    lock_.emplace(path, model, wait);
+  }
 
   odb::transaction_impl* begin() override { return database_.begin(); }
 
@@ -94,14 +84,18 @@ sqlite3* current_handle() {
 
 SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
                              std::chrono::milliseconds lock_wait)
-    : path_(path), lock_wait_(lock_wait) {
+    : path_(path), files_(path), lock_wait_(lock_wait) {
   require_file(path, mode);
   // Foreign keys are not declared, see the schema, and a cache of its own keeps a connection clear
   // of the table locks that shared ones have.
   const int create = mode == Database::Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
+  const int access = files_.is_read_only() ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI
+                                           : SQLITE_OPEN_READWRITE | create;
   database_ = std::make_unique<odb::sqlite::database>(
-      as_file_name(path), SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | create, false, "",
-      std::make_unique<SQLite_Connections>(lock_wait));
+      // Who may only read makes no file beside it that would then be theirs.
+      files_.is_read_only() ? as_sqlite_uri(path, "readonly_shm=1") : as_sqlite_name(path),
+      access | SQLITE_OPEN_PRIVATECACHE, false, "",
+      std::make_unique<SQLite_Connections>(files_, lock_wait));
   rows_ = std::make_unique<ODB_Row_Writer>(*database_);
 }
 
@@ -114,7 +108,14 @@ odb::database& SQLite_Engine::odb() {
 std::unique_ptr<Engine::Session> SQLite_Engine::open_session(Session::Access access) {
   auto session = std::make_unique<SQLite_Session>(*database_);
   if (access == Session::Access::exclusive) {
-    session->lock(lock_file_of(path_), lock_wait_);
+    files_.require_writable();
+    files_.require_in_place();
+    session->lock(files_.lock_file(), path_, lock_wait_);
+    files_.require_in_place();
+    if (!files_.uses_log()) {
+      use_write_ahead_log(database_->connection()->handle());
+      files_.note_log();
+    }
   }
   return session;
 }
@@ -125,10 +126,9 @@ std::optional<std::int32_t> SQLite_Engine::schema_version() {
   if (query_number(handle, "SELECT count(*) FROM sqlite_master") == 0) {
     return std::nullopt;
   }
-  if (query_number(handle, "PRAGMA application_id") != application_id) {
+  if (query_number(handle, "PRAGMA application_id") != sqlite_application_id) {
     throw Database_Error("it is a database of another program");
   }
-  use_write_ahead_log(handle);
   return static_cast<std::int32_t>(query_number(handle, "SELECT schema_version FROM site"));
 }
 
@@ -141,7 +141,7 @@ void SQLite_Engine::migrate() {
     run_script(current_handle(), sqlite_schema[version]);
   }
   if (present == 0) {
-    database_->execute(fmt::format("PRAGMA application_id={}", application_id));
+    database_->execute(fmt::format("PRAGMA application_id={}", sqlite_application_id));
     database_->execute("INSERT INTO site (id, schema_version) VALUES (1, 0)");
   }
   database_->execute(fmt::format("UPDATE site SET schema_version={}", current_schema_version));

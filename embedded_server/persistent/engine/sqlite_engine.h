@@ -6,6 +6,7 @@
 
 #include "embedded_server/persistent/engine/engine.h"
 #include "embedded_server/persistent/engine/odb_row_writer.h"
+#include "embedded_server/persistent/engine/sqlite_files.h"
 #include "vemora/embedded_server/persistent/database.h"
 
 namespace odb::sqlite {
@@ -29,10 +30,12 @@ class SQLite_Engine : public Engine {
   std::optional<std::int32_t> schema_version() override;
   bool can_hold(std::initializer_list<std::string_view> texts) override;
   bool holds_transaction() override;
+  void require_in_place() override { files_.require_in_place(); }
   std::string describe(const std::exception& fault) override;
 
  private:
   std::string path_;
+  SQLite_Files files_;
   std::chrono::milliseconds lock_wait_;
   std::unique_ptr<odb::sqlite::database> database_;
   std::unique_ptr<ODB_Row_Writer> rows_;

@@ -79,6 +79,7 @@ void Pass::store_changes(Site_Index& site) {
   const Site_Index::Net_Changes net = site.settle();
   if (mode_ == Pass_Scope::Mode::commit) {
     try {
+      require_in_place();
       write(net);
       session_->commit(*transaction_);
     } catch (const std::exception& fault) {
@@ -90,8 +91,33 @@ void Pass::store_changes(Site_Index& site) {
     }
     transaction_.reset();
     uncommitted_ = false;
+    has_committed_ = true;
   }
   append_changes(net, changes_);
+  if (has_committed_) {
+    require_in_place();
+  }
+}
+
+void Pass::confirm_place() {
+  throw_if_faulty();
+  try {
+    require_in_place();
+  } catch (const Database_Error& error) {
+    note_fault(error);
+    throw Database_Error(*fault_);
+  }
+}
+
+/// Says also what became of what was committed.
+void Pass::require_in_place() {
+  try {
+    engine().require_in_place();
+  } catch (const Database_Error& error) {
+    throw Database_Error(
+        has_committed_ ? fmt::format("{}; what was committed went into that file", error.what())
+                       : error.what());
+  }
 }
 
 void Pass::write(const Site_Index::Net_Changes& net) {

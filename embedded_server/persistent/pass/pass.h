@@ -64,6 +64,9 @@ class Pass {
   /// Commits what a pass that failed had done until then. Throws when the database lost that.
   void end();
 
+  /// To be called before success is told: a database that is not there any more is a fault too.
+  void confirm_place();
+
   /// To be called by each operation that writes.
   void note_write() { uncommitted_ = true; }
 
@@ -83,6 +86,7 @@ class Pass {
   void begin_if_necessary();
   void store_changes(Site_Index& site);
   void write(const Site_Index::Net_Changes& net);
+  void require_in_place();
   void note_fault(const std::exception& fault);
   void poison(std::string reason);
   void throw_if_faulty() const;
@@ -98,7 +102,8 @@ class Pass {
   Changes changes_;
   std::optional<std::string> fault_;
   bool commit_is_not_known_ = false;
-  bool lost_ = false;        ///< what was done cannot be committed any more
+  bool lost_ = false;  ///< what was done cannot be committed any more
+  bool has_committed_ = false;
   bool uncommitted_ = true;  ///< something may have been done since the last commit
 };
 

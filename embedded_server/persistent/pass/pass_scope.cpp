@@ -61,7 +61,11 @@ std::set<std::uint64_t> Pass_Scope::pending_cameras() {
 
 void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
   const bool nothing = !accepted.config && !accepted.mapping && reconciled.empty();
-  if (state_->mode != Mode::commit || nothing) {
+  if (state_->mode != Mode::commit) {
+    return;
+  }
+  if (nothing) {
+    state_->pass.confirm_place();
     return;
   }
   state_->pass.run([&](Site_Index&) {
