@@ -1,7 +1,7 @@
 # What other projects need: libraries, headers under vemora/, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
-set(vemora_libraries vemora_platform kuv_utils kuv_logging vemora_tags_json_converter
+set(vemora_libraries vemora_platform vemora_texts kuv_utils kuv_logging vemora_tags_json_converter
                      vemora_persistent vemora_embedded_server vemora_trigger_manager)
 install(TARGETS ${vemora_libraries}
         EXPORT vemora_trigger_manager_targets
@@ -18,10 +18,11 @@ install(FILES trigger_parser/notification_properties.h trigger_parser/trigger_co
         DESTINATION ${headers}/trigger_parser)
 install(FILES embedded_server/persistent/changes.h embedded_server/persistent/database.h
               embedded_server/persistent/database_error.h embedded_server/persistent/inventory.h
-              embedded_server/persistent/letters.h
               embedded_server/persistent/pass_scope.h embedded_server/persistent/site_reader.h
               embedded_server/persistent/source_type_names.h
         DESTINATION ${headers}/embedded_server/persistent)
+install(FILES embedded_server/texts/letters.h embedded_server/texts/printable.h
+        DESTINATION ${headers}/embedded_server/texts)
 install(FILES embedded_server/logging/console.h DESTINATION ${headers}/embedded_server/logging)
 install(DIRECTORY embedded_server/host DESTINATION ${headers}/embedded_server
         FILES_MATCHING PATTERN "*.h")

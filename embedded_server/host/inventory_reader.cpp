@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "vemora/embedded_server/host/services.h"
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "vemora/embedded_server/host/json_grammar.h"
 #include "vemora/embedded_server/host/read_file.h"
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

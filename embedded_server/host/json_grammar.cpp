@@ -5,7 +5,7 @@
 #include <array>
 #include <utility>
 
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

@@ -12,9 +12,14 @@
 #include <boost/log/support/date_time.hpp>
 #include <boost/make_shared.hpp>
 #include <mutex>
+#include <string>
+
+#include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::logging {
 namespace {
+
+using vemora::embedded_server::printable;
 
 namespace expressions = boost::log::expressions;
 using Backend = boost::log::sinks::text_ostream_backend;
@@ -23,6 +28,7 @@ using Sink = boost::log::sinks::synchronous_sink<Backend>;
 constexpr std::array<std::string_view, 7> names{"trace",   "debug", "detail", "info",
                                                 "warning", "error", "fatal"};
 
+/// One record is one line, whatever the names in it hold.
 void format(const boost::log::record_view& record, boost::log::formatting_ostream& stream) {
   const auto time = boost::log::extract<boost::posix_time::ptime>("TimeStamp", record);
   const auto severity = boost::log::extract<severity_level>("Severity", record);
@@ -30,8 +36,10 @@ void format(const boost::log::record_view& record, boost::log::formatting_ostrea
   if (time) {
     stream << boost::posix_time::to_iso_extended_string(*time) << ' ';
   }
-  stream << '[' << (severity ? name_of(*severity) : "-") << "] " << channel << ": "
-         << record[expressions::smessage];
+  const auto text = boost::log::extract<std::string>("Message", record);
+  stream << '[' << (severity ? name_of(*severity) : "-") << "] "
+         << printable(channel ? *channel : std::string_view()) << ": "
+         << printable(text ? *text : std::string_view());
 }
 
 boost::shared_ptr<Sink> make_sink(std::ostream& stream, severity_level least) {

@@ -1,4 +1,4 @@
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -81,6 +81,25 @@ TEST_F(Console, leaves_out_what_is_below_the_level_that_was_asked_for) {
               ElementsAre("[error] Trigger_Manager: level 5", "[fatal] Trigger_Manager: level 6"));
 }
 
+TEST_F(Console, writes_one_line_a_record_that_no_name_can_spoil) {
+  log_to(written, severity_level::trace);
+  Source hostile("Trigger\nManager");
+
+  source.log(severity_level::error, "Trigger 7: {}",
+             "x\n2026-11-22T00:00:00 [fatal] Trigger_Manager: forged\r");
+  source.log(severity_level::info, "{}", "\x1b[2J\x07 \u009b1m \u202eevil\u202c \u200b\xff");
+  source.log(severity_level::info, "{}", std::string("T\u00fcr \u95e8\0 \\x1b", 14));
+  hostile.log(severity_level::info, "text");
+
+  EXPECT_THAT(
+      lines(),
+      ElementsAre("[error] Trigger_Manager: Trigger 7: "
+                  "x\\x0a2026-11-22T00:00:00 [fatal] Trigger_Manager: forged\\x0d",
+                  "[info] Trigger_Manager: \\x1b[2J\\x07 \\u009b1m \\u202eevil\\u202c \\u200b\\xff",
+                  "[info] Trigger_Manager: T\u00fcr \u95e8\\x00 \\x1b",
+                  "[info] Trigger\\x0aManager: text"));
+}
+
 TEST_F(Console, goes_to_one_stream_at_a_time) {
   std::ostringstream before;
   log_to(before, severity_level::trace);

@@ -4,16 +4,17 @@
 #include "tools/commands/commands.h"
 #include "tools/render/json.h"
 #include "tools/render/records.h"
+#include "tools/render/terminal.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
-/// A document comes back as it was written, to the byte.
+/// A document comes back as it was written, to the byte unless a terminal would obey some of them.
 void print_document(const Options& options, const std::optional<std::string>& text,
                     const char* name) {
   if (text) {
-    std::cout << *text;
+    print_text(*text);
   } else if (options.json) {
     std::cout << "{}\n";
   } else {

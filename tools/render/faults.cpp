@@ -7,13 +7,15 @@
 
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
 using embedded_server::count_letters;
 using embedded_server::first_letters;
+using embedded_server::printable;
 
 constexpr std::size_t widest_side = 60;  ///< letters before the place of a fault, and from it on
 constexpr std::size_t most_excerpts = 100;

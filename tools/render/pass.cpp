@@ -7,6 +7,7 @@
 
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
+#include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 using Directive_Config_Processing::Error;
 using embedded_server::Changes;
 using embedded_server::Pass_Outcome;
+using embedded_server::printable;
 
 std::string key_of(std::uint64_t id) {
   return std::to_string(id);

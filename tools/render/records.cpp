@@ -10,10 +10,12 @@
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
 #include "vemora/embedded_server/persistent/source_type_names.h"
+#include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
+using embedded_server::printable;
 using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 

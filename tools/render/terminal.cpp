@@ -7,50 +7,21 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
-#include <optional>
+#include <string_view>
 #include <utility>
 
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
 using embedded_server::count_letters;
-using embedded_server::letter_size;
 
 bool wants_colour() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
   const char* const refused = std::getenv("NO_COLOR");
   return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
-}
-
-/// What a letter is called when it must not be shown: it is a control character (which a terminal
-/// obeys) or turns the direction of what follows; nothing for all others.
-std::optional<unsigned> unshown(std::string_view letter) {
-  const auto byte = [letter](std::size_t place) {
-    return static_cast<unsigned char>(letter[place]);
-  };
-  if (letter.size() == 1 && (byte(0) < 0x20 || byte(0) == 0x7F)) {
-    return byte(0);
-  }
-  if (letter.size() == 2 && byte(0) == 0xC2 && byte(1) < 0xA0) {
-    return byte(1);
-  }
-  if (letter.size() != 3 || byte(0) != 0xE2) {
-    return std::nullopt;
-  }
-  const unsigned code = 0x2000U + (byte(1) & 0x3FU) * 64 + (byte(2) & 0x3FU);
-  const bool turns = code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
-                     (code >= 0x2066 && code <= 0x2069);
-  return turns ? std::make_optional(code) : std::nullopt;
-}
-
-std::string shown(std::string_view letter) {
-  const std::optional<unsigned> code = unshown(letter);
-  if (!code) {
-    return std::string(letter);
-  }
-  return letter.size() == 1 ? fmt::format("\\x{:02x}", *code) : fmt::format("\\u{:04x}", *code);
 }
 
 void print_row(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
@@ -63,20 +34,28 @@ void print_row(const std::vector<std::string>& row, const std::vector<std::size_
   std::cout << '\n';
 }
 
+/// Line ends and tabs, which lay a document out, stay.
+void print_printable_lines(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of("\n\t"), text.size());
+    std::string_view piece = text.substr(0, end);
+    const std::string_view behind = text.substr(end, 1);
+    text.remove_prefix(end + behind.size());
+    if (behind == "\n" && !piece.empty() && piece.back() == '\r') {
+      piece.remove_suffix(1);
+    }
+    std::cout << embedded_server::printable(piece) << behind;
+  }
+}
+
 }  // namespace
 
-std::string printable(std::string_view text) {
-  std::string all;
-  for (std::size_t place = 0; place < text.size();) {
-    const std::size_t size = letter_size(text, place);
-    if (size == 0) {
-      all += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[place]));
-    } else {
-      all += shown(text.substr(place, size));
-    }
-    place += std::max<std::size_t>(size, 1);
+void print_text(const std::string& text) {
+  if (isatty(STDOUT_FILENO) == 1) {
+    print_printable_lines(text);
+  } else {
+    std::cout << text;
   }
-  return all;
 }
 
 std::string in_red(const std::string& text) {

@@ -4,15 +4,13 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
 namespace kuv::vemora::tools {
 
-/// A text that can be shown: what a terminal would obey, and bytes that are no letter, is spelled
-/// out.
-std::string printable(std::string_view text);
+/// Prints a document to the byte; on a terminal, as a person may be shown it.
+void print_text(const std::string& text);
 
 /// The text in the colour of failures, where standard output is a terminal that wants colours.
 std::string in_red(const std::string& text);

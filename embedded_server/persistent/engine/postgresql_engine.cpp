@@ -13,7 +13,7 @@
 #include "embedded_server/persistent/engine/postgresql_session.h"
 #include "postgresql_schema.h"
 #include "vemora/embedded_server/persistent/database_error.h"
-#include "vemora/embedded_server/persistent/letters.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
