@@ -132,6 +132,29 @@ TEST(Record_Comparator, orders_cameras_by_their_ids) {
   expect_order_by_identity<camera>(&a_camera);
 }
 
+/// Two loaded copies of one record, one of them from before it was renamed.
+template <class Record>
+void expect_copies_to_be_one(std::shared_ptr<Record> (*make)(std::uint64_t)) {
+  const ODB_Utils::Record_Comparator before;
+  for (const std::uint64_t id : {std::uint64_t{0}, std::uint64_t{1}, half_way, last}) {
+    const std::shared_ptr<Record> old_copy = make(id);
+    const std::shared_ptr<Record> new_copy = make(id);
+    old_copy->name = "a";
+    new_copy->name = "b";
+
+    EXPECT_FALSE(before(old_copy, new_copy));
+    EXPECT_FALSE(before(new_copy, old_copy));
+    std::set<std::shared_ptr<Record>, ODB_Utils::Record_Comparator> set{old_copy, new_copy};
+    EXPECT_THAT(set, ElementsAre(old_copy));
+    EXPECT_EQ(set.erase(new_copy), 1);
+  }
+}
+
+TEST(Record_Comparator, takes_copies_of_a_record_with_different_names_for_one) {
+  expect_copies_to_be_one<trigger>(&a_trigger_record);
+  expect_copies_to_be_one<camera>(&a_camera);
+}
+
 TEST(Record_Comparator, heeds_nothing_but_the_id) {
   const auto one = a_trigger_record(1);
   one->name = "b";
@@ -186,6 +209,19 @@ TYPED_TEST(Triggers_Of_A_Record, are_added_once) {
   EXPECT_TRUE(this->add(7));
   EXPECT_FALSE(this->add(7));
   EXPECT_THAT(trigger_ids(this->record), ElementsAre(7));
+}
+
+TYPED_TEST(Triggers_Of_A_Record, are_the_same_under_another_name) {
+  for (const std::uint64_t id : {std::uint64_t{7}, half_way, last}) {
+    EXPECT_TRUE(this->add(id));
+    const auto renamed = a_trigger_record(id);
+    renamed->name = "renamed";
+
+    EXPECT_FALSE(this->record.add_trigger(renamed));
+    EXPECT_THAT(trigger_ids(this->record), ElementsAre(id));
+    EXPECT_TRUE(this->record.remove_trigger(renamed));
+    EXPECT_THAT(trigger_ids(this->record), IsEmpty());
+  }
 }
 
 TYPED_TEST(Triggers_Of_A_Record, are_taken_out_by_identity) {
