@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/engine/open_engine.h"
 #include "embedded_server/persistent/pass/documents.h"
 #include "embedded_server/persistent/pass/join_pass.h"
@@ -42,6 +43,10 @@ std::shared_ptr<Database> Database::open(const std::string& location, Open_Mode 
   try {
     const bool holds_site = find_site(*engine, mode);
     return std::make_shared<Database>(std::move(engine), holds_site);
+  } catch (const Commit_Not_Known& fault) {
+    throw Database_Error(
+        fmt::format("database {}: {}; it is not known whether its tables were made",
+                    engine->location(), fault.what()));
   } catch (const std::exception& fault) {
     throw Database_Error(
         fmt::format("database {}: {}", engine->location(), engine->describe(fault)));

@@ -34,6 +34,11 @@ class Engine {
     /// Begins a transaction, for odb::transaction to hold; one at a time.
     virtual odb::transaction_impl* begin() = 0;
 
+    /// To be called in a transaction before its first write: waits until no other program keeps
+    /// this one from writing. Throws Database_Error when that takes too long, and when another
+    /// program has changed what the transaction read.
+    virtual void begin_writing() = 0;
+
     /// Commits a transaction that begin() began, the current one of this thread. Throws
     /// Commit_Not_Known when nobody can know what became of it; after any other fault nothing of it
     /// is kept.

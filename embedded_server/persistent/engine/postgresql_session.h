@@ -25,6 +25,9 @@ class PostgreSQL_Session : public Engine::Session {
 
   odb::transaction_impl* begin() override { return connection_->begin(); }
 
+  /// Nobody keeps a whole database locked here: it is rows that statements wait for.
+  void begin_writing() override {}
+
   void commit(odb::transaction& transaction) override;
 
  private:

@@ -4,7 +4,8 @@
 
 #include <string>
 
-#include "vemora/embedded_server/persistent/database_error.h"
+#include "embedded_server/persistent/engine/sqlite_locks.h"
+#include "embedded_server/persistent/engine/sqlite_statements.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -21,14 +22,9 @@ constexpr const char* settings =
 SQLite_Connections::pooled_connection_ptr SQLite_Connections::create() {
   pooled_connection_ptr connection = odb::sqlite::connection_pool_factory::create();
   sqlite3* const handle = connection->handle();
-  sqlite3_busy_timeout(handle, static_cast<int>(busy_wait_.count()));
+  wait_for_locks(handle, lock_wait_);
   files_.note_opened(handle);
-  char* message = nullptr;
-  if (sqlite3_exec(handle, settings, nullptr, nullptr, &message) != SQLITE_OK) {
-    const std::string text = message != nullptr ? message : "cannot be set up";
-    sqlite3_free(message);
-    throw Database_Error(text);
-  }
+  run_script(handle, settings);
   return connection;
 }
 

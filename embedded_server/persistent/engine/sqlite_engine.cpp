@@ -10,9 +10,11 @@
 #include <odb/sqlite/exceptions.hxx>
 #include <odb/sqlite/transaction.hxx>
 
-#include "embedded_server/persistent/engine/file_lock.h"
 #include "embedded_server/persistent/engine/other_programs.h"
 #include "embedded_server/persistent/engine/sqlite_connections.h"
+#include "embedded_server/persistent/engine/sqlite_locks.h"
+#include "embedded_server/persistent/engine/sqlite_session.h"
+#include "embedded_server/persistent/engine/sqlite_statements.h"
 #include "sqlite_schema.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 
@@ -33,48 +35,6 @@ void require_file(const std::string& path, Database::Open_Mode mode) {
     throw Database_Error(fmt::format("there is no database {}; \"init\" makes one", path));
   }
 }
-
-std::int64_t query_number(sqlite3* handle, const char* sql) {
-  sqlite3_stmt* statement = nullptr;
-  const int prepared = sqlite3_prepare_v2(handle, sql, -1, &statement, nullptr);
-  const int stepped = prepared == SQLITE_OK ? sqlite3_step(statement) : prepared;
-  const std::int64_t number = stepped == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : 0;
-  sqlite3_finalize(statement);
-  if (stepped != SQLITE_ROW) {
-    throw Database_Error(sqlite3_errmsg(handle));
-  }
-  return number;
-}
-
-/// A script of several statements, which ODB does not take.
-void run_script(sqlite3* handle, const char* script) {
-  if (sqlite3_exec(handle, script, nullptr, nullptr, nullptr) != SQLITE_OK) {
-    throw Database_Error(sqlite3_errmsg(handle));
-  }
-}
-
-/// Readers go on during a pass. The mode is part of the file, so only a file of ours is touched.
-void use_write_ahead_log(sqlite3* handle) {
-  run_script(handle, "PRAGMA journal_mode=WAL");
-}
-
-/// A turn at the lock file, where one was asked for.
-class SQLite_Session : public Engine::Session {
- public:
-  explicit SQLite_Session(odb::sqlite::database& database) : database_(database) {}
-
-  void lock(const std::string& path, const std::string& model, std::chrono::milliseconds wait) {
-    lock_.emplace(path, model, wait);
-  }
-
-  odb::transaction_impl* begin() override { return database_.begin(); }
-
-  void commit(odb::transaction& transaction) override { transaction.commit(); }
-
- private:
-  odb::sqlite::database& database_;
-  std::optional<File_Lock> lock_;
-};
 
 sqlite3* current_handle() {
   return odb::sqlite::transaction::current().connection().handle();
@@ -106,14 +66,15 @@ odb::database& SQLite_Engine::odb() {
 }
 
 std::unique_ptr<Engine::Session> SQLite_Engine::open_session(Session::Access access) {
-  auto session = std::make_unique<SQLite_Session>(*database_);
+  auto session = std::make_unique<SQLite_Session>(
+      odb::sqlite::connection_ptr(database_->connection()), lock_wait_);
   if (access == Session::Access::exclusive) {
     files_.require_writable();
     files_.require_in_place();
-    session->lock(files_.lock_file(), path_, lock_wait_);
+    session->lock(files_.lock_file(), path_);
     files_.require_in_place();
     if (!files_.uses_log()) {
-      use_write_ahead_log(database_->connection()->handle());
+      session->use_write_ahead_log();
       files_.note_log();
     }
   }
@@ -134,8 +95,8 @@ std::optional<std::int32_t> SQLite_Engine::schema_version() {
 
 void SQLite_Engine::migrate() {
   const std::int32_t present = schema_version().value_or(0);
-  use_write_ahead_log(database_->connection()->handle());
-  odb::transaction transaction(database_->begin_immediate());
+  SQLite_Session session(odb::sqlite::connection_ptr(database_->connection()), lock_wait_);
+  odb::transaction transaction(session.begin_immediately());
   for (std::size_t version = static_cast<std::size_t>(present); version < sqlite_schema.size();
        ++version) {
     run_script(current_handle(), sqlite_schema[version]);
@@ -145,7 +106,7 @@ void SQLite_Engine::migrate() {
     database_->execute("INSERT INTO site (id, schema_version) VALUES (1, 0)");
   }
   database_->execute(fmt::format("UPDATE site SET schema_version={}", current_schema_version));
-  transaction.commit();
+  session.commit(transaction);
 }
 
 bool SQLite_Engine::can_hold(std::initializer_list<std::string_view> texts) {
@@ -163,9 +124,7 @@ bool SQLite_Engine::holds_transaction() {
 
 std::string SQLite_Engine::describe(const std::exception& fault) {
   if (dynamic_cast<const odb::timeout*>(&fault) != nullptr) {
-    const bool outrun = odb::transaction::has_current() &&
-                        sqlite3_extended_errcode(current_handle()) == SQLITE_BUSY_SNAPSHOT;
-    return outrun ? changed_by_another_program() : locked_by_another_program(lock_wait_);
+    return locked_by_another_program(take_vain_wait());
   }
   const auto* const refused = dynamic_cast<const odb::sqlite::database_exception*>(&fault);
   return refused != nullptr ? refused->message() : fault.what();

@@ -18,6 +18,12 @@ std::optional<std::string> load_document(odb::database& database, const std::str
              : std::nullopt;
 }
 
+/// Whether storing it would change nothing.
+bool is_stored(odb::database& database, const std::string& kind,
+               const std::optional<std::string>& text) {
+  return !text || load_document(database, kind) == text;
+}
+
 void store_document(odb::database& database, const std::string& kind,
                     const std::optional<std::string>& text) {
   if (!text) {
@@ -50,6 +56,11 @@ void require_owner(odb::database& database, std::uint64_t server_id) {
 
 Documents load_documents(odb::database& database) {
   return {load_document(database, "config"), load_document(database, "mapping")};
+}
+
+bool are_stored(odb::database& database, const Documents& accepted) {
+  return is_stored(database, "config", accepted.config) &&
+         is_stored(database, "mapping", accepted.mapping);
 }
 
 void store_documents(odb::database& database, const Documents& accepted) {

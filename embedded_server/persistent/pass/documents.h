@@ -17,6 +17,9 @@ void require_owner(odb::database& database, std::uint64_t server_id);
 
 Documents load_documents(odb::database& database);
 
+/// Whether the documents that are given are those that are stored.
+bool are_stored(odb::database& database, const Documents& accepted);
+
 /// Stores the documents that are given.
 void store_documents(odb::database& database, const Documents& accepted);
 

@@ -27,10 +27,10 @@ auto write(const std::shared_ptr<Database>& database, Operation operation) {
   Pass pass(database, Pass::Purpose::single_write);
   if constexpr (std::is_void_v<decltype(pass.run(operation))>) {
     pass.run(std::move(operation));
-    pass.commit();
+    pass.commit_operation();
   } else {
     auto answer = pass.run(std::move(operation));
-    pass.commit();
+    pass.commit_operation();
     return answer;
   }
 }

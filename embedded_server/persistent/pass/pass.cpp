@@ -57,10 +57,21 @@ Pass* Pass::current(const Database& database) {
   return open_pass != nullptr && open_pass->database_.get() == &database ? open_pass : nullptr;
 }
 
+/// Whoever will write on the ground of what it reads may do so from the first statement on. A whole
+/// pass may turn out to write nothing, and keeps nobody out before it knows.
 void Pass::begin_if_necessary() {
-  if (!transaction_) {
-    transaction_ = std::make_unique<odb::transaction>(session_->begin());
+  if (transaction_) {
+    return;
   }
+  transaction_ = std::make_unique<odb::transaction>(session_->begin());
+  if (purpose_ == Purpose::single_write) {
+    session_->begin_writing();
+  }
+}
+
+void Pass::begin_writing() {
+  begin_if_necessary();
+  session_->begin_writing();
 }
 
 odb::database& Pass::odb() {
@@ -73,6 +84,18 @@ void Pass::commit() {
     store_changes(site);
     verify_against_database();
   });
+}
+
+void Pass::commit_operation() {
+  try {
+    commit();
+  } catch (const Database_Error& fault) {
+    if (commit_is_not_known_) {
+      throw Database_Error(
+          fmt::format("{}; it is not known whether what was written was kept", fault.what()));
+    }
+    throw;
+  }
 }
 
 void Pass::store_changes(Site_Index& site) {
@@ -124,6 +147,7 @@ void Pass::write(const Site_Index::Net_Changes& net) {
   if (is_empty(net)) {
     return;
   }
+  begin_writing();
   write_changes(engine(), net);
   site_.save_ids();
   if (server_id_) {
@@ -192,7 +216,7 @@ void Pass::throw_if_faulty() const {
 void Pass::verify_against_database() {
 #ifndef NDEBUG
   if (purpose_ == Purpose::whole_pass && mode_ == Pass_Scope::Mode::commit) {
-    verify_index(engine().odb(), site_);
+    verify_index(*session_, engine().odb(), site_);
   }
 #endif
 }

@@ -58,8 +58,14 @@ class Pass {
     }
   }
 
+  /// Waits until other programs let this one write, in a transaction of its own as well.
+  void begin_writing();
+
   /// Writes what changed and commits it.
   void commit();
+
+  /// The same at the end of a single operation: a fault says what became of the commit.
+  void commit_operation();
 
   /// Commits what a pass that failed had done until then. Throws when the database lost that.
   void end();

@@ -20,6 +20,17 @@ class Pass_Scope::State {
              chosen == Mode::read_only ? Pass::Purpose::single_read : Pass::Purpose::whole_pass,
              chosen, id) {}
 
+  /// Asked first, so that what is stored already keeps nobody out.
+  bool changes_by_storing(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
+    bool changes = false;
+    pass.run([&](Site_Index&) {
+      changes = !are_stored(pass.odb(), accepted) || are_pending(pass.engine(), reconciled) ||
+                !is_claimed(pass.odb());
+    });
+    pass.commit();
+    return changes;
+  }
+
   std::uint64_t server_id;
   Mode mode;
   Pass pass;
@@ -64,11 +75,12 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
   if (state_->mode != Mode::commit) {
     return;
   }
-  if (nothing) {
+  if (nothing || !state_->changes_by_storing(accepted, reconciled)) {
     state_->pass.confirm_place();
     return;
   }
   state_->pass.run([&](Site_Index&) {
+    state_->pass.begin_writing();
     store_documents(state_->pass.odb(), accepted);
     strike_out_pending(state_->pass.engine(), reconciled);
     claim_for(state_->pass.odb(), state_->server_id);

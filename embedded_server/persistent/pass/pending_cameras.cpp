@@ -1,5 +1,6 @@
 #include "embedded_server/persistent/pass/pending_cameras.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "embedded_server/persistent/engine/engine.h"
@@ -15,6 +16,12 @@ std::set<std::uint64_t> load_pending(Engine& engine) {
       engine.odb(), "camera_id",
       [&ids](const rows::Pending_Camera& row) { ids.insert(row.camera_id); });
   return ids;
+}
+
+bool are_pending(Engine& engine, const std::set<std::uint64_t>& camera_ids) {
+  const std::set<std::uint64_t> pending = load_pending(engine);
+  return std::any_of(camera_ids.begin(), camera_ids.end(),
+                     [&pending](std::uint64_t id) { return pending.count(id) != 0; });
 }
 
 void note_pending(Engine& engine, const std::set<std::uint64_t>& camera_ids) {

@@ -12,6 +12,9 @@ class Engine;
 
 std::set<std::uint64_t> load_pending(Engine& engine);
 
+/// Whether one of these cameras is among them.
+bool are_pending(Engine& engine, const std::set<std::uint64_t>& camera_ids);
+
 void note_pending(Engine& engine, const std::set<std::uint64_t>& camera_ids);
 
 /// Notes that these cameras were reconciled.

@@ -53,8 +53,8 @@ void compare_triggers(const std::vector<std::shared_ptr<const trigger>>& seen,
 
 }  // namespace
 
-void verify_index(odb::database& database, Site_Index& seen) {
-  odb::transaction transaction(database.begin());
+void verify_index(Engine::Session& session, odb::database& database, Site_Index& seen) {
+  odb::transaction transaction(session.begin());
   Site_Index stored(database, nullptr);
   compare_triggers(seen.triggers().all_accepted(), stored.triggers().all_accepted());
   compare_links("subscription", seen.subscriptions().all(), stored.subscriptions().all());

@@ -134,6 +134,12 @@ void write_changes(Engine& engine, const Site_Index::Net_Changes& net) {
   note_pending(engine, subscriptions.cameras);
 }
 
+bool is_claimed(odb::database& database) {
+  rows::Site site;
+  database.load(1, site);
+  return site.server_id.has_value();
+}
+
 void claim_for(odb::database& database, std::uint64_t server_id) {
   rows::Site site;
   database.load(1, site);
