@@ -12,7 +12,8 @@ set(headers ${CMAKE_INSTALL_INCLUDEDIR}/vemora)
 install(DIRECTORY platform DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
 install(FILES trigger_manager/trigger_manager.h trigger_manager/vemora_trigger_manager.h
         DESTINATION ${headers}/trigger_manager)
-install(FILES trigger_parser/notification_properties.h trigger_parser/trigger_config.h
+install(FILES trigger_parser/notification_properties.h trigger_parser/parser_fault.h
+              trigger_parser/trigger_config.h
               trigger_parser/trigger_config_state.h trigger_parser/trigger_mapping.h
               trigger_parser/trigger_parser.h trigger_parser/vemora_trigger_parser.h
         DESTINATION ${headers}/trigger_parser)

@@ -4,13 +4,14 @@
 
 #include <optional>
 
+#include "trigger_parser/faults.h"
 #include "vemora/trigger_parser/trigger_config.h"
 
 namespace kuv::vemora {
 
-/// The "activityDuration" of a source of that type; nothing when it is null or absent. Rejects the
-/// document with the message of the first fault.
+/// The "activityDuration" of a source of that type; nothing when it is null or absent.
 std::optional<Activity_Duration> parse_activity_duration(const Json::Value& activity,
-                                                         Trigger_Source_Type source_type);
+                                                         Trigger_Source_Type source_type,
+                                                         Faults& faults);
 
 }  // namespace kuv::vemora

@@ -7,7 +7,6 @@
 
 #include "trigger_parser/find_members.h"
 #include "trigger_parser/parse_activity_duration.h"
-#include "trigger_parser/validation.h"
 #include "vemora/platform/database_enums.h"
 
 namespace kuv::vemora {
@@ -17,9 +16,13 @@ using Letters = std::ctype<char>;
 
 /// A type that this server does not know is no fault: configurations are shared with newer servers,
 /// and the source is theirs.
-std::optional<Trigger_Source_Type> parse_type(const Json::Value& type, const Letters& letters) {
-  require(type.isString(), "\"type\" field is missing or invalid for source.");
-  std::string name = type.asString();
+std::optional<Trigger_Source_Type> parse_type(const Member& type, const Letters& letters,
+                                              Faults& faults) {
+  if (!faults.require(type.value.isString(), type,
+                      "\"type\" field is missing or invalid for source.")) {
+    return std::nullopt;
+  }
+  std::string name = type.value.asString();
   for (char& character : name) {
     character = letters.tolower(character);
   }
@@ -30,67 +33,113 @@ std::optional<Trigger_Source_Type> parse_type(const Json::Value& type, const Let
   }
 }
 
-std::string parse_onvif_topic(const Json::Value& topic) {
-  require(topic.isString(),
-          "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.");
-  std::string text = topic.asString();
-  require(!text.empty(),
-          "An onvif-metadata source has an \"onvifTopic\" field with an empty string.");
+/// Never empty; nothing when it is no topic.
+std::optional<std::string> parse_onvif_topic(const Member& topic, Faults& faults) {
+  std::optional<std::string> text;
+  if (faults.require(topic.value.isString(), topic,
+                     "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.")) {
+    text = topic.value.asString();
+    if (!faults.require(
+            !text->empty(), topic,
+            "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")) {
+      text.reset();
+    }
+  }
   return text;
 }
 
-Object_Search_Item parse_search_item(const Json::Value& item) {
-  // The quote at the end belongs to the message: operators' tools look for this very text.
-  require(item.isObject(), "\"searchItem\" object is missing or invalid.\"");
-  const auto [type, motion_required] = find_members(item, "type", "motionRequired");
-  require(type->isString(), "An object-detection source has a missing or invalid object type.");
-  Object_Search_Item parsed;
-  parsed.object_type = type->asString();
-  require(!parsed.object_type.empty(),
-          "An object-detection source has an empty object type specified.");
-  if (motion_required != &Json::Value::nullSingleton()) {  // a null that is there is no flag
-    require(motion_required->isBool(),
-            "An object-detection source has an invalid \"motionRequired\" field.");
-    parsed.motion_required = motion_required->asBool();
+/// Empty when it is none.
+std::string parse_object_type(const Member& type, Faults& faults) {
+  std::string parsed;
+  if (faults.require(type.value.isString(), type,
+                     "An object-detection source has a missing or invalid object type.")) {
+    parsed = type.value.asString();
+    faults.require(!parsed.empty(), type,
+                   "An object-detection source has an empty object type specified.");
   }
   return parsed;
 }
 
-/// One source; nothing when it is dropped.
-std::optional<Trigger_Source> parse_source(const Json::Value& source, const Letters& letters) {
-  require(source.isObject(), "\"sources\" must be an array of JSON objects.");
+/// Nothing when it has no object type.
+std::optional<Object_Search_Item> parse_search_item(const Member& item, Faults& faults) {
+  std::optional<Object_Search_Item> parsed;
+  // The quote at the end belongs to the message: operators' tools look for this very text.
+  if (!faults.require(item.value.isObject(), item,
+                      "\"searchItem\" object is missing or invalid.\"")) {
+    return parsed;
+  }
+  const auto [type, motion_required] = find_members(item.value, "type", "motionRequired");
+  parsed.emplace();
+  parsed->object_type = parse_object_type({*type, item.value}, faults);
+  if (motion_required != &Json::Value::nullSingleton()) {  // a null that is there is no flag
+    parsed->motion_required =
+        faults.require(motion_required->isBool(), *motion_required,
+                       "An object-detection source has an invalid \"motionRequired\" field.") &&
+        motion_required->asBool();
+  }
+  if (parsed->object_type.empty()) {
+    parsed.reset();
+  }
+  return parsed;
+}
+
+/// Whether it can be told which other source this one would be the same as.
+bool is_comparable(const Trigger_Source& source) {
+  switch (source.type) {
+    case Trigger_Source_Type::onvif_metadata:
+      return source.onvif_topic.has_value();
+    case Trigger_Source_Type::object_detection:
+      return source.search_item.has_value();
+    default:
+      return true;
+  }
+}
+
+/// One source; nothing when it is dropped, and when it is too faulty to be compared with others.
+std::optional<Trigger_Source> parse_source(const Json::Value& source, const Letters& letters,
+                                           Faults& faults) {
+  std::optional<Trigger_Source> parsed;
+  if (!faults.require(source.isObject(), source, "\"sources\" must be an array of JSON objects.")) {
+    return parsed;
+  }
   const auto [type_name, topic, item, duration] =
       find_members(source, "type", "onvifTopic", "searchItem", "activityDuration");
-  const std::optional<Trigger_Source_Type> type = parse_type(*type_name, letters);
-  std::optional<Trigger_Source> parsed;
+  const std::optional<Trigger_Source_Type> type = parse_type({*type_name, source}, letters, faults);
   if (!type || *type == Trigger_Source_Type::external) {
     return parsed;  // external sources fire by themselves, there is nothing to subscribe to
   }
   parsed.emplace();
   parsed->type = *type;
   if (*type == Trigger_Source_Type::onvif_metadata) {
-    parsed->onvif_topic = parse_onvif_topic(*topic);
+    parsed->onvif_topic = parse_onvif_topic({*topic, source}, faults);
   } else if (*type == Trigger_Source_Type::object_detection) {
-    parsed->search_item = parse_search_item(*item);
-    parsed->activity_duration = parse_activity_duration(*duration, *type);
+    parsed->search_item = parse_search_item({*item, source}, faults);
+    parsed->activity_duration = parse_activity_duration(*duration, *type, faults);
   } else if (*type == Trigger_Source_Type::motion_detection) {
-    parsed->activity_duration = parse_activity_duration(*duration, *type);
+    parsed->activity_duration = parse_activity_duration(*duration, *type, faults);
+  }
+  if (!is_comparable(*parsed)) {
+    parsed.reset();
   }
   return parsed;
 }
 
 }  // namespace
 
-std::set<Trigger_Source> parse_sources(const Json::Value& sources) {
-  require(sources.isArray(), "\"sources\" array is missing or invalid.");
-  require(!sources.empty(), "\"sources\" array is empty.");
+std::set<Trigger_Source> parse_sources(const Member& sources, Faults& faults) {
+  std::set<Trigger_Source> parsed;
+  if (!faults.require(sources.value.isArray(), sources,
+                      "\"sources\" array is missing or invalid.") ||
+      !faults.require(!sources.value.empty(), sources, "\"sources\" array is empty.")) {
+    return parsed;
+  }
   const std::locale locale;
   const auto& letters = std::use_facet<Letters>(locale);
-  std::set<Trigger_Source> parsed;
-  for (const Json::Value& element : sources) {
-    std::optional<Trigger_Source> source = parse_source(element, letters);
+  for (const Json::Value& element : sources.value) {
+    std::optional<Trigger_Source> source = parse_source(element, letters, faults);
     if (source) {
-      require(parsed.insert(std::move(*source)).second, "Duplicate entry in \"sources\" detected.");
+      faults.require(parsed.insert(std::move(*source)).second, element,
+                     "Duplicate entry in \"sources\" detected.");
     }
   }
   return parsed;

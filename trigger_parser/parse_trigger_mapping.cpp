@@ -1,8 +1,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "trigger_parser/validation.h"
-#include "vemora/platform/utils/json.h"
+#include "trigger_parser/faults.h"
+#include "trigger_parser/parse_ids.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::vemora {
@@ -10,13 +10,12 @@ namespace {
 
 using Schedules = std::optional<std::set<Trigger_Mapping_Entry>>;
 
-std::vector<std::uint64_t> parse_trigger_ids(const Json::Value& ids) {
-  require(ids.isArray(), "\"triggerIds\" array is missing or invalid.");
-  require(!ids.empty(), "\"triggerIds\" array is empty.");
-  std::vector<std::uint64_t> trigger_ids;
-  require(kuv::utils::transform_json_array(ids, trigger_ids),
-          "\"triggerIds\" must be an array of unsigned integers.");
-  return trigger_ids;
+std::vector<std::uint64_t> parse_trigger_ids(const Member& ids, Faults& faults) {
+  if (!faults.require(ids.value.isArray(), ids, "\"triggerIds\" array is missing or invalid.") ||
+      !faults.require(!ids.value.empty(), ids, "\"triggerIds\" array is empty.")) {
+    return {};
+  }
+  return parse_ids(ids.value, "\"triggerIds\" must be an array of unsigned integers.", faults);
 }
 
 /// Once one association of a trigger cannot be resolved the trigger stays marked, whatever other
@@ -38,15 +37,37 @@ void associate(Trigger_Mapping& mapping, std::uint64_t trigger_id, const Schedul
 }  // namespace
 
 Trigger_Mapping Vemora_Trigger_Parser::parse_trigger_mapping(const Json::Value& document) {
-  require(document.isObject(), "Trigger mapping must be a JSON object.");
-  const Json::Value& associations = document["triggerMapping"];
-  require(associations.isArray(), "\"triggerMapping\" array is missing or invalid.");
+  Faults faults;
+  return parse_trigger_mapping_(document, faults);
+}
 
+Trigger_Mapping Vemora_Trigger_Parser::parse_trigger_mapping(const Json::Value& document,
+                                                             Fault_Sink& sink) {
+  Faults faults(sink);
+  return parse_trigger_mapping_(document, faults);
+}
+
+Trigger_Mapping Vemora_Trigger_Parser::parse_trigger_mapping_(const Json::Value& document,
+                                                              Faults& faults) {
   Trigger_Mapping mapping;
+  if (!faults.require(document.isObject(), document, "Trigger mapping must be a JSON object.")) {
+    return mapping;
+  }
+  const Json::Value& associations = document["triggerMapping"];
+  if (!faults.require(associations.isArray(), Member{associations, document},
+                      "\"triggerMapping\" array is missing or invalid.")) {
+    return mapping;
+  }
+  std::size_t index = 0;
   for (const Json::Value& association : associations) {
-    require(association.isObject(), "\"triggerMapping\" must be an array of JSON objects.");
-    const Schedules schedules = parse_mapping_entries_(association);
-    for (const std::uint64_t trigger_id : parse_trigger_ids(association["triggerIds"])) {
+    faults.enter_element(index++);
+    if (!faults.require(association.isObject(), association,
+                        "\"triggerMapping\" must be an array of JSON objects.")) {
+      continue;
+    }
+    const Schedules schedules = parse_mapping_entries_(association, faults);
+    const Member trigger_ids{association["triggerIds"], association};
+    for (const std::uint64_t trigger_id : parse_trigger_ids(trigger_ids, faults)) {
       associate(mapping, trigger_id, schedules);
     }
   }
@@ -54,15 +75,15 @@ Trigger_Mapping Vemora_Trigger_Parser::parse_trigger_mapping(const Json::Value& 
 }
 
 std::optional<std::set<Trigger_Mapping_Entry>> Vemora_Trigger_Parser::parse_mapping_entries_(
-    const Json::Value& object) {
-  const Json::Value& ids = object["scheduleIds"];
-  require(ids.isArray(), "\"scheduleIds\" array is missing or invalid.");
-  std::vector<std::uint64_t> schedule_ids;
-  require(kuv::utils::transform_json_array(ids, schedule_ids),
-          "\"scheduleIds\" must be an array of unsigned integers.");
-
+    const Json::Value& object, Faults& faults) {
   std::set<Trigger_Mapping_Entry> entries;
-  for (const std::uint64_t schedule_id : schedule_ids) {
+  const Json::Value& ids = object["scheduleIds"];
+  if (!faults.require(ids.isArray(), Member{ids, object},
+                      "\"scheduleIds\" array is missing or invalid.")) {
+    return entries;
+  }
+  for (const std::uint64_t schedule_id :
+       parse_ids(ids, "\"scheduleIds\" must be an array of unsigned integers.", faults)) {
     std::shared_ptr<schedule> record = repository_->schedules().get_by_id(schedule_id);
     if (!record || !record->usable) {
       return std::nullopt;
@@ -73,10 +94,10 @@ std::optional<std::set<Trigger_Mapping_Entry>> Vemora_Trigger_Parser::parse_mapp
 }
 
 std::optional<std::set<Trigger_Mapping_Entry>> Vemora_Trigger_Parser::parse_schedule_ids_array_(
-    const Json::Value& schedule_ids) {
+    const Json::Value& schedule_ids, Faults& faults) {
   Json::Value object(Json::objectValue);
   object["scheduleIds"] = schedule_ids;
-  return parse_mapping_entries_(object);
+  return parse_mapping_entries_(object, faults);
 }
 
 }  // namespace kuv::vemora

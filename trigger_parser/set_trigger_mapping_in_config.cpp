@@ -18,13 +18,14 @@ std::set<Trigger_Mapping_Entry> prefer_mapped(const std::set<Trigger_Mapping_Ent
 
 void Vemora_Trigger_Parser::set_trigger_mapping_in_config_(Trigger_Config& config,
                                                            const Json::Value& trigger,
-                                                           const Trigger_Mapping& mapping) {
+                                                           const Trigger_Mapping& mapping,
+                                                           Faults& faults) {
   const Json::Value& schedule_ids = trigger["scheduleIds"];
   if (schedule_ids.isNull()) {
     return;  // without schedules of its own the mapping does not concern the trigger
   }
   const std::optional<std::set<Trigger_Mapping_Entry>> own =
-      parse_schedule_ids_array_(schedule_ids);
+      parse_schedule_ids_array_(schedule_ids, faults);
 
   const auto found = mapping.find(config.id);
   const bool mapping_invalid = found != mapping.end() && !found->second;

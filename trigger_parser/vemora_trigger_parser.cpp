@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "trigger_parser/faults.h"
 #include "vemora/platform/errors/error_codes.h"
 #include "vemora/platform/errors/vemora_error.h"
 
@@ -14,13 +15,16 @@ Vemora_Trigger_Parser::Vemora_Trigger_Parser(std::shared_ptr<Repository> reposit
 
 Vemora_Trigger_Parser::~Vemora_Trigger_Parser() = default;
 
-std::map<std::string, Tag_Info> Vemora_Trigger_Parser::get_latest_server_tags_() {
+std::map<std::string, Tag_Info> Vemora_Trigger_Parser::get_latest_server_tags_(Faults& faults) {
   const std::shared_ptr<server> record = repository_->servers().get_by_id(server_id_);
-  if (!record) {
-    throw Internal_Error<std::logic_error>(
-        "Failed to retrieve server tags due to invalid server ID", error_codes::internal);
+  if (record) {
+    return record->tags;
   }
-  return record->tags;
+  const char* const message = "Failed to retrieve server tags due to invalid server ID";
+  if (!faults.tell(message, std::nullopt)) {
+    throw Internal_Error<std::logic_error>(message, error_codes::internal);
+  }
+  return {};
 }
 
 }  // namespace kuv::vemora

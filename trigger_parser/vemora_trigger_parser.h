@@ -14,9 +14,12 @@
 #include "vemora/platform/logging/source.h"
 #include "vemora/platform/repositories/repository.h"
 #include "vemora/platform/tags/tag_info.h"
+#include "vemora/trigger_parser/parser_fault.h"
 #include "vemora/trigger_parser/trigger_parser.h"
 
 namespace kuv::vemora {
+
+class Faults;
 
 /// The parser of the video-management server. It keeps nothing between calls: schedules and the
 /// server's tags are looked up anew each time. Not thread-safe.
@@ -32,20 +35,39 @@ class VEMORA_API Vemora_Trigger_Parser : public Trigger_Parser {
                                                     const Trigger_Mapping& mapping) override;
   Notification_Properties parse_config_properties(const Json::Value& document) override;
 
+  // The same with a sink, which hears of every fault of the document as long as it wants to. What
+  // is answered behind a fault is nothing to work with. A configuration that is no object is a
+  // fault of its properties too. Errors of the database, and of a missing memory, are thrown as
+  // ever.
+
+  Trigger_Mapping parse_trigger_mapping(const Json::Value& document, Fault_Sink& sink);
+  std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
+                                                    const Trigger_Mapping& mapping,
+                                                    Fault_Sink& sink);
+  Notification_Properties parse_config_properties(const Json::Value& document, Fault_Sink& sink);
+
  private:
+  Trigger_Mapping parse_trigger_mapping_(const Json::Value& document, Faults& faults);
+  std::vector<Trigger_Config> parse_trigger_configs_(const Json::Value& document,
+                                                     const Trigger_Mapping& mapping,
+                                                     Faults& faults);
+  Notification_Properties parse_config_properties_(const Json::Value& document, Faults& faults);
+
   /// The server's tags as the database holds them now.
-  std::map<std::string, Tag_Info> get_latest_server_tags_();
+  std::map<std::string, Tag_Info> get_latest_server_tags_(Faults& faults);
 
   /// One element of "triggers"; nothing when no source of it is left.
   std::optional<Trigger_Config> parse_trigger_config_(const Json::Value& trigger,
-                                                      const Trigger_Mapping& mapping);
+                                                      const Trigger_Mapping& mapping,
+                                                      Faults& faults);
   void set_trigger_mapping_in_config_(Trigger_Config& config, const Json::Value& trigger,
-                                      const Trigger_Mapping& mapping);
+                                      const Trigger_Mapping& mapping, Faults& faults);
 
   /// The schedules under "scheduleIds" of an object; empty when one of them cannot be used.
-  std::optional<std::set<Trigger_Mapping_Entry>> parse_mapping_entries_(const Json::Value& object);
+  std::optional<std::set<Trigger_Mapping_Entry>> parse_mapping_entries_(const Json::Value& object,
+                                                                        Faults& faults);
   std::optional<std::set<Trigger_Mapping_Entry>> parse_schedule_ids_array_(
-      const Json::Value& schedule_ids);
+      const Json::Value& schedule_ids, Faults& faults);
 
   kuv::logging::Source logger_;
   std::shared_ptr<Repository> repository_;

@@ -87,6 +87,14 @@ Location Json_Document::locate(const Json::Value& part) const {
   return places_.locate(text_, offset_of(part));
 }
 
+Location Json_Document::locate_offset(std::size_t offset, Text_Place& last) const {
+  return places_.locate(text_, byte_order_mark_size(text_) + offset, last);
+}
+
+Surroundings Json_Document::surroundings(const Location& place) const {
+  return places_.surroundings(text_, place);
+}
+
 Location Json_Document::locate_key(const Json::Value& member) const {
   // Backwards from the value: a colon, the quote that ends the key, and the one that begins it,
   // which is the next that is not escaped, that is, has an even number of backslashes before it.

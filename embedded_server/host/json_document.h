@@ -44,8 +44,15 @@ class VEMORA_API Json_Document {
   /// Where a value of this document begins.
   Location locate(const Json::Value& part) const;
 
+  /// The same of a value by its offset (Json::Value::getOffsetStart), in a few steps where it lies
+  /// close behind `last`, which becomes the place found.
+  Location locate_offset(std::size_t offset, Text_Place& last) const;
+
   /// Where the key of a member of an object of this document begins.
   Location locate_key(const Json::Value& member) const;
+
+  /// What surrounds a place in its line, as far as people look.
+  Surroundings surroundings(const Location& place) const;
 
   /// A line of the text, counted from 1, without its end; empty when there is none.
   std::string_view line(std::size_t number) const;

@@ -6,7 +6,8 @@
 #include <functional>
 #include <utility>
 
-#include "vemora/embedded_server/host/fault_locator.h"
+#include "vemora/embedded_server/host/located_faults.h"
+#include "vemora/embedded_server/host/noting_parser.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
@@ -56,36 +57,6 @@ Json::Value with_default(Json::Value document, const char* key) {
   return document;
 }
 
-/// Where a document stands that parts of were rejected: the stored one, when it is null, nowhere.
-Check_Fault describe(const char* name, const Json_Document* document, const Rejected_Part& found) {
-  Check_Fault fault{name, {found.message, {}}, found.index, found.id};
-  if (found.part != nullptr && document != nullptr) {
-    fault.fault.location = document->locate(*found.part);
-  }
-  return fault;
-}
-
-/// Gathers rejections in the order of a pass.
-class Rejections {
- public:
-  /// Behind the first one, only triggers and associations: of the rest nobody knows what it would
-  /// be without the first.
-  void add(const char* name, const Json_Document* document,
-           const std::vector<Rejected_Part>& rejections) {
-    const bool first = found_.empty();
-    for (const Rejected_Part& rejection : rejections) {
-      if (first || rejection.index) {
-        found_.push_back(describe(name, document, rejection));
-      }
-    }
-  }
-
-  std::vector<Check_Fault> take() { return std::move(found_); }
-
- private:
-  std::vector<Check_Fault> found_;
-};
-
 bool is_corrupt(const metadata_event_subscription& record) {
   return record.camera && !record.onvif_topic;
 }
@@ -116,44 +87,42 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
   const std::lock_guard<std::mutex> lock(mutex_);
   Pass_Scope pass(database_, server_id_);
   begin();
-  const Json::Value schedules = value_of(mapping, pass);
+  std::vector<Check_Fault> noted;
+  Directive_Config_Processing::Result result = update_config(pass, config, mapping, noted);
   Pass_Outcome outcome;
-  Directive_Config_Processing::Result result = update_config(pass, config, schedules);
   outcome.status = status_of(result);
   outcome.errors = std::move(result.errors);
-  if (outcome.status == Status::rejected && !pass.fault()) {
-    const auto rejections = find_rejections(config, mapping, schedules);
-    outcome.rejection = rejections.empty() ? std::nullopt : std::make_optional(rejections.front());
-  }
   finish(pass,
          {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
          outcome);
-  if (outcome.status != Status::rejected) {
-    outcome.rejection.reset();  // the database failed in looking for it
+  if (outcome.status == Status::rejected && !noted.empty()) {
+    outcome.rejection = std::move(noted.front());
   }
   return outcome;
 }
 
 Directive_Config_Processing::Result Trigger_Host::update_config(Pass_Scope& pass,
                                                                 const Json_Document& config,
-                                                                const Json::Value& mapping) {
-  if (mapping.isObject()) {
-    // The configuration before is about to be replaced: nothing is lost where it was damaged.
-    const auto before = object_in(pass.documents().config.value_or("{}"));
-    return make_manager(before.value_or(Json::objectValue), mapping)->update_config(config.value());
-  }
-  // No manager can be made with such a mapping, so its parser says what a pass would have said.
-  const auto rejections = find_rejections(config, nullptr, mapping);
-  return {false,
-          {{Error::Category::rejected_document,
-            "Failed to parse trigger config: " + rejections.at(0).fault.message}}};
+                                                                const Json_Document* mapping,
+                                                                std::vector<Check_Fault>& noted) {
+  const Json::Value schedules = value_of(mapping, pass);
+  // The configuration before is about to be replaced: nothing is lost where it was damaged.
+  const auto before = object_in(pass.documents().config.value_or("{}"));
+  // A manager is made with objects alone; a mapping that is none is for its parser to reject.
+  const Json::Value empty(Json::objectValue);
+  return make_manager(
+             before.value_or(empty), schedules.isObject() ? schedules : empty,
+             std::make_unique<Noting_Parser>(repository_, server_id_, config, mapping, noted))
+      ->update_config(config.value());
 }
 
 Pass_Outcome Trigger_Host::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
   Pass_Scope pass(database_, server_id_);
   begin();
-  const auto manager = make_manager(stored_config(pass), value_of(nullptr, pass));
+  const auto manager =
+      make_manager(stored_config(pass), value_of(nullptr, pass),
+                   std::make_unique<Vemora_Trigger_Parser>(repository_, server_id_));
   Pass_Outcome outcome;
   Trigger_Config_State state;
   outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
@@ -165,34 +134,28 @@ Pass_Outcome Trigger_Host::refresh() {
 std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
                                              const Json_Document* mapping) {
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
-  auto found = find_rejections(config, mapping, value_of(mapping, pass));
+  std::vector<Check_Fault> found;
+  Located_Faults in_config("config", &config, Located_Faults::Wanted::all, found);
+  Located_Faults in_mapping("mapping", mapping, Located_Faults::Wanted::all, found);
+  Vemora_Trigger_Parser parser(repository_, server_id_);
+  parser.parse_config_properties(config.value(), in_config);
+  const Trigger_Mapping schedules = parser.parse_trigger_mapping(
+      mapping != nullptr ? mapping->value()
+                         : with_default(value_of(nullptr, pass), "triggerMapping"),
+      in_mapping);
+  if (config.value().isObject()) {  // that it is none was told with the properties
+    parser.parse_trigger_configs(config.value(), schedules, in_config);
+  }
   if (pass.fault()) {
     throw Database_Error(*pass.fault());
   }
   return found;
 }
 
-/// `schedules` is the mapping, or the stored one.
-std::vector<Check_Fault> Trigger_Host::find_rejections(const Json_Document& config,
-                                                       const Json_Document* mapping,
-                                                       const Json::Value& schedules) {
-  Vemora_Trigger_Parser parser(repository_, server_id_);
-  Rejections found;
-  found.add("config", &config, rejections_of_properties(parser, config.value()));
-  const Json::Value completed = with_default(schedules, "triggerMapping");
-  const auto in_mapping = rejections_of_mapping(parser, completed);
-  found.add("mapping", mapping, in_mapping);
-  const Trigger_Mapping parsed =
-      in_mapping.empty() ? parser.parse_trigger_mapping(completed) : Trigger_Mapping();
-  found.add("config", &config, rejections_of_triggers(parser, config.value(), parsed));
-  return found.take();
-}
-
-std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(const Json::Value& config,
-                                                                   const Json::Value& mapping) {
-  return std::make_unique<Vemora_Trigger_Manager>(
-      config, mapping, repository_, capture_manager_,
-      std::make_unique<Vemora_Trigger_Parser>(repository_, server_id_), pusher_, resolver_);
+std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(
+    const Json::Value& config, const Json::Value& mapping, std::unique_ptr<Trigger_Parser> parser) {
+  return std::make_unique<Vemora_Trigger_Manager>(config, mapping, repository_, capture_manager_,
+                                                  std::move(parser), pusher_, resolver_);
 }
 
 void Trigger_Host::begin() {

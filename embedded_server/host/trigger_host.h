@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "vemora/embedded_server/host/check_fault.h"
 #include "vemora/embedded_server/host/json_document.h"
 #include "vemora/embedded_server/host/services.h"
 #include "vemora/embedded_server/persistent/changes.h"
@@ -18,18 +19,11 @@
 #include "vemora/platform/logging/source.h"
 
 namespace kuv::vemora {
+class Trigger_Parser;
 class Vemora_Trigger_Manager;
-}
+}  // namespace kuv::vemora
 
 namespace kuv::vemora::embedded_server {
-
-/// Why a document would be rejected.
-struct Check_Fault {
-  std::string document;  ///< "config" or "mapping"
-  Document_Fault fault;
-  std::optional<std::size_t> index;  ///< of the trigger or association in its array
-  std::optional<std::uint64_t> id;   ///< of the trigger
-};
 
 /// What became of one pass.
 struct Pass_Outcome {
@@ -63,25 +57,24 @@ class VEMORA_API Trigger_Host {
                Host_Services services = {});
 
   /// Runs a pass with a new configuration, and a new mapping where one is given, and stores them
-  /// when it succeeded.
+  /// when it succeeded. A mapping that is given must have its list; only stored ones may lack it.
   Pass_Outcome apply(const Json_Document& config, const Json_Document* mapping);
 
   /// Runs a pass on the stored documents.
   Pass_Outcome refresh();
 
-  /// Why the parser would reject the documents (with the stored mapping where none is given): first
-  /// with exactly its text what it would say, then the other triggers and associations that it
-  /// would reject too. Nothing when they are valid. Writes nothing and waits for nobody.
+  /// Everything that the parser finds wrong with the documents (with the stored mapping where none
+  /// is given), in the order of a pass: the first one is what a pass would reject them with.
+  /// Nothing when they are valid. Writes nothing and waits for nobody.
   std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
 
  private:
   std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
-                                                       const Json::Value& mapping);
+                                                       const Json::Value& mapping,
+                                                       std::unique_ptr<Trigger_Parser> parser);
   Directive_Config_Processing::Result update_config(Pass_Scope& pass, const Json_Document& config,
-                                                    const Json::Value& mapping);
-  std::vector<Check_Fault> find_rejections(const Json_Document& config,
-                                           const Json_Document* mapping,
-                                           const Json::Value& schedules);
+                                                    const Json_Document* mapping,
+                                                    std::vector<Check_Fault>& noted);
   void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);

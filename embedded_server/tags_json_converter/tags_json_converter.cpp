@@ -2,20 +2,33 @@
 
 #include <fmt/format.h>
 
-#include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "vemora/platform/errors/error_codes.h"
-#include "vemora/platform/errors/vemora_error.h"
+#include "vemora/platform/tags/tag_filter_error.h"
 
 namespace kuv::vemora::Vemora_Tags_JSON_Converter {
 namespace {
 
 using Terms = std::set<ODB_Utils::Tag_Search_Term>;
 
-[[noreturn]] void reject(const std::string& message) {
-  throw Backend_Error<std::runtime_error>(message, error_codes::invalid_document);
-}
+/// What is wrong with the filter.
+class Faults {
+ public:
+  void add(const Json::Value& wrong, std::string message) {
+    found_.push_back({std::move(message), static_cast<std::size_t>(wrong.getOffsetStart())});
+  }
+
+  void throw_if_any() {
+    if (!found_.empty()) {
+      throw Tag_Filter_Error(std::move(found_));
+    }
+  }
+
+ private:
+  std::vector<Tag_Filter_Error::Fault> found_;
+};
 
 /// One wanted value of a tag; false when `value` is none.
 bool add_term(const std::string& name, const Json::Value& value, Terms& terms) {
@@ -30,19 +43,22 @@ bool add_term(const std::string& name, const Json::Value& value, Terms& terms) {
   return false;
 }
 
-void add_terms(const std::string& name, const Json::Value& wanted, Terms& terms) {
+/// One fault a tag at most: it names the tag, and a name may be as long as the document.
+void add_terms(const std::string& name, const Json::Value& wanted, Terms& terms, Faults& faults) {
   if (!wanted.isArray()) {
     if (!add_term(name, wanted, terms)) {
-      reject(fmt::format("Tag \"{}\" must be a string, null or an array of them.", name));
+      faults.add(wanted,
+                 fmt::format("Tag \"{}\" must be a string, null or an array of them.", name));
     }
     return;
   }
   if (wanted.empty()) {
-    reject(fmt::format("Tag \"{}\" has an empty array.", name));
+    faults.add(wanted, fmt::format("Tag \"{}\" has an empty array.", name));
   }
   for (const Json::Value& value : wanted) {
     if (!add_term(name, value, terms)) {
-      reject(fmt::format("Tag \"{}\" must be an array of strings and nulls.", name));
+      faults.add(value, fmt::format("Tag \"{}\" must be an array of strings and nulls.", name));
+      return;
     }
   }
 }
@@ -50,14 +66,17 @@ void add_terms(const std::string& name, const Json::Value& wanted, Terms& terms)
 }  // namespace
 
 Terms parse_search_tags(const Json::Value& tags) {
-  if (!tags.isObject()) {
-    reject("A tag filter must be a JSON object.");
-  }
   Terms terms;
+  Faults faults;
+  if (!tags.isObject()) {
+    faults.add(tags, "A tag filter must be a JSON object.");
+    faults.throw_if_any();
+  }
   const auto end = tags.end();
   for (auto tag = tags.begin(); tag != end; ++tag) {
-    add_terms(tag.name(), *tag, terms);
+    add_terms(tag.name(), *tag, terms, faults);
   }
+  faults.throw_if_any();
   return terms;
 }
 

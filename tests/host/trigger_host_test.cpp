@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <functional>
 #include <stdexcept>
@@ -315,7 +316,7 @@ TEST_F(Trigger_Host_Test, tells_what_a_document_was_rejected_for_as_check_does) 
                            "Failed to parse trigger config: \"id\" field is missing or invalid.")));
   ASSERT_TRUE(outcome.rejection);
   const auto checked = host().check(Json_Document(config), nullptr);
-  ASSERT_EQ(checked.size(), 1);
+  ASSERT_EQ(checked.size(), 4);  // it has no name, no tags and no sources either
   for (const Check_Fault& fault : {*outcome.rejection, checked.front()}) {
     EXPECT_EQ(fault.document, "config");
     EXPECT_EQ(fault.fault.message, "\"id\" field is missing or invalid.");
@@ -340,14 +341,14 @@ std::vector<std::string> texts_of(const std::vector<Check_Fault>& faults) {
   return texts;
 }
 
-TEST_F(Trigger_Host_Test, checks_every_trigger_and_every_association) {
+TEST_F(Trigger_Host_Test, tells_every_fault_of_every_trigger_and_association) {
   const Json_Document config(R"({"properties": {"notificationNackDelayMs": "1"}, "triggers": [
 {"id": 1, "name": "fine", "tags": {}, "sources": [{"type": "metadata-event"}]},
-{"id": 2, "name": 2},
+{"id": 2, "name": 2, "scheduleIds": 3},
 {"id": 1, "name": "twin", "tags": {}, "sources": [{"type": "metadata-event"}]},
 7,
 {"id": 3, "name": "", "tags": {}, "sources": [{"type": "external"}, {"type": "onvif-metadata"}]},
-{"id": 2, "name": "", "tags": {}, "sources": []}]})");
+{"id": 4, "name": "", "tags": {"camera": {"a": 1}}, "sources": []}]})");
   const Json_Document mapping(R"({"triggerMapping": [
 {"scheduleIds": [], "triggerIds": [1]}, {"triggerIds": [1]},
 {"scheduleIds": [], "triggerIds": []}]})");
@@ -359,20 +360,117 @@ TEST_F(Trigger_Host_Test, checks_every_trigger_and_every_association) {
           R"(mapping 2:41 1 -: "scheduleIds" array is missing or invalid.)",
           R"(mapping 3:35 2 -: "triggerIds" array is empty.)",
           R"(config 3:19 1 2: "name" field is missing or invalid.)",
+          R"(config 3:1 1 2: "tags" must be a JSON object.)",
+          R"(config 3:1 1 2: "sources" array is missing or invalid.)",
+          R"(config 3:37 1 2: "scheduleIds" array is missing or invalid.)",
           R"(config 4:8 2 1: All "id" values must be unique, 1 is duplicated.)",
           R"(config 5:1 3 -: "triggers" must be an array of JSON objects.)",
           R"(config 6:69 4 3: An onvif-metadata source has a missing or invalid "onvifTopic" field.)",
-          R"(config 7:46 5 2: "sources" array is empty.)"));
+          R"(config 7:47 5 4: Tag "a" must be a string, null or an array of them.)",
+          R"(config 7:64 5 4: "sources" array is empty.)"));
 }
 
-TEST_F(Trigger_Host_Test, checks_no_further_what_the_first_fault_makes_senseless) {
-  const Json_Document valid("{}");
-  EXPECT_THAT(texts_of(host().check(Json_Document(R"({"properties": 1, "triggers": 1})"), &valid)),
-              ElementsAre(R"(config 1:16 - -: "properties" must be a JSON object.)"));
-  foreign_program().execute("DELETE FROM server");
+TEST_F(Trigger_Host_Test, tells_what_else_is_wrong_behind_a_fault_of_a_whole_document) {
+  const Json_Document nothing("{}");
   EXPECT_THAT(
-      texts_of(host().check(Json_Document(R"({"triggers": [{}]})"), &valid)),
-      ElementsAre("config 0:0 - -: Failed to retrieve server tags due to invalid server ID"));
+      texts_of(host().check(Json_Document(R"({"properties": 1, "triggers": 1})"), &nothing)),
+      ElementsAre(R"(config 1:16 - -: "properties" must be a JSON object.)",
+                  R"(mapping 1:1 - -: "triggerMapping" array is missing or invalid.)",
+                  R"(config 1:31 - -: Missing "triggers" array.)"));
+  const Json_Document list("[]");
+  EXPECT_THAT(texts_of(host().check(list, &list)),
+              ElementsAre("config 1:1 - -: Trigger configuration must be a JSON object.",
+                          "mapping 1:1 - -: Trigger mapping must be a JSON object."));
+  foreign_program().execute("DELETE FROM server");
+  EXPECT_THAT(texts_of(host().check(Json_Document(R"({"triggers": [7]})"), nullptr)),
+              ElementsAre("config 0:0 - -: Failed to retrieve server tags due to invalid server ID",
+                          R"(config 1:15 0 -: "triggers" must be an array of JSON objects.)"));
+}
+
+TEST_F(Trigger_Host_Test, tells_no_place_in_a_stored_mapping) {
+  apply(a_config, R"({"triggerMapping": []})");
+  foreign_program().execute(
+      "UPDATE document SET text = '{\"triggerMapping\": [7]}' "
+      "WHERE kind = 'mapping'");
+  const Json_Document config(a_config);
+
+  EXPECT_THAT(
+      texts_of(host().check(config, nullptr)),
+      ElementsAre(R"(mapping 0:0 0 -: "triggerMapping" must be an array of JSON objects.)"));
+  const auto rejection = host().apply(config, nullptr).rejection;
+  ASSERT_TRUE(rejection);
+  EXPECT_EQ(texts_of({*rejection}), texts_of(host().check(config, nullptr)));
+}
+
+TEST_F(Trigger_Host_Test, takes_a_stored_mapping_without_a_list_for_an_empty_one) {
+  apply(a_config, R"({"triggerMapping": []})");
+  foreign_program().execute("UPDATE document SET text = '{}' WHERE kind = 'mapping'");
+
+  EXPECT_THAT(host().check(Json_Document(a_config), nullptr), IsEmpty());
+  EXPECT_EQ(apply(a_config).status, Status::done);
+}
+
+TEST_F(Trigger_Host_Test, rejects_a_mapping_that_is_given_without_its_list) {
+  apply(a_config, R"({"triggerMapping": [ ]})");
+
+  for (const char* mapping : {"{}", R"({"triggerMapping": null})"}) {
+    const Pass_Outcome outcome = apply(a_config, mapping);
+    EXPECT_EQ(outcome.status, Status::rejected);
+    EXPECT_THAT(outcome.errors,
+                ElementsAre(is_error(Error::Category::rejected_document,
+                                     "Failed to parse trigger config: \"triggerMapping\" array is "
+                                     "missing or invalid.")));
+    EXPECT_THAT(stored_documents(),
+                testing::Contains(row("mapping", R"({"triggerMapping": [ ]})")));
+  }
+}
+
+/// Runs on a thread with as little stack as servers give theirs.
+void run_on_a_small_stack(const std::function<void()>& work) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20), 0);
+  pthread_t thread{};
+  const auto run = [](void* given) -> void* {
+    (*static_cast<const std::function<void()>*>(given))();
+    return nullptr;
+  };
+  std::function<void()> copy = work;
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, &copy), 0);
+  EXPECT_EQ(pthread_join(thread, nullptr), 0);
+  EXPECT_EQ(pthread_attr_destroy(&attributes), 0);
+}
+
+TEST_F(Trigger_Host_Test, needs_no_more_stack_for_a_longer_name) {
+  host();
+  for (const std::size_t letters : {4000, 30000, 4000000}) {
+    const std::string name(letters, 'x');
+    const std::string config =
+        R"({"triggers": [{"id": 7, "name": "", "sources": [{"type": "metadata-event"}],
+"tags": {"server": {")" +
+        name + R"(": 1}}}]})";
+    run_on_a_small_stack([&] {
+      const auto found = host().check(Json_Document(config), nullptr);
+      ASSERT_EQ(found.size(), 1);
+      EXPECT_EQ(found[0].fault.message,
+                "Tag \"" + name + "\" must be a string, null or an array of them.");
+      EXPECT_EQ(found[0].fault.location.column, 24 + letters);
+      EXPECT_EQ(apply(config).status, Status::rejected);
+    });
+  }
+}
+
+TEST_F(Trigger_Host_Test, needs_no_more_stack_for_deeper_values) {
+  host();
+  const std::string deep = std::string(990, '[') + std::string(990, ']');
+  run_on_a_small_stack([&] {
+    EXPECT_THAT(
+        texts_of(host().check(Json_Document(R"({"triggers": [{"id": 7, "name": "",
+"sources": [{"type": "metadata-event"}], "tags": {}, "scheduleIds": [)" +
+                                            deep + "]}]}"),
+                              nullptr)),
+        ElementsAre(R"(config 2:71 0 7: "scheduleIds" must be an array of unsigned integers.)"));
+  });
 }
 
 TEST_F(Trigger_Host_Test, rejects_a_mapping_that_is_no_object) {
@@ -469,7 +567,7 @@ TEST_P(Damaged_Documents, are_no_fault_of_a_new_configuration) {
   const Json_Document config(a_config);
   EXPECT_EQ(complaint_of([&] { host().apply(config, nullptr); }), damaged_mapping);
   EXPECT_EQ(complaint_of([&] { host().check(config, nullptr); }), damaged_mapping);
-  const Json_Document mapping("{}");
+  const Json_Document mapping(R"({"triggerMapping": []})");
   EXPECT_THAT(host().check(config, &mapping), IsEmpty());
 }
 

@@ -3,15 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cctype>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
-#include <string_view>
-#include <utility>
 
 #include "unit/parser_test.h"
+#include "unit/source_sentences.h"
 
 namespace kuv::test {
 namespace {
@@ -35,98 +30,8 @@ class Every_Message_Is_Asserted : public ::testing::Environment {
 const auto* const every_message_is_asserted =
     ::testing::AddGlobalTestEnvironment(new Every_Message_Is_Asserted);
 
-// What the parser's sources say
-
-std::string text_of(const std::filesystem::path& path) {
-  std::ifstream stream(path);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-/// Reads the string literals of a source text. Those that nothing stands between are one; comments
-/// and includes, which quote things too, are passed over.
-class Literal_Reader {
- public:
-  explicit Literal_Reader(std::string source) : source_(std::move(source)) {}
-
-  std::vector<std::string> read() {
-    while (place_ < source_.size()) {
-      step();
-    }
-    return literals_;
-  }
-
- private:
-  void step() {
-    const char character = source_[place_];
-    if (character == '#' || source_.compare(place_, 2, "//") == 0) {
-      place_ = std::min(source_.find('\n', place_), source_.size());
-    } else if (character == '"') {
-      read_literal();
-    } else {
-      joins_ = joins_ && std::isspace(static_cast<unsigned char>(character)) != 0;
-      ++place_;
-    }
-  }
-
-  void read_literal() {
-    if (!joins_) {
-      literals_.emplace_back();
-    }
-    for (++place_; source_.at(place_) != '"'; ++place_) {
-      if (source_[place_] == '\\') {
-        ++place_;  // what is escaped in these texts stands for itself
-      }
-      literals_.back() += source_.at(place_);
-    }
-    ++place_;
-    joins_ = true;
-  }
-
-  std::string source_;
-  std::size_t place_ = 0;
-  bool joins_ = false;  ///< nothing came since the last literal
-  std::vector<std::string> literals_;
-};
-
-/// A sentence; names of keys, modes and channels are none.
-bool is_sentence(const std::string& text) {
-  return text.find(' ') != std::string::npos;
-}
-
-bool is_log_line(const std::string& text) {
-  return text.find(" | ") != std::string::npos;
-}
-
-/// Whether a pattern of the sources, its holes filled, can become that text.
-bool can_become(std::string_view pattern, std::string_view text) {
-  const std::size_t hole = pattern.find("{}");
-  if (hole == std::string_view::npos) {
-    return pattern == text;
-  }
-  if (text.substr(0, hole) != pattern.substr(0, hole)) {
-    return false;
-  }
-  for (std::size_t end = hole + 1; end <= text.size(); ++end) {
-    if (can_become(pattern.substr(hole + 2), text.substr(end))) {
-      return true;
-    }
-  }
-  return false;
-}
-
 std::vector<std::string> message_patterns() {
-  std::vector<std::string> patterns;
-  for (const auto& entry : std::filesystem::directory_iterator(VEMORA_PARSER_SOURCES)) {
-    if (entry.path().extension() != ".cpp") {
-      continue;
-    }
-    for (const std::string& literal : Literal_Reader(text_of(entry.path())).read()) {
-      if (is_sentence(literal) && !is_log_line(literal)) {
-        patterns.push_back(literal);
-      }
-    }
-  }
-  return patterns;
+  return sentences_of_sources(VEMORA_PARSER_SOURCES);
 }
 
 TEST(Message_Register, lists_every_sentence_of_the_parser) {
@@ -140,11 +45,10 @@ TEST(Message_Register, lists_every_sentence_of_the_parser) {
 }
 
 TEST(Literals_Of_A_Source, are_read_as_the_compiler_reads_them) {
-  EXPECT_THAT(Literal_Reader(R"(#include "a.h"
+  EXPECT_THAT(literals_of(R"(#include "a.h"
       f("one"); // "none"
       g("two \"quoted\" " /* no */, "three"
-        " and" "\\");)")
-                  .read(),
+        " and" "\\");)"),
               ::testing::ElementsAre("one", "two \"quoted\" ", "three and\\"));
 }
 

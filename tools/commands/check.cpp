@@ -1,7 +1,4 @@
-#include <algorithm>
 #include <iostream>
-#include <iterator>
-#include <vector>
 
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
@@ -35,10 +32,8 @@ Exit_Status check(const Options& options, const std::string& config_path,
     print_valid(options);
     return exit_done;
   }
-  std::vector<Located_Fault> faults;
-  std::transform(found.begin(), found.end(), std::back_inserter(faults),
-                 [&](const auto& fault) { return documents.locate(fault); });
-  print_faults(options, faults);
+  print_faults(options, found.size(),
+               [&](std::size_t number) { return documents.locate(found[number]); });
   return exit_rejected;
 }
 

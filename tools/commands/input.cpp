@@ -1,6 +1,5 @@
 #include "tools/commands/input.h"
 
-#include <string_view>
 #include <utility>
 
 namespace kuv::vemora::tools {
@@ -26,10 +25,12 @@ Trigger_Documents::Trigger_Documents(std::string config_path, std::string mappin
 
 Located_Fault Trigger_Documents::locate(const embedded_server::Check_Fault& found) const {
   const bool in_config = found.document == "config";
-  const Json_Document* const document = in_config ? &config_ : mapping();
-  const std::string_view line =
-      document != nullptr ? document->line(found.fault.location.line) : std::string_view();
-  return {found.document, in_config ? config_path_ : mapping_path_, found.fault, line, found.index,
+  return {found.document,
+          in_config ? config_path_ : mapping_path_,
+          found.fault,
+          in_config ? &config_ : mapping(),
+          {},
+          found.index,
           found.id};
 }
 

@@ -16,7 +16,9 @@ struct Unreadable_Document {
   embedded_server::Document_Fault fault;
   std::string line;
 
-  Located_Fault located() const { return {role, path, fault, line, std::nullopt, std::nullopt}; }
+  Located_Fault located() const {
+    return {role, path, fault, nullptr, line, std::nullopt, std::nullopt};
+  }
 };
 
 /// Reads a document; throws Unreadable_Document.

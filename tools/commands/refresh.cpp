@@ -7,7 +7,7 @@ Exit_Status refresh(const Options& options) {
   return run_pass(
       options, "refreshing", [](auto& host) { return host.refresh(); },
       [](const auto& fault) {
-        return Located_Fault{fault.document, "", fault.fault, "", fault.index, fault.id};
+        return Located_Fault{fault.document, "", fault.fault, nullptr, "", fault.index, fault.id};
       });
 }
 

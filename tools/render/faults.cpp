@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iostream>
 #include <string_view>
 
@@ -19,6 +20,7 @@ using embedded_server::printable;
 
 constexpr std::size_t widest_side = 60;  ///< letters before the place of a fault, and from it on
 constexpr std::size_t most_excerpts = 100;
+constexpr std::size_t most_messages = 1000;  ///< more than anybody reads
 
 std::string place_of(const Located_Fault& located) {
   std::string place = located.path.empty() ? "stored " + located.role : printable(located.path);
@@ -43,14 +45,24 @@ std::string shown_beginning(std::string_view text) {
   return printable(beginning) + (beginning.size() < text.size() ? "..." : "");
 }
 
+embedded_server::Surroundings surroundings_of(const Located_Fault& located) {
+  if (located.document != nullptr) {
+    return located.document->surroundings(located.fault.location);
+  }
+  const std::string_view line = located.line;
+  const std::string_view before = first_letters(line, located.fault.location.column - 1);
+  return {before, line.substr(before.size())};
+}
+
 /// What surrounds the fault in its line, with a mark under its place.
 void print_excerpt(const Located_Fault& located) {
-  if (located.line.empty() || located.fault.location.column == 0) {
+  const bool line_is_known = located.document != nullptr || !located.line.empty();
+  if (!line_is_known || located.fault.location.column == 0) {
     return;
   }
-  const std::string_view before = first_letters(located.line, located.fault.location.column - 1);
+  const auto [before, behind] = surroundings_of(located);
   const std::string shown_before = shown_end(before);
-  std::cout << "    " << shown_before << shown_beginning(located.line.substr(before.size())) << '\n'
+  std::cout << "    " << shown_before << shown_beginning(behind) << '\n'
             << "    " << std::string(count_letters(shown_before), ' ') << in_red("^") << '\n';
 }
 
@@ -64,15 +76,32 @@ void print_message(const Located_Fault& located) {
   std::cout << '\n';
 }
 
-/// Every fault, and of the first ones the line.
-void print_for_people(const std::vector<Located_Fault>& faults) {
-  std::size_t excerpts = 0;
-  for (const Located_Fault& located : faults) {
+/// The first faults, and of the very first ones the line.
+void print_for_people(std::size_t count,
+                      const std::function<Located_Fault(std::size_t)>& fault_at) {
+  const std::size_t told = std::min(count, most_messages);
+  for (std::size_t number = 0; number < told; ++number) {
+    const Located_Fault located = fault_at(number);
     print_message(located);
-    if (excerpts++ < most_excerpts) {
+    if (number < most_excerpts) {
       print_excerpt(located);
     }
   }
+  if (told < count) {
+    std::cout << fmt::format("{} more {}; --json tells of each.\n", count - told,
+                             count - told == 1 ? "error" : "errors");
+  }
+}
+
+/// Texts, and not values of the JSON library: those take many times the room.
+std::string to_json(std::size_t count, const std::function<Located_Fault(std::size_t)>& fault_at) {
+  Json_Texts texts;
+  std::string answer = R"({"errors":[)";
+  for (std::size_t number = 0; number < count; ++number) {
+    answer += number == 0 ? "" : ",";
+    answer += texts.of(to_json(fault_at(number)));
+  }
+  return answer + R"(],"success":false})";
 }
 
 }  // namespace
@@ -99,18 +128,17 @@ void print_for_people(const Located_Fault& located) {
   print_excerpt(located);
 }
 
+void print_faults(const Options& options, std::size_t count,
+                  const std::function<Located_Fault(std::size_t)>& fault_at) {
+  if (options.json) {
+    std::cout << to_json(count, fault_at) << '\n';
+  } else {
+    print_for_people(count, fault_at);
+  }
+}
+
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults) {
-  if (!options.json) {
-    print_for_people(faults);
-    return;
-  }
-  Json::Value answer(Json::objectValue);
-  answer["success"] = false;
-  answer["errors"] = Json::Value(Json::arrayValue);
-  for (const Located_Fault& located : faults) {
-    answer["errors"].append(to_json(located));
-  }
-  print_json(answer);
+  print_faults(options, faults.size(), [&](std::size_t number) { return faults[number]; });
 }
 
 void print_wrong_usage(bool json, const std::string& message) {

@@ -2,14 +2,15 @@
 
 #include <json/value.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tools/options.h"
-#include "vemora/embedded_server/host/document_fault.h"
+#include "vemora/embedded_server/host/json_document.h"
 
 namespace kuv::vemora::tools {
 
@@ -18,7 +19,8 @@ struct Located_Fault {
   std::string role;  ///< "inventory", "config" or "mapping"
   std::string path;  ///< empty: the stored one
   embedded_server::Document_Fault fault;
-  std::string_view line;  ///< that the fault stands in; empty when it is not known
+  const embedded_server::Json_Document* document = nullptr;  ///< null when it is not at hand
+  std::string line;  ///< without a document, the line of the fault as far as it is known
   std::optional<std::size_t> index;
   std::optional<std::uint64_t> id;
 };
@@ -28,7 +30,10 @@ Json::Value to_json(const Located_Fault& located);
 /// Prints where a fault is, what it is and the line that it stands in.
 void print_for_people(const Located_Fault& located);
 
-/// Prints why documents are rejected.
+/// Prints why documents are rejected: as JSON each fault; for people the first ones, and how many
+/// more there are.
+void print_faults(const Options& options, std::size_t count,
+                  const std::function<Located_Fault(std::size_t)>& fault_at);
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults);
 
 /// Prints why a command line was not understood.

@@ -1,18 +1,30 @@
 #include "tools/render/json.h"
 
-#include <json/writer.h>
-
 #include <iostream>
-#include <memory>
+#include <sstream>
 
 namespace kuv::vemora::tools {
+namespace {
 
-void print_json(const Json::Value& value) {
+std::unique_ptr<Json::StreamWriter> make_writer() {
   Json::StreamWriterBuilder builder;
   builder["indentation"] = "";
-  const std::unique_ptr<Json::StreamWriter> writer(builder.newStreamWriter());
-  writer->write(value, &std::cout);
-  std::cout << '\n';
+  return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+}
+
+}  // namespace
+
+Json_Texts::Json_Texts() : writer_(make_writer()) {}
+
+std::string Json_Texts::of(const Json::Value& value) {
+  std::ostringstream stream;
+  stream.exceptions(std::ios::badbit);  // or a text might lack its end
+  writer_->write(value, &stream);
+  return stream.str();
+}
+
+void print_json(const Json::Value& value) {
+  std::cout << Json_Texts().of(value) << '\n';
 }
 
 }  // namespace kuv::vemora::tools

@@ -135,10 +135,23 @@ Json::Value errors_to_json(const Pass_Outcome& outcome) {
   return list;
 }
 
-Json::Value to_json(const Pass_Outcome& outcome) {
+/// The members of a fault beside those of an error; the message stays the library's.
+void add_place(Json::Value& error, const Located_Fault& fault) {
+  const Json::Value place = to_json(fault);
+  for (auto member = place.begin(); member != place.end(); ++member) {
+    if (!error.isMember(member.name())) {
+      error[member.name()] = *member;
+    }
+  }
+}
+
+Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place) {
   Json::Value answer = empty_object();
   answer["success"] = outcome.status == Pass_Outcome::Status::done;
   answer["errors"] = errors_to_json(outcome);
+  if (place) {
+    add_place(answer["errors"][0], *place);
+  }
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
   answer["changes"] = to_json(outcome.changes);
@@ -235,7 +248,7 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
 void print_outcome(const Options& options, const Pass_Outcome& outcome,
                    const std::optional<Located_Fault>& place) {
   if (options.json) {
-    print_json(to_json(outcome));
+    print_json(to_json(outcome, place));
   } else {
     print_for_people(outcome, place);
   }
@@ -245,15 +258,7 @@ void print_no_pass(const Options& options, const Located_Fault& fault) {
   Pass_Outcome outcome;
   outcome.status = Pass_Outcome::Status::rejected;
   outcome.errors = {{Error::Category::rejected_document, fault.fault.message}};
-  if (!options.json) {
-    return print_for_people(outcome, fault);
-  }
-  Json::Value answer = to_json(outcome);
-  Json::Value place = to_json(fault);
-  for (auto member = place.begin(); member != place.end(); ++member) {
-    answer["errors"][0][member.name()] = *member;
-  }
-  print_json(answer);
+  print_outcome(options, outcome, fault);
 }
 
 void print_failed_pass(const Options& options, const std::string& message) {
@@ -262,7 +267,7 @@ void print_failed_pass(const Options& options, const std::string& message) {
   }
   Pass_Outcome outcome;
   outcome.errors = {{Error::Category::failed_processing, message}};
-  print_json(to_json(outcome));
+  print_json(to_json(outcome, std::nullopt));
 }
 
 }  // namespace kuv::vemora::tools

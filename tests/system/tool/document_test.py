@@ -48,7 +48,7 @@ class Checked_Documents(Site):
         self.assertEqual((error["index"], error["id"], error["line"]), (0, 7, 4))
 
     def test_every_trigger_and_association_with_a_fault_is_told(self):
-        errors = self.errors(config({"id": 1}, trigger(2), {**trigger(3), "sources": []}),
+        errors = self.errors(config({**trigger(1), "name": None}, trigger(2), {**trigger(3), "sources": []}),
                              mapping(([], [1]), ([], []), (["x"], [1])))
         self.assertEqual([(error["document"], error["index"], error.get("id"), error["message"]) for error in errors], [
             ("mapping", 1, None, "\"triggerIds\" array is empty."),
@@ -57,8 +57,35 @@ class Checked_Documents(Site):
             ("config", 2, 3, "\"sources\" array is empty.")])
         self.assertEqual(self.run_tool("check", "config.json", "mapping.json").text.count(": error: "), 4)
 
+    def test_wrong_schedules_and_tags_are_marked_themselves(self):
+        document = """{"triggers": [{"id": 7, "name": "",
+  "tags": {"camera": {"area": 3}},
+  "sources": [{"type": "metadata-event"}],
+  "scheduleIds": 3}]}
+"""
+        self.assertEqual([(error["message"], error["line"], error["column"]) for error in self.errors(document)], [
+            ("Tag \"area\" must be a string, null or an array of them.", 2, 31),
+            ("\"scheduleIds\" array is missing or invalid.", 4, 18)])
+
+    def test_a_name_of_any_length_is_told_of(self):
+        name = "x" * 30000
+        document = config({**trigger(7), "tags": {"server": {name: 1}}})
+        [error] = self.errors(document)
+        self.assertEqual(error["message"], f"Tag \"{name}\" must be a string, null or an array of them.")
+        self.assertEqual(self.apply(document, expected=REJECTED)["errors"][0]["id"], 7)
+
+    def test_people_are_told_of_a_thousand_faults_and_how_many_more_there_are(self):
+        self.write("config.json", config(*[7] * 2500))
+        outcome = self.run_tool("check", "config.json")
+        self.assertEqual(outcome.status, REJECTED)
+        lines = outcome.text.splitlines()
+        self.assertEqual(sum(": error: " in line for line in lines), 1000)
+        self.assertEqual(lines[-1], "1500 more errors; --json tells of each.")
+        errors = self.run_tool("--json", "check", "config.json").json["errors"]
+        self.assertEqual([error["index"] for error in errors], list(range(2500)))
+
     def test_a_trigger_without_an_id_is_told_by_its_index(self):
-        [error] = self.errors(config(trigger(6), {"name": "x"}))
+        [error] = self.errors(config(trigger(6), {**trigger(7), "id": None}))
         self.assertEqual((error["message"], error["index"]), ("\"id\" field is missing or invalid.", 1))
         self.assertNotIn("id", error)
 
@@ -95,16 +122,29 @@ class Checked_Documents(Site):
             with self.subTest(what):
                 document = config({**trigger(7), **broken})
                 [applied] = self.apply(document, expected=REJECTED)["errors"]
-                self.assertEqual(applied["message"],
-                                 "Failed to parse trigger config: " + self.errors(document)[0]["message"])
+                first = self.errors(document)[0]
+                self.assertEqual(applied, {**first, "category": 0,
+                                           "message": "Failed to parse trigger config: " + first["message"]})
 
     def test_people_read_file_line_and_column_and_the_line(self):
-        self.write("config.json", '{"triggers": [\n  {"id": "x"}\n]}')
+        self.write("config.json", '{"triggers": [\n  {"id": "x"},\n  7\n]}')
         outcome = self.run_tool("check", "config.json")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
 config.json:2:10: error: "id" field is missing or invalid. (element 0)
-      {"id": "x"}
+      {"id": "x"},
              ^
+config.json:2:3: error: "name" field is missing or invalid. (element 0)
+      {"id": "x"},
+      ^
+config.json:2:3: error: "tags" must be a JSON object. (element 0)
+      {"id": "x"},
+      ^
+config.json:2:3: error: "sources" array is missing or invalid. (element 0)
+      {"id": "x"},
+      ^
+config.json:3:3: error: "triggers" must be an array of JSON objects. (element 1)
+      7
+      ^
 """))
 
     def test_people_read_of_a_long_line_what_surrounds_the_fault(self):

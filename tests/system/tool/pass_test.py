@@ -1,5 +1,6 @@
 """apply and refresh: what they answer, write, store and leave alone."""
 
+import json
 import unittest
 
 from tool_site import (CROSSED, DONE, FAILED, LARGEST_ID, MOTION, NO_OBJECT, REJECTED, TRIGGER_ERRORS, Site, camera,
@@ -97,7 +98,8 @@ class Applied_Documents(Site):
         before = self.rows()
         answer = self.apply({}, expected=REJECTED)
         self.assertEqual(answer["errors"], [{
-            "category": 0, "message": "Failed to parse trigger config: Missing \"triggers\" array."}])
+            "category": 0, "message": "Failed to parse trigger config: Missing \"triggers\" array.",
+            "document": "config", "line": 1, "column": 1}])
         self.assertIsNone(answer["state"])
         self.assertEqual(self.rows(), before)
 
@@ -119,19 +121,34 @@ class Applied_Documents(Site):
         answer = self.apply(config(), {"triggerMapping": [{}]}, expected=REJECTED)
         self.assertEqual(answer["errors"], [{
             "category": 0,
-            "message": "Failed to parse trigger config: \"scheduleIds\" array is missing or invalid."}])
+            "message": "Failed to parse trigger config: \"scheduleIds\" array is missing or invalid.",
+            "document": "mapping", "index": 0, "line": 1, "column": 21}])
         self.assertEqual(self.rows(), before)
+
+    def test_a_mapping_without_its_list_is_rejected_and_the_stored_one_stays(self):
+        stored = mapping(([2], [7]))
+        self.apply(config(trigger(7, scheduleIds=[1])), stored)
+        before = self.rows()
+        for associations in ({}, {"triggerMapping": None}, {"triggermapping": []}):
+            with self.subTest(associations):
+                [error] = self.apply(config(trigger(7, scheduleIds=[1])), associations, expected=REJECTED)["errors"]
+                self.assertEqual(error["message"], "Failed to parse trigger config: "
+                                                   "\"triggerMapping\" array is missing or invalid.")
+                self.assertEqual(error["document"], "mapping")
+                self.assertEqual(self.rows(), before)
+        self.assertEqual(json.loads(self.run_tool("show", "mapping").out), stored)
 
     def test_documents_that_are_no_objects_are_rejected(self):
         before = self.rows()
         prefix = "Failed to parse trigger config: "
-        for what, documents, message in (
-                ("configuration", ([],), NO_OBJECT),
+        for document, documents, message in (
+                ("config", ([],), NO_OBJECT),
                 ("mapping", (config(), []), "Trigger mapping must be a JSON object."),
-                ("both", ([], []), NO_OBJECT)):
-            with self.subTest(what):
+                ("config", ([], []), NO_OBJECT)):
+            with self.subTest(documents):
                 answer = self.apply(*documents, expected=REJECTED)
-                self.assertEqual(answer["errors"], [{"category": 0, "message": prefix + message}])
+                self.assertEqual(answer["errors"], [{"category": 0, "message": prefix + message,
+                                                     "document": document, "line": 1, "column": 1}])
                 self.assertEqual(answer["changes"], NO_CHANGES)
                 self.assertFalse(answer["success"])
         self.assertEqual(self.rows(), before)
@@ -141,7 +158,8 @@ class Applied_Documents(Site):
         answer = self.apply(config(), expected=REJECTED)
         message = "Failed to retrieve server tags due to invalid server ID"
         self.assertEqual(answer["errors"],
-                         [{"category": 0, "message": f"Failed to parse trigger config: {message}"}])
+                         [{"category": 0, "message": f"Failed to parse trigger config: {message}",
+                           "document": "config"}])
         self.assertEqual([error["message"] for error in self.check(config())["errors"]], [message])
 
     def test_a_refresh_of_a_site_that_lost_its_server_record_fails(self):

@@ -26,8 +26,8 @@ LARGEST_ID = 18446744073709551615
 
 DONE, TRIGGER_ERRORS, REJECTED, FAILED, WRONG_USAGE = 0, 1, 2, 3, 64
 
-# What the JSON library says of a document whose properties are looked up in something else than an object.
-NO_OBJECT = "in Json::Value::find(begin, end): requires objectValue or nullValue"
+# What the parser says of a configuration that is a list.
+NO_OBJECT = "Trigger configuration must be a JSON object."
 
 MOTION = "tns1:VideoSource/MotionAlarm"
 CROSSED = "tns1:RuleEngine/LineDetector/Crossed"

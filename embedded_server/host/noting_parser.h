@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "vemora/embedded_server/host/located_faults.h"
+#include "vemora/trigger_parser/vemora_trigger_parser.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// The parser of a pass on new documents. It throws what the parser throws, and notes what that was
+/// about.
+class Noting_Parser : public Trigger_Parser {
+ public:
+  /// Notes in `noted`, which outlives the parser. A mapping that is given is read as it was given,
+  /// and not as the manager completed it: in a new document nothing may be missing.
+  Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
+                const Json_Document& config, const Json_Document* mapping,
+                std::vector<Check_Fault>& noted);
+
+  Trigger_Mapping parse_trigger_mapping(const Json::Value& document) override;
+  std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
+                                                    const Trigger_Mapping& mapping) override;
+  Notification_Properties parse_config_properties(const Json::Value& document) override;
+
+ private:
+  Vemora_Trigger_Parser parser_;
+  const Json_Document* mapping_;
+  Located_Faults in_config_;
+  Located_Faults in_mapping_;
+};
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,51 @@
+#include "trigger_parser/parse_tags.h"
+
+#include <exception>
+#include <new>
+
+#include "trigger_parser/find_members.h"
+#include "vemora/platform/tags/tag_filter_error.h"
+#include "vemora/platform/tags/tags_json_converter.h"
+
+namespace kuv::vemora {
+namespace {
+
+using Terms = std::set<ODB_Utils::Tag_Search_Term>;
+
+Terms parse_tag_filter(const Json::Value& filter, Faults& faults) {
+  if (filter.isNull()) {
+    return {};
+  }
+  try {
+    return Vemora_Tags_JSON_Converter::parse_search_tags(filter);
+  } catch (const Tag_Filter_Error& error) {
+    for (const auto& fault : error.faults()) {
+      if (!faults.tell(fault.message, fault.offset)) {
+        throw;
+      }
+    }
+  } catch (const std::bad_alloc&) {
+    throw;  // says nothing about the filter
+  } catch (const std::exception& error) {
+    if (!faults.tell(error.what(), offset_of(filter))) {
+      throw;
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+Trigger_Config::Tags parse_tags(const Member& tags, Faults& faults) {
+  Trigger_Config::Tags parsed;
+  if (faults.require(tags.value.isObject(), tags, "\"tags\" must be a JSON object.")) {
+    const auto [server, camera, event_subscription] =
+        find_members(tags.value, "server", "camera", "eventSubscription");
+    parsed.server = parse_tag_filter(*server, faults);
+    parsed.camera = parse_tag_filter(*camera, faults);
+    parsed.event_subscription = parse_tag_filter(*event_subscription, faults);
+  }
+  return parsed;
+}
+
+}  // namespace kuv::vemora
