@@ -366,7 +366,7 @@ TEST_F(Trigger_Host_Test, tells_every_fault_of_every_trigger_and_association) {
           R"(config 4:8 2 1: All "id" values must be unique, 1 is duplicated.)",
           R"(config 5:1 3 -: "triggers" must be an array of JSON objects.)",
           R"(config 6:69 4 3: An onvif-metadata source has a missing or invalid "onvifTopic" field.)",
-          R"(config 7:47 5 4: Tag "a" must be a string, null or an array of them.)",
+          R"(config 7:48 5 4: Tag "a" must be a string, null or an array of them.)",
           R"(config 7:64 5 4: "sources" array is empty.)"));
 }
 
@@ -454,7 +454,7 @@ TEST_F(Trigger_Host_Test, needs_no_more_stack_for_a_longer_name) {
       ASSERT_EQ(found.size(), 1);
       EXPECT_EQ(found[0].fault.message,
                 "Tag \"" + name + "\" must be a string, null or an array of them.");
-      EXPECT_EQ(found[0].fault.location.column, 24 + letters);
+      EXPECT_EQ(found[0].fault.location.column, 25 + letters);
       EXPECT_EQ(apply(config).status, Status::rejected);
     });
   }
@@ -469,7 +469,7 @@ TEST_F(Trigger_Host_Test, needs_no_more_stack_for_deeper_values) {
 "sources": [{"type": "metadata-event"}], "tags": {}, "scheduleIds": [)" +
                                             deep + "]}]}"),
                               nullptr)),
-        ElementsAre(R"(config 2:71 0 7: "scheduleIds" must be an array of unsigned integers.)"));
+        ElementsAre(R"(config 2:70 0 7: "scheduleIds" must be an array of unsigned integers.)"));
   });
 }
 

@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
+#include <new>
 #include <optional>
 #include <stdexcept>
 
 #include "support/stub_platform/stub_platform.h"
 #include "unit/parser_test.h"
+#include "unit/told_faults.h"
 #include "vemora/platform/errors/vemora_error.h"
 
 // The parser over a platform of stubs: which functions of the server's libraries it calls, and what
@@ -144,6 +146,45 @@ struct Failing_Tag_Library : Parser_Over_Stubs {
 
 TEST_F(Failing_Tag_Library, lets_faults_of_the_converter_through_unchanged) {
   expect_fault_unchanged("parse_search_tags");
+}
+
+TEST_F(Failing_Tag_Library, is_told_of_at_the_filter_that_it_was_given) {
+  given_failing("parse_search_tags", std::runtime_error("no filter of ours"));
+  const std::string text = R"({"triggers": [{"id": 7, "name": "", "anyTime": 1, "sources": [],
+      "tags": {"server": null, "camera": {"a": "1"}, "eventSubscription": [2]}}]})";
+  Told_Faults told;
+  parser.parse_trigger_configs(json(text), {}, told);
+
+  ASSERT_THAT(told.all, SizeIs(4));
+  EXPECT_EQ(told.all[0].message, "no filter of ours");
+  EXPECT_EQ(told.all[0].offset, text.find("{\"a\""));
+  EXPECT_EQ(told.all[0].index, 0);
+  EXPECT_EQ(told.all[0].id, 7);
+  EXPECT_EQ(told.all[1].message, "no filter of ours");
+  EXPECT_EQ(told.all[1].offset, text.find("[2]"));
+  EXPECT_EQ(told.all[2].message, "\"sources\" array is empty.");
+}
+
+TEST_F(Failing_Tag_Library,
+       says_nothing_of_a_filter_when_it_has_no_memory_or_throws_what_is_no_error) {
+  Told_Faults told;
+  const Json::Value document =
+      configuration({with(a_trigger(), "tags", R"({"server": {"a": "1"}})")});
+  given_failing("parse_search_tags", std::bad_alloc());
+  EXPECT_THROW(parser.parse_trigger_configs(document, {}, told), std::bad_alloc);
+  given_failing("parse_search_tags", Power_Failure());
+  EXPECT_THROW(parser.parse_trigger_configs(document, {}, told), Power_Failure);
+  EXPECT_THAT(told.all, IsEmpty());
+}
+
+TEST_F(Failing_Tag_Library, is_heard_unchanged_where_nobody_wants_more) {
+  given_failing("parse_search_tags", std::out_of_range("too far"));
+  Told_Faults told(1);
+  EXPECT_THROW(
+      parser.parse_trigger_configs(
+          configuration({with(a_trigger(), "tags", R"({"server": {"a": "1"}})")}), {}, told),
+      std::out_of_range);
+  EXPECT_THAT(told.all, SizeIs(1));
 }
 
 TEST_F(Failing_Tag_Library, lets_faults_of_the_match_through_unchanged) {
