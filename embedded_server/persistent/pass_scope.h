@@ -65,8 +65,9 @@ class VEMORA_API Pass_Scope {
   /// What the pass wrote; complete once it is committed or ended.
   const Changes& changes() const;
 
-  /// The cameras whose subscriptions changed, in this pass or in one that was cut short, and whose
-  /// streams have not been reconciled since. After end().
+  /// The cameras whose subscriptions were added, deleted, or updated with other triggers, in this
+  /// pass or in one that was cut short, and whose streams have not been reconciled since. A link
+  /// that went because its trigger was deleted is no change to the camera. After end().
   std::set<std::uint64_t> pending_cameras();
 
   /// Stores documents, where given, and strikes out cameras that were reconciled, in one

@@ -1,11 +1,13 @@
 #include "vemora/embedded_server/host/trigger_host.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <functional>
+#include <map>
 #include <stdexcept>
 
 #include "support/log_capture.h"
@@ -89,6 +91,18 @@ class Trigger_Host_Test : public testing::Test, public Database_Fixture {
   Pass_Outcome apply(const std::string& config, const std::string& mapping) {
     const Json_Document given(mapping);
     return host().apply(Json_Document(config), &given);
+  }
+
+  /// Triggers that listen to one topic each.
+  static std::string config_of(const std::map<std::uint64_t, std::string>& topics) {
+    std::vector<std::string> triggers;
+    for (const auto& [id, topic] : topics) {
+      triggers.push_back(fmt::format(
+          R"({{"id": {}, "name": "", "tags": {{}}, "sources": [
+              {{"type": "onvif-metadata", "onvifTopic": "{}"}}]}})",
+          id, topic));
+    }
+    return fmt::format(R"({{"triggers": [{}]}})", fmt::join(triggers, ", "));
   }
 
   Rows stored_documents() {
@@ -301,6 +315,51 @@ TEST_F(Trigger_Host_Test, reconciles_what_is_left_over_when_the_pass_fails_as_we
 
   EXPECT_EQ(outcome.status, Status::failed);
   EXPECT_THAT(outcome.reconciled, ElementsAre(10, 11));
+  EXPECT_THAT(pending_cameras(), IsEmpty());
+}
+
+TEST_F(Trigger_Host_Test, leaves_cameras_alone_whose_subscriptions_others_keep) {
+  apply(config_of({{7, "a"}, {8, "a"}}));
+  capture_manager->asked_for.clear();
+
+  const Pass_Outcome outcome = apply(config_of({{7, "a"}}));
+
+  EXPECT_EQ(outcome.status, Status::done);
+  EXPECT_EQ(outcome.changes.subscription_links.deleted.size(), 2U);
+  EXPECT_THAT(capture_manager->asked_for, IsEmpty());
+  EXPECT_THAT(outcome.reconciled, IsEmpty());
+  EXPECT_THAT(pending_cameras(), IsEmpty());
+}
+
+TEST_F(Trigger_Host_Test, reconciles_cameras_whose_subscriptions_go_with_their_last_trigger) {
+  site.given_camera(11).with_topic("b");
+  site.store_in(database());
+  apply(config_of({{7, "a"}, {8, "a"}, {9, "b"}}));
+  capture_manager->asked_for.clear();
+
+  const Pass_Outcome outcome = apply(config_of({{7, "a"}}));
+
+  EXPECT_EQ(outcome.changes.subscriptions.deleted.size(), 1U);
+  EXPECT_THAT(capture_manager->asked_for, ElementsAre(11));
+  EXPECT_THAT(outcome.reconciled, ElementsAre(11));
+}
+
+TEST_F(Trigger_Host_Test, reconciles_after_a_pass_cut_short_only_the_cameras_that_it_changed) {
+  site.given_camera(11).with_topic("b");
+  site.store_in(database());
+  apply(config_of({{7, "a"}, {8, "a"}}));
+  capture_manager->asked_for.clear();
+  capture_manager->act = [](std::uint64_t) { throw Strange_Exception(); };
+  EXPECT_THROW(apply(config_of({{7, "a"}, {9, "b"}})), Strange_Exception);
+  EXPECT_THAT(pending_cameras(), ElementsAre(11));
+
+  capture_manager->act = nullptr;
+  capture_manager->asked_for.clear();
+  restart();
+  const Pass_Outcome outcome = apply(config_of({{7, "a"}, {9, "b"}}));
+
+  EXPECT_THAT(capture_manager->asked_for, ElementsAre(11));
+  EXPECT_THAT(outcome.reconciled, ElementsAre(11));
   EXPECT_THAT(pending_cameras(), IsEmpty());
 }
 

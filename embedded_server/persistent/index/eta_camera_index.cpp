@@ -102,7 +102,7 @@ ETA_Camera_Index::Net_Changes ETA_Camera_Index::settle() {
     net.added.push_back({id, records_.find(id)->record->camera_id()});
   }
   net.deleted.assign(deleted_.begin(), deleted_.end());
-  net.links = records_.settle();
+  net.links = records_.settle().links;
   added_.clear();
   deleted_.clear();
   return net;

@@ -12,22 +12,36 @@ class Link_Journal {
  public:
   using Link = Changes::Link;
 
+  struct Net_Changes {
+    Changes::Of<Link> links;  ///< each list ascending by record and trigger
+    /// The records that were updated with other triggers; not those that only lost deleted ones.
+    std::vector<std::uint64_t> updated_records;
+  };
+
+  // Updates of the record.
   void note_added(std::uint64_t record_id, std::uint64_t trigger_id) {
-    events_.push_back({{record_id, trigger_id}, true});
+    events_.push_back({{record_id, trigger_id}, Event::Kind::added});
   }
   void note_removed(std::uint64_t record_id, std::uint64_t trigger_id) {
-    events_.push_back({{record_id, trigger_id}, false});
+    events_.push_back({{record_id, trigger_id}, Event::Kind::removed});
   }
 
-  /// What is left of it all, each list ascending by record and trigger. The journal is empty then.
-  Changes::Of<Link> settle();
+  /// A link that went because its trigger is deleted.
+  void note_dropped(std::uint64_t record_id, std::uint64_t trigger_id) {
+    events_.push_back({{record_id, trigger_id}, Event::Kind::dropped});
+  }
+
+  /// What is left of it all. The journal is empty then.
+  Net_Changes settle();
 
   bool empty() const { return events_.empty(); }
 
  private:
   struct Event {
+    enum class Kind { added, removed, dropped };
+
     Link link;
-    bool added;
+    Kind kind;
   };
 
   std::vector<Event> events_;

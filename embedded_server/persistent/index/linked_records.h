@@ -64,7 +64,7 @@ class Linked_Records {
       const auto list = lists.find(row.key.linked_id);
       if (entry == nullptr || list == lists.end()) {
         // A deleted trigger may have left rows behind that nobody wrote in a pass.
-        journal_.note_removed(row.key.record_id, row.key.linked_id);
+        journal_.note_dropped(row.key.record_id, row.key.linked_id);
         return;
       }
       held.push_back(list->second.record);
@@ -125,7 +125,7 @@ class Linked_Records {
     sort_unique_by(affected, [](const Entry* entry) { return entry->record->id; });
     for (Entry* const entry : affected) {
       for (const std::uint64_t trigger_id : remove_links(*entry->record, dead)) {
-        journal_.note_removed(entry->record->id, trigger_id);
+        journal_.note_dropped(entry->record->id, trigger_id);
       }
     }
   }
@@ -167,7 +167,7 @@ class Linked_Records {
   }
   bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
 
-  Changes::Of<Changes::Link> settle() { return journal_.settle(); }
+  Link_Journal::Net_Changes settle() { return journal_.settle(); }
 
  private:
   /// What is looked up for each link that is read.

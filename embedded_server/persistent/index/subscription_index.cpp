@@ -259,31 +259,34 @@ Subscription_Index::Net_Changes Subscription_Index::settle() {
     net.deleted.push_back(id);
     append_details(*record, net.deleted_details);
   }
-  net.links = records_.settle();
-  net.cameras = cameras_of(net);
+  Link_Journal::Net_Changes journal = records_.settle();
+  net.links = std::move(journal.links);
+  net.cameras = cameras_of(journal.updated_records);
   added_.clear();
   deleted_.clear();
   return net;
 }
 
-std::set<std::uint64_t> Subscription_Index::cameras_of(const Net_Changes& net) {
+/// The trigger manager asks for the same ones: of subscriptions added, deleted, or updated with
+/// other triggers. Who is left on a subscription when a trigger is deleted is nothing to its
+/// camera.
+std::set<std::uint64_t> Subscription_Index::cameras_of(
+    const std::vector<std::uint64_t>& updated_records) {
   std::set<std::uint64_t> cameras;
   const auto note = [&cameras](const Record& record) {
     if (record.camera) {
       cameras.insert(record.camera_id());
     }
   };
-  for (const rows::Subscription& added : net.added) {
-    cameras.insert(*added.camera_id);
+  for (const std::uint64_t id : added_) {
+    note(*records_.find(id)->record);
   }
   for (const auto& [id, record] : deleted_) {
     note(*record);
   }
-  for (const auto* links : {&net.links.added, &net.links.deleted}) {
-    for (const Changes::Link& link : *links) {
-      if (const Entry* const entry = records_.find(link.record_id)) {
-        note(*entry->record);
-      }
+  for (const std::uint64_t id : updated_records) {
+    if (const Entry* const entry = records_.find(id)) {
+      note(*entry->record);
     }
   }
   return cameras;

@@ -39,7 +39,7 @@ class Subscription_Index {
     Details added_details;
     Details deleted_details;
     Changes::Of<Changes::Link> links;
-    std::set<std::uint64_t> cameras;  ///< whose subscriptions these are
+    std::set<std::uint64_t> cameras;  ///< whose streams these changes concern
   };
 
   Subscription_Index(odb::database& database, const Camera_Index& cameras,
@@ -80,7 +80,7 @@ class Subscription_Index {
   Records::Entry_List candidates(const Query& query);
   Records::Entry_List candidates_by_topic(const Query& query) const;
   Records::Entry_List candidates_by_tag(const Query& query) const;
-  std::set<std::uint64_t> cameras_of(const Net_Changes& net);
+  std::set<std::uint64_t> cameras_of(const std::vector<std::uint64_t>& updated_records);
 
   const Camera_Index& cameras_;
   const Trigger_Index& triggers_;

@@ -7,8 +7,8 @@ namespace kuv::vemora::embedded_server {
 
 class Engine;
 
-// The cameras whose subscriptions changed and whose streams have not been reconciled since, in the
-// transaction at hand.
+// The cameras whose subscriptions were added, deleted, or updated with other triggers, and whose
+// streams have not been reconciled since, in the transaction at hand.
 
 std::set<std::uint64_t> load_pending(Engine& engine);
 

@@ -198,52 +198,83 @@ std::map<std::uint64_t, Ids> Pass_Model::wanted_generic() const {
   return wanted;
 }
 
-/// A stream is reconciled when a subscription of the camera comes or goes, and when a trigger that
-/// was looked at joins or leaves one.
-void Pass_Model::note_cameras(const std::map<Place, Ids>& wanted, const Ids& processed) {
+/// Enters the subscriptions that are there before the first snag.
+bool Pass_Model::creates_its_subscriptions(const Trigger_Spec& trigger, const Snags& snags,
+                                           std::set<Place>& present) const {
+  for (const std::string& topic : trigger.topics) {
+    for (const auto& [camera_id, camera] : site_.cameras()) {
+      const Place place{camera_id, topic};
+      if (camera.topics.count(topic) == 0 || !selects(trigger, camera_id) ||
+          present.count(place) == 1) {
+        continue;
+      }
+      if (snags.count({trigger.id, camera_id}) == 1) {
+        return false;
+      }
+      present.insert(place);
+    }
+  }
+  return true;
+}
+
+/// A stream is asked for when a subscription of the camera comes or goes, be it within the pass,
+/// and when a trigger that was looked at joins or leaves one. A trigger that was not looked at is
+/// deleted without a word to the cameras of the subscriptions that others keep.
+void Pass_Model::note_cameras(const std::map<Place, Ids>& wanted, const std::set<Place>& present,
+                              const Ids& processed) {
   reconciled_.clear();
-  left_pending_.clear();
-  std::set<Place> places;
-  for (const auto& entry : subscriptions_) {
-    places.insert(entry.first);
-  }
-  for (const auto& entry : wanted) {
-    places.insert(entry.first);
-  }
-  for (const Place& place : places) {
+  changed_cameras_.clear();
+  cameras_left_alone_.clear();
+  for (const Place& place : present) {
     const auto before = subscriptions_.find(place);
     const auto after = wanted.find(place);
-    if (before == subscriptions_.end() || after == wanted.end()) {
-      reconciled_.insert(place.first);
-      continue;
-    }
+    const bool was = before != subscriptions_.end();
+    const bool is = after != wanted.end();
     Ids changed;
-    std::set_symmetric_difference(before->second.begin(), before->second.end(),
-                                  after->second.begin(), after->second.end(),
-                                  std::inserter(changed, changed.end()));
-    for (const std::uint64_t trigger_id : changed) {
-      (processed.count(trigger_id) == 1 ? reconciled_ : left_pending_).insert(place.first);
+    if (was && is) {
+      std::set_symmetric_difference(before->second.begin(), before->second.end(),
+                                    after->second.begin(), after->second.end(),
+                                    std::inserter(changed, changed.end()));
     }
-  }
-  for (const std::uint64_t camera_id : reconciled_) {
-    left_pending_.erase(camera_id);
+    const bool joined_or_left =
+        std::any_of(changed.begin(), changed.end(),
+                    [&processed](std::uint64_t id) { return processed.count(id) == 1; });
+    if (was != is || joined_or_left) {
+      changed_cameras_.insert(place.first);
+    }
+    if (!was || !is || joined_or_left) {
+      reconciled_.insert(place.first);
+    } else if (!changed.empty()) {
+      cameras_left_alone_.insert(place.first);
+    }
   }
 }
 
 void Pass_Model::pass(const std::vector<Trigger_Spec>& triggers,
-                      const std::vector<Mapping_Spec>& mapping) {
+                      const std::vector<Mapping_Spec>& mapping, const Snags& snags) {
   active_.clear();
+  failed_.clear();
   Ids processed;
+  std::set<Place> present;
+  for (const auto& entry : subscriptions_) {
+    present.insert(entry.first);
+  }
   for (const Trigger_Spec& trigger : triggers) {
-    if (has_sources(trigger)) {
-      processed.insert(trigger.id);
-      if (is_active(trigger, mapping)) {
-        active_.emplace(trigger.id, trigger);
-      }
+    if (!has_sources(trigger)) {
+      continue;
+    }
+    const bool active = is_active(trigger, mapping);
+    if (active && !creates_its_subscriptions(trigger, snags, present)) {
+      failed_.push_back(trigger.id);
+      continue;
+    }
+    processed.insert(trigger.id);
+    if (active) {
+      active_.emplace(trigger.id, trigger);
     }
   }
   const std::map<Place, Ids> wanted = wanted_subscriptions();
-  note_cameras(wanted, processed);
+  note_cameras(wanted, present, processed);
   subscriptions_ = wanted;
   generic_ = wanted_generic();
   detections_ = wanted_detections();

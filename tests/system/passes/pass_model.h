@@ -50,13 +50,23 @@ class Pass_Model {
              const std::map<std::string, std::vector<std::string>>& leaves)
       : site_(site), server_id_(server_id), leaves_(leaves) {}
 
+  /// A trigger and a camera: what keeps the trigger from being processed to its end, when it comes
+  /// to create a subscription of that camera.
+  using Snags = std::set<std::pair<std::uint64_t, std::uint64_t>>;
+
   /// Takes over what a pass over these documents leads to.
-  void pass(const std::vector<Trigger_Spec>& triggers, const std::vector<Mapping_Spec>& mapping);
+  void pass(const std::vector<Trigger_Spec>& triggers, const std::vector<Mapping_Spec>& mapping,
+            const Snags& snags = {});
 
   // Of the last pass.
+  /// The cameras that the trigger manager asks for.
   std::vector<std::uint64_t> reconciled() const { return {reconciled_.begin(), reconciled_.end()}; }
-  /// Cameras of changed subscriptions that the trigger manager need not reconcile.
-  const Ids& left_pending() const { return left_pending_; }
+  /// Those among them whose subscriptions are others after the pass than before it.
+  const Ids& changed_cameras() const { return changed_cameras_; }
+  /// Those of subscriptions that only lost triggers that are deleted.
+  const Ids& cameras_left_alone() const { return cameras_left_alone_; }
+  /// The triggers that met a snag, in the order of the configuration.
+  const std::vector<std::uint64_t>& failed() const { return failed_; }
   std::vector<std::string> state() const;
 
   // What is stored, in the words of Server_Around.
@@ -74,7 +84,10 @@ class Pass_Model {
   std::map<Place, Ids> wanted_subscriptions() const;
   std::map<std::uint64_t, Ids> wanted_detections() const;
   std::map<std::uint64_t, Ids> wanted_generic() const;
-  void note_cameras(const std::map<Place, Ids>& wanted, const Ids& processed);
+  bool creates_its_subscriptions(const Trigger_Spec& trigger, const Snags& snags,
+                                 std::set<Place>& present) const;
+  void note_cameras(const std::map<Place, Ids>& wanted, const std::set<Place>& present,
+                    const Ids& processed);
   std::string searched_by(std::uint64_t trigger_id) const;
 
   const Site_Builder& site_;
@@ -86,7 +99,9 @@ class Pass_Model {
   std::map<std::uint64_t, Ids> generic_;
   std::map<std::uint64_t, Ids> detections_;
   Ids reconciled_;
-  Ids left_pending_;
+  Ids changed_cameras_;
+  Ids cameras_left_alone_;
+  std::vector<std::uint64_t> failed_;
 };
 
 }  // namespace kuv::test

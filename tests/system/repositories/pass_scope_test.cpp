@@ -433,7 +433,7 @@ TEST_P(Passes, note_the_cameras_of_subscriptions_alone) {
   EXPECT_THAT(pass->pending_cameras(), IsEmpty());
 }
 
-TEST_P(Passes, note_the_cameras_of_deleted_subscriptions_and_of_deleted_triggers) {
+TEST_P(Passes, note_the_cameras_of_deleted_subscriptions_and_not_those_of_deleted_triggers) {
   given_two_triggers_at_work();
   const auto pass = a_pass();
   const auto emptied = subscription(1);
@@ -444,7 +444,76 @@ TEST_P(Passes, note_the_cameras_of_deleted_subscriptions_and_of_deleted_triggers
   pass->end();
 
   EXPECT_THAT(pass->changes().subscriptions.deleted, ElementsAre(1));
-  EXPECT_THAT(pass->pending_cameras(), ElementsAre(10, 11));
+  EXPECT_THAT(pass->pending_cameras(), ElementsAre(10));
+}
+
+TEST_P(Passes, note_no_camera_of_links_that_went_with_their_trigger) {
+  given_two_triggers_at_work();
+  const auto pass = a_pass();
+  const auto joined = subscription(1);
+  joined->add_trigger(add_trigger(9));
+  ASSERT_TRUE(repository().metadata_event_subscriptions().update(joined));
+  repository().triggers().delete_all_except({8});
+  clean_up();
+  pass->end();
+
+  EXPECT_EQ(pass->changes().subscription_links.deleted.size(), 2U);
+  EXPECT_THAT(pass->changes().subscription_links.added, IsEmpty());
+  EXPECT_THAT(pass->pending_cameras(), IsEmpty());
+}
+
+TEST_P(Passes, note_the_cameras_of_a_trigger_that_left_before_it_was_deleted) {
+  given_two_triggers_at_work();
+  const auto pass = a_pass();
+  const auto left = subscription(2);
+  left->remove_trigger(find(8));
+  ASSERT_TRUE(repository().metadata_event_subscriptions().update(left));
+  repository().triggers().delete_all_except({7});
+  clean_up();
+  pass->end();
+
+  EXPECT_EQ(pass->changes().subscription_links.deleted.size(), 2U);
+  EXPECT_THAT(pass->pending_cameras(), ElementsAre(11));
+}
+
+TEST_P(Passes, note_no_camera_of_links_whose_trigger_another_program_deleted) {
+  given_two_triggers_at_work();
+  foreign_program().execute("DELETE FROM trigger_record WHERE id = 7");
+  const auto pass = a_pass();
+  clean_up();
+  pass->end();
+
+  EXPECT_EQ(pass->changes().subscription_links.deleted.size(), 2U);
+  EXPECT_THAT(pass->pending_cameras(), IsEmpty());
+}
+
+TEST_P(Passes, note_the_cameras_of_what_a_pass_had_changed_that_never_came_to_its_clean_up) {
+  given_two_triggers_at_work();
+  {
+    const auto failed = a_pass();
+    const auto left = subscription(2);
+    left->remove_trigger(find(8));
+    ASSERT_TRUE(repository().metadata_event_subscriptions().update(left));
+    repository().triggers().delete_all_except({8});
+    failed->end();
+  }
+  const auto next = a_pass();
+
+  EXPECT_THAT(next->pending_cameras(), ElementsAre(11));
+}
+
+TEST_P(Passes, that_are_rolled_back_note_no_camera) {
+  given_two_triggers_at_work();
+  {
+    const auto rolled_back = a_pass(Pass_Scope::Mode::roll_back);
+    add_subscription(10, "b", find(7));
+    clean_up();
+    rolled_back->end();
+    EXPECT_EQ(rolled_back->changes().subscriptions.added.size(), 1U);
+  }
+  const auto next = a_pass();
+
+  EXPECT_THAT(next->pending_cameras(), IsEmpty());
 }
 
 TEST_P(Passes, give_the_documents_back_as_they_were_stored) {

@@ -93,6 +93,15 @@ class Applied_Documents(Site):
         self.assertEqual(self.show("detection"), [])
         self.assertEqual([record["id"] for record in self.show("subscriptions")], [3])
 
+    def test_a_trigger_that_leaves_subscriptions_to_others_has_no_stream_reconciled(self):
+        self.apply(config(everything(), trigger(8), trigger(9, topic_source(CROSSED))))
+        answer = self.apply(config(everything(), trigger(9, topic_source(CROSSED))))
+        self.assertEqual(answer["changes"], changes(triggers=(0, 1), subscriptionLinks=(0, 2)))
+        self.assertEqual(answer["reconciled"], [])
+        answer = self.apply(config(everything()))
+        self.assertEqual(answer["changes"], changes(triggers=(0, 1), subscriptions=(0, 1), subscriptionLinks=(0, 1)))
+        self.assertEqual(answer["reconciled"], [10])
+
     def test_a_document_without_the_list_of_triggers_is_rejected_and_clears_nothing(self):
         self.apply(config(everything()))
         before = self.rows()
