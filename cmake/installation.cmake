@@ -17,7 +17,7 @@ install(FILES trigger_parser/notification_properties.h trigger_parser/parser_fau
               trigger_parser/trigger_config_state.h trigger_parser/trigger_mapping.h
               trigger_parser/trigger_parser.h trigger_parser/vemora_trigger_parser.h
         DESTINATION ${headers}/trigger_parser)
-install(FILES embedded_server/persistent/changes.h embedded_server/persistent/database.h
+install(FILES embedded_server/persistent/backup.h embedded_server/persistent/changes.h embedded_server/persistent/database.h
               embedded_server/persistent/database_error.h embedded_server/persistent/inventory.h
               embedded_server/persistent/pass_scope.h embedded_server/persistent/site_reader.h
               embedded_server/persistent/source_type_names.h

@@ -92,6 +92,25 @@ void add_documents(CLI::App& command, Invocation& call) {
       ->check(a_path());
 }
 
+void add_copies(CLI::App& app, Invocation& call) {
+  CLI::App* const copied =
+      app.add_subcommand("backup", "Copy the site into a file that can be kept anywhere");
+  copied->add_option("FILE", call.file, "The backup; one that is there is replaced when it is done")
+      ->required()
+      ->type_name(" ")
+      ->check(a_path());
+  copied->callback([&call] { call.command = [&call] { return backup(call.options, call.file); }; });
+
+  CLI::App* const restored =
+      app.add_subcommand("restore", "Put the site of a backup in the place of the one there is");
+  restored->add_option("FILE", call.file, "The backup")
+      ->required()
+      ->type_name(" ")
+      ->check(a_path());
+  restored->callback(
+      [&call] { call.command = [&call] { return restore(call.options, call.file); }; });
+}
+
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
@@ -129,6 +148,8 @@ void add_commands(CLI::App& app, Invocation& call) {
       ->type_name(" ")
       ->check(one_of({"triggers", "subscriptions", "detection", "cameras", "config", "mapping"}));
   shown->callback([&call] { call.command = [&call] { return show(call.options, call.what); }; });
+
+  add_copies(app, call);
 
   for (CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
     command->group("Commands");

@@ -21,6 +21,7 @@ struct Invocation {
   std::string config_path;
   std::string mapping_path;
   std::string what;
+  std::string file;
   std::function<Exit_Status()> command;
 };
 

@@ -21,4 +21,8 @@ Exit_Status apply(const Options& options, const std::string& config_path,
 Exit_Status refresh(const Options& options);
 Exit_Status show(const Options& options, const std::string& what);
 
+/// On a database that is no file they are wrong usage.
+Exit_Status backup(const Options& options, const std::string& file);
+Exit_Status restore(const Options& options, const std::string& file);
+
 }  // namespace kuv::vemora::tools

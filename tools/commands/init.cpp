@@ -5,6 +5,7 @@
 
 #include "tools/commands/commands.h"
 #include "tools/commands/input.h"
+#include "tools/render/counted.h"
 #include "tools/render/faults.h"
 #include "tools/render/json.h"
 #include "vemora/embedded_server/host/inventory_reader.h"
@@ -63,10 +64,6 @@ Json::Value counts(const Inventory& inventory) {
   records["subscriptions"] = Json::UInt64(inventory.subscriptions.size());
   records["objectTypes"] = Json::UInt64(inventory.object_types.size());
   return records;
-}
-
-std::string counted(std::size_t count, const char* one, const char* many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
 void print_stored(const Options& options, const Inventory& inventory) {

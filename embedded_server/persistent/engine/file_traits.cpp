@@ -14,6 +14,7 @@ namespace kuv::vemora::embedded_server {
 namespace {
 
 constexpr mode_t permissions = 0777;
+constexpr int most_links = 40;  // as many as Linux follows
 
 File_Identity identity_in(const struct stat& status) {
   return {status.st_dev, status.st_ino};
@@ -37,7 +38,17 @@ bool adopt_group(const Descriptor& file, const struct stat& model) {
 }  // namespace
 
 std::string real_path(const std::string& path) {
-  return std::filesystem::weakly_canonical(std::filesystem::absolute(path)).string();
+  std::filesystem::path found = std::filesystem::absolute(path);
+  // One link after the other, for the last may lead to where there is nothing yet.
+  std::error_code no_link;
+  for (int link = 0; link < most_links; ++link) {
+    const std::filesystem::path target = std::filesystem::read_symlink(found, no_link);
+    if (no_link) {
+      break;
+    }
+    found = found.parent_path() / target;
+  }
+  return std::filesystem::weakly_canonical(found).string();
 }
 
 std::optional<struct stat> status_of(const std::string& path) {

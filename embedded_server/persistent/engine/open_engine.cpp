@@ -27,14 +27,7 @@ std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_
   if (is_postgresql_location(location)) {
     return std::make_unique<PostgreSQL_Engine>(location, lock_wait);
   }
-  const bool prefixed = location.compare(0, sqlite_prefix.size(), sqlite_prefix) == 0;
-  const std::string path = prefixed ? location.substr(sqlite_prefix.size()) : location;
-  if (path.empty()) {
-    throw Database_Error("no database named");
-  }
-  if (!prefixed && path.find("://") != std::string::npos) {
-    throw Database_Error(fmt::format("no engine for databases such as {}", path));
-  }
+  const std::string path = sqlite_path_of(location);
   if (mode == Database::Open_Mode::as_found && is_absent(path)) {
     return nullptr;
   }
@@ -43,6 +36,18 @@ std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_
   } catch (const odb::exception& fault) {
     throw Database_Error(fmt::format("database {}: {}", path, fault.what()));
   }
+}
+
+std::string sqlite_path_of(const std::string& location) {
+  const bool prefixed = location.compare(0, sqlite_prefix.size(), sqlite_prefix) == 0;
+  const std::string path = prefixed ? location.substr(sqlite_prefix.size()) : location;
+  if (path.empty()) {
+    throw Database_Error("no database named");
+  }
+  if (!prefixed && path.find("://") != std::string::npos) {
+    throw Database_Error(fmt::format("no engine for databases such as {}", path));
+  }
+  return path;
 }
 
 }  // namespace kuv::vemora::embedded_server

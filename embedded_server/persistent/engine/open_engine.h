@@ -13,4 +13,7 @@ namespace kuv::vemora::embedded_server {
 std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_Mode mode,
                                     std::chrono::milliseconds lock_wait);
 
+/// The path of the SQLite file that a location names. Throws Database_Error where it names none.
+std::string sqlite_path_of(const std::string& location);
+
 }  // namespace kuv::vemora::embedded_server

@@ -24,9 +24,10 @@ long wanted() {
   return text == nullptr ? 0 : std::atol(text);
 }
 
+/// A folder too: what is synced there is which names it has.
 bool is_file(int descriptor) {
   struct stat status {};
-  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  return fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }
 
 /// True when this call is the one to die at.

@@ -21,6 +21,9 @@ WRONG = {
                                                                  "detail, info, warning, error, fatal"),
     "an option without its value": (["refresh", "--database"], "--database: 1 required FILE missing"),
     "an empty database": (["--database", "", "refresh"], "--database: a path must not be empty"),
+    "no file to back up to": (["backup"], "FILE is required"),
+    "no backup to restore": (["restore"], "FILE is required"),
+    "an empty path of a backup": (["restore", ""], "FILE: a path must not be empty"),
     "an empty path": (["check", ""], "CONFIG: a path must not be empty"),
     "an empty path of a mapping": (["apply", "config.json", ""], "MAPPING: a path must not be empty"),
     "standard input twice": (["apply", "-", "-"], "MAPPING: CONFIG is read from standard input already"),
@@ -76,6 +79,8 @@ Commands:
   apply                       Run the pass on new documents and store them
   refresh                     Run the pass on the stored documents
   show                        Show what is stored
+  backup                      Copy the site into a file that can be kept anywhere
+  restore                     Put the site of a backup in the place of the one there is
 """
 
 DOCUMENTS = """
@@ -112,6 +117,21 @@ Positionals:
   WHAT   REQUIRED             triggers, subscriptions, detection, cameras, config, mapping
 """,
 }
+
+HELP_OF_COMMANDS["backup"] = """\
+Copy the site into a file that can be kept anywhere
+Usage: vemora-triggers backup [OPTIONS] FILE
+
+Positionals:
+  FILE   REQUIRED             The backup; one that is there is replaced when it is done
+"""
+HELP_OF_COMMANDS["restore"] = """\
+Put the site of a backup in the place of the one there is
+Usage: vemora-triggers restore [OPTIONS] FILE
+
+Positionals:
+  FILE   REQUIRED             The backup
+"""
 
 OPTIONS_OF_COMMANDS = """
 Options:

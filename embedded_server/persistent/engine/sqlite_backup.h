@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "vemora/embedded_server/persistent/backup.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// Copies the site in the SQLite file at `database` into `file`. The caller keeps passes out.
+/// Throws Database_Error.
+Site_Counts back_up_sqlite(const std::string& database, const std::string& file);
+
+}  // namespace kuv::vemora::embedded_server

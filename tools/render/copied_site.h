@@ -1,0 +1,17 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+
+#include "vemora/embedded_server/persistent/backup.h"
+
+namespace kuv::vemora::tools {
+
+// What a backup holds, as `backup` and `restore` tell it.
+
+Json::Value to_json(const embedded_server::Site_Counts& counts);
+
+std::string in_words(const embedded_server::Site_Counts& counts);
+
+}  // namespace kuv::vemora::tools

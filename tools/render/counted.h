@@ -1,0 +1,15 @@
+#pragma once
+
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <string>
+
+namespace kuv::vemora::tools {
+
+/// A number of things, in the word that fits it.
+inline std::string counted(std::uint64_t count, const char* one, const char* many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+}  // namespace kuv::vemora::tools
