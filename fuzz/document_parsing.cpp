@@ -5,6 +5,7 @@
 #include <exception>
 #include <stdexcept>
 
+#include "fuzz/fault_promises.h"
 #include "fuzz/promises.h"
 #include "fuzz/site.h"
 #include "support/json.h"
@@ -71,10 +72,8 @@ bool has_keys(const Json::Value& document) {
   return document.isObject() || document.isNull();
 }
 
-Verdict parse_values(const Json::Value& configuration, const Json::Value& mapping,
-                     bool server_is_known) {
-  test::Fake_Database site = a_site(server_is_known);
-  Vemora_Trigger_Parser parser(test::make_fake_repository(site), server_id);
+Verdict judge(Vemora_Trigger_Parser& parser, const Json::Value& configuration,
+              const Json::Value& mapping) {
   try {
     const Parsed parsed = parse(parser, configuration, mapping);
     return {Judge::nobody, "", broken_promises(parsed, configuration, mapping)};
@@ -87,6 +86,18 @@ Verdict parse_values(const Json::Value& configuration, const Json::Value& mappin
   } catch (const std::exception& error) {
     return {Judge::unknown, error.what(), {}};
   }
+}
+
+Verdict parse_values(const Json::Value& configuration, const Json::Value& mapping,
+                     const Documents& documents) {
+  test::Fake_Database site = a_site(documents.server_is_known);
+  Vemora_Trigger_Parser parser(test::make_fake_repository(site), server_id);
+  Verdict verdict = judge(parser, configuration, mapping);
+  const auto broken = broken_promises_of_faults(
+      parser, configuration, mapping, {documents.configuration.size(), documents.mapping.size()},
+      verdict.text);
+  verdict.broken_promises.insert(verdict.broken_promises.end(), broken.begin(), broken.end());
+  return verdict;
 }
 
 }  // namespace
@@ -111,7 +122,7 @@ Verdict parse_documents(const Documents& documents) {
   } catch (const Json::RuntimeError& error) {  // nested too deeply
     return {Judge::json_library, error.what(), {}};
   }
-  return parse_values(configuration, mapping, documents.server_is_known);
+  return parse_values(configuration, mapping, documents);
 }
 
 }  // namespace kuv::fuzz

@@ -14,7 +14,8 @@ bool Faults::tell(const std::string& message, std::optional<std::size_t> offset)
     return false;
   }
   const auto index = index_ == no_element ? std::nullopt : std::make_optional(index_);
-  return sink_->take({message, offset, index, id_});
+  // As an exception says it, whose text ends with the first NUL: a tag's name may hold one.
+  return sink_->take({message.c_str(), offset, index, id_});
 }
 
 void Faults::add(const Json::Value& value, const std::string& message) {

@@ -56,13 +56,13 @@ class Faults {
   }
 
   /// The value is wrong.
-  void add(const Json::Value& value, const std::string& message);
+  [[gnu::cold]] void add(const Json::Value& value, const std::string& message);
 
   /// The value is wrong, or the object has none.
-  void add(const Member& member, const std::string& message);
+  [[gnu::cold]] void add(const Member& member, const std::string& message);
 
   /// Tells the sink; answers whether to go on. If not, it is the caller that throws.
-  bool tell(const std::string& message, std::optional<std::size_t> offset);
+  [[gnu::cold]] bool tell(const std::string& message, std::optional<std::size_t> offset);
 
  private:
   Fault_Sink* sink_ = nullptr;
