@@ -48,6 +48,13 @@ std::int64_t application_id_in(const Head& head) {
   return number;
 }
 
+/// SQLite would make, write or empty whatever file the link names.
+void require_no_link(const std::string& path) {
+  if (std::filesystem::is_symlink(path)) {
+    throw Database_Error(fmt::format("{} is a symbolic link; remove it", path));
+  }
+}
+
 }  // namespace
 
 SQLite_Header read_sqlite_header(sqlite3* handle) {
@@ -131,6 +138,11 @@ void SQLite_Files::note_opened(sqlite3* handle) {
     }
   }
   require_in_place();
+  if (!header.is_foreign) {
+    for (const char* const suffix : {"-wal", "-shm", "-journal"}) {
+      require_no_link(file() + suffix);
+    }
+  }
   if (header.uses_log && !header.is_foreign) {
     note_log();
     make_log();

@@ -5,6 +5,7 @@ import os
 import shutil
 import stat
 import subprocess
+import threading
 import unittest
 
 from other_users import COLLEAGUE, GROUP, OWNER, STRANGER, Users, as_root_on_sqlite
@@ -122,6 +123,26 @@ class Logs(Site):
                 self.assertEqual(os.path.getsize(self.path(LOG)), 0)
                 self.assertTrue(os.path.exists(self.path(INDEX)))
 
+    def test_are_no_links(self):
+        self.init()
+        self.write("precious", "kept")
+        for suffix in ("-wal", "-shm", "-journal"):
+            for target in ("precious", "missing"):
+                link = self.path("vemora.db" + suffix)
+                if os.path.lexists(link):
+                    os.remove(link)
+                os.symlink(target, link)
+                for command in (["show", "cameras"], ["refresh"]):
+                    with self.subTest(suffix, target=target, command=command):
+                        outcome = self.run_tool(*command)
+                        self.assertEqual((outcome.status, outcome.out, outcome.err.decode()), (
+                            FAILED, b"", message(f"{os.path.realpath(self.database)}{suffix} is a symbolic link; remove "
+                                                 "it")))
+                os.remove(link)
+        self.assertEqual(self.files()["precious"], b"kept")
+        self.assertNotIn("missing", self.files())
+        self.assertEqual(self.run_tool("refresh").status, DONE)
+
     def test_of_a_process_that_was_killed_are_empty_after_the_next_command(self):
         self.init()
         shutil.copy(self.database, self.path("before.db"))
@@ -212,6 +233,38 @@ class Logs_Of_Users(Users):
         self.assertGreater(os.path.getsize(self.path(LOG)), 0)
         self.assertIn("renamed", self.assert_done(STRANGER, "show", "cameras").text)
         self.assertIn("renamed", self.assert_done(OWNER, "show", "cameras").text)
+
+    def test_let_who_may_only_read_look_on_while_passes_run(self):
+        self.given_a_site()
+        os.chmod(self.folder, 0o755)
+        for number in range(1, 9):
+            self.write(f"{number}.json", config(*(trigger(id, topic_source()) for id in range(number))))
+        seen, stop = [], threading.Event()
+
+        def look():
+            while not stop.is_set():
+                outcome = self.run_as(STRANGER, "--json", "show", "triggers")
+                seen.append((outcome.status, outcome.err.decode(),
+                             {record["id"] for record in outcome.json} if outcome.status == DONE else None))
+        threads = [threading.Thread(target=look) for _ in range(2)]
+        for thread in threads:
+            thread.start()
+        for number in range(1, 9):
+            self.assert_done(OWNER, "apply", f"{number}.json")
+        stop.set()
+        for thread in threads:
+            thread.join()
+        self.assertGreater(len(seen), 4)
+        for status, complaint, triggers in seen:
+            self.assertEqual((status, complaint), (DONE, ""))
+            self.assertEqual(triggers, set(range(len(triggers))))
+
+    def test_that_were_just_made_are_read_by_who_may_only_read(self):
+        self.given_a_site()
+        os.chmod(self.folder, 0o755)
+        for name in (LOG, INDEX):
+            os.truncate(self.path(name), 0)
+        self.assertIn("gate", self.assert_done(STRANGER, "show", "cameras").text)
 
     def test_leave_passes_to_who_may_write(self):
         self.given_a_site()
