@@ -70,6 +70,11 @@ def config_after():
     return {"triggers": [trigger(1, "odd", TOPICS[2:5], True), door, trigger(4, "even", TOPICS[:4])]}
 
 
+def config_that_leaves_cameras_alone():
+    """Trigger 2 leaves all its subscriptions to trigger 3; only the cameras of trigger 1 have another one."""
+    return {"triggers": [trigger(1, "even", TOPICS[:3], True), trigger(3, "odd", TOPICS[1:3])]}
+
+
 class Site:
     """A database in a folder of its own, and the tool on it."""
 
@@ -129,15 +134,16 @@ class Site:
 
 
 class Crash_Test(unittest.TestCase):
-    def prepare(self, cameras):
+    def prepare(self, cameras, before=None, after=None, changed=None):
+        """A site before a pass and after it; `changed`: the cameras that the pass changes, all unless told."""
         top = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, top)
         self.copies = iter(os.path.join(top, f"copy{n}") for n in range(1000000))
         os.mkdir(os.path.join(top, "template"))
         self.template = Site(os.path.join(top, "template"))
         self.template.run("init", self.template.write("inventory.json", inventory(cameras)))
-        self.template.run("apply", self.template.write("before.json", config_before()))
-        self.template.write("after.json", config_after())
+        self.template.run("apply", self.template.write("before.json", before or config_before()))
+        self.template.write("after.json", after or config_after())
         self.before = self.template.remains()
         self.records_before = self.template.records()
         undisturbed = self.fresh_copy()
@@ -145,7 +151,7 @@ class Crash_Test(unittest.TestCase):
         self.after = undisturbed.remains()
         self.records_after = undisturbed.records()
         self.changed_cameras = set(answer["reconciled"])
-        self.assertEqual(self.changed_cameras, set(range(1, cameras + 1)))
+        self.assertEqual(self.changed_cameras, set(changed or range(1, cameras + 1)))
         self.assertNotEqual(self.before[0], self.after[0])
 
     def fresh_copy(self):
@@ -189,9 +195,9 @@ class Crash_Test(unittest.TestCase):
         shutil.rmtree(site.folder)
         return phase
 
-    def kill_at_every_call(self, check):
+    def kill_at_every_call(self, check, **documents):
         """Applies the new configuration on fresh copies, killed at one call after the other, and checks each."""
-        self.prepare(cameras=40)
+        self.prepare(cameras=40, **documents)
         counted = self.fresh_copy()
         count_file = os.path.join(counted.folder, "count")
         run = counted.start("apply", os.path.join(counted.folder, "after.json"),
@@ -218,6 +224,12 @@ class Crash_Test(unittest.TestCase):
 
     def test_refreshed_after_being_killed_at_every_call_that_writes_or_syncs(self):
         self.kill_at_every_call(self.check_remains_and_refresh)
+
+    def test_killed_at_every_call_of_a_pass_that_leaves_cameras_alone(self):
+        before = config_before()
+        before["triggers"].append(trigger(3, "odd", TOPICS[1:3]))
+        self.kill_at_every_call(self.check_remains_and_repeat, before=before,
+                                after=config_that_leaves_cameras_alone(), changed=range(2, 41, 2))
 
     def test_killed_at_random_moments(self):
         self.prepare(cameras=25000)
