@@ -11,14 +11,28 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// Whether the database holds a site, when all is done that the mode asks for.
-bool find_site(Engine& engine, Database::Open_Mode mode) {
+/// The version of the schema; nothing where there is none yet. Throws where it is not known here.
+std::optional<std::int32_t> known_version(Engine& engine) {
   const std::optional<std::int32_t> version = engine.schema_version();
   if (version > current_schema_version) {
     throw Database_Error(
         fmt::format("it was made by a newer version of this program (schema {}, known up to {})",
                     *version, current_schema_version));
   }
+  return version;
+}
+
+/// Makes the site or brings it up to date, unless another process did while this one waited.
+void migrate(Engine& engine) {
+  const auto session = engine.open_session(Engine::Session::Access::exclusive);
+  if (known_version(engine) != current_schema_version) {
+    engine.migrate(*session);
+  }
+}
+
+/// Whether the database holds a site, when all is done that the mode asks for.
+bool find_site(Engine& engine, Database::Open_Mode mode) {
+  const std::optional<std::int32_t> version = known_version(engine);
   if (!version && mode == Database::Open_Mode::existing) {
     throw Database_Error("it holds no site; \"init\" makes one");
   }
@@ -26,8 +40,7 @@ bool find_site(Engine& engine, Database::Open_Mode mode) {
     return false;
   }
   if (version != current_schema_version) {
-    const auto session = engine.open_session(Engine::Session::Access::exclusive);
-    engine.migrate();
+    migrate(engine);
   }
   return true;
 }
@@ -45,8 +58,11 @@ std::shared_ptr<Database> Database::open(const std::string& location, Open_Mode 
     return std::make_shared<Database>(std::move(engine), holds_site);
   } catch (const Commit_Not_Known& fault) {
     throw Database_Error(
-        fmt::format("database {}: {}; it is not known whether its tables were made",
-                    engine->location(), fault.what()));
+        fmt::format("database {}: {}; {}", engine->location(), fault.what(),
+                    fault.known() == Commit_Not_Known::Known::nothing
+                        ? "it is not known whether its tables were made"
+                        : "its tables are made on this server, and it is not known whether a "
+                          "standby has them"));
   } catch (const std::exception& fault) {
     throw Database_Error(
         fmt::format("database {}: {}", engine->location(), engine->describe(fault)));

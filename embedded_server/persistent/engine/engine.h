@@ -59,8 +59,8 @@ class Engine {
   virtual std::unique_ptr<Session> open_session(Session::Access access) = 0;
 
   /// Brings the schema up to the version that this library works with, making it where it is
-  /// absent.
-  virtual void migrate() = 0;
+  /// absent. In a transaction of the session, which is an exclusive one.
+  virtual void migrate(Session& session) = 0;
 
   /// The version of the schema; nothing where the database is empty. Throws when it is not ours.
   virtual std::optional<std::int32_t> schema_version() = 0;

@@ -21,7 +21,16 @@ namespace {
 // The server takes up to 2^30 bytes for a value with all that is around it.
 constexpr std::size_t bytes_of_a_row = 1'000'000'000;
 
-constexpr std::string_view no_such_column = "42703";
+// A commit waits for a standby as for other processes; but to be confirmed takes its time even to
+// those who wait for nobody.
+constexpr std::chrono::milliseconds least_standby_wait{1000};
+
+constexpr const char* what_is_in_the_schema =
+    "SELECT count(*) > 0, coalesce(bool_or(relname = 'site' AND EXISTS (SELECT FROM pg_attribute "
+    "WHERE attrelid = pg_class.oid AND attname = 'schema_version')), false) "
+    "FROM pg_class JOIN pg_namespace ON pg_namespace.oid = relnamespace "
+    "WHERE nspname = current_schema()";
+
 constexpr std::string_view serialization_failure = "40001";
 
 std::string first_value(const PostgreSQL_Result& result) {
@@ -59,38 +68,33 @@ odb::database& PostgreSQL_Engine::odb() {
 
 std::unique_ptr<Engine::Session> PostgreSQL_Engine::open_session(Session::Access access) {
   auto session =
-      std::make_unique<PostgreSQL_Session>(odb::pgsql::connection_ptr(database_->connection()));
+      std::make_unique<PostgreSQL_Session>(odb::pgsql::connection_ptr(database_->connection()),
+                                           std::max(lock_wait_, least_standby_wait));
   if (access == Session::Access::exclusive) {
     session->lock(location_.schema, lock_wait_);
   }
   return session;
 }
 
+/// Whatever is in the schema, and whether that is a site, is asked in one statement: it sees what
+/// another process makes there as a whole or not at all.
 std::optional<std::int32_t> PostgreSQL_Engine::schema_version() {
   const odb::pgsql::connection_ptr connection(database_->connection());
-  if (!is_true(*connection, "to_regclass('site') IS NOT NULL")) {
-    if (is_true(*connection,
-                "EXISTS (SELECT FROM pg_class WHERE relnamespace::regnamespace = "
-                "current_schema()::regnamespace)")) {
-      throw Database_Error("the schema holds tables of another program");
-    }
+  const PostgreSQL_Result found = run_statements(*connection, what_is_in_the_schema);
+  if (std::string_view(PQgetvalue(found.get(), 0, 0)) == "f") {
     return std::nullopt;
   }
-  try {
-    const std::string version =
-        first_value(run_statements(*connection, "SELECT max(schema_version) FROM site"));
-    return std::atoi(version.c_str());
-  } catch (const odb::pgsql::database_exception& fault) {
-    if (fault.sqlstate() == no_such_column) {
-      throw Database_Error("the schema holds tables of another program");
-    }
-    throw;
+  if (std::string_view(PQgetvalue(found.get(), 0, 1)) == "f") {
+    throw Database_Error("the schema holds tables of another program");
   }
+  const std::string version =
+      first_value(run_statements(*connection, "SELECT max(schema_version) FROM site"));
+  return std::atoi(version.c_str());
 }
 
-void PostgreSQL_Engine::migrate() {
+void PostgreSQL_Engine::migrate(Session& session) {
   const std::int32_t present = schema_version().value_or(0);
-  odb::transaction transaction(database_->begin());
+  odb::transaction transaction(session.begin());
   odb::pgsql::connection& connection = odb::pgsql::transaction::current().connection();
   if (is_true(connection, "current_schema() IS NULL")) {
     run_statements(connection, "CREATE SCHEMA " + quoted_identifier(connection, location_.schema));
@@ -104,7 +108,7 @@ void PostgreSQL_Engine::migrate() {
   }
   run_statements(connection,
                  fmt::format("UPDATE site SET schema_version = {}", current_schema_version));
-  transaction.commit();
+  session.commit(transaction);
 }
 
 bool PostgreSQL_Engine::can_hold(std::initializer_list<std::string_view> texts) {

@@ -1,18 +1,34 @@
 #include "embedded_server/persistent/engine/postgresql_session.h"
 
 #include <array>
-#include <odb/exceptions.hxx>
+#include <odb/pgsql/transaction-impl.hxx>
 #include <odb/transaction.hxx>
 
-#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/engine/other_programs.h"
+#include "embedded_server/persistent/engine/postgresql_commit.h"
 #include "embedded_server/persistent/engine/postgresql_connections.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 
 namespace kuv::vemora::embedded_server {
+namespace {
 
-PostgreSQL_Session::PostgreSQL_Session(const odb::pgsql::connection_ptr& connection)
-    : connection_(connection) {}
+/// ODB's transaction, but for its commit.
+class Transaction : public odb::pgsql::transaction_impl {
+ public:
+  Transaction(const odb::pgsql::connection_ptr& connection, std::chrono::milliseconds standby_wait)
+      : odb::pgsql::transaction_impl(connection), standby_wait_(standby_wait) {}
+
+  void commit() override { run_commit(connection(), standby_wait_); }
+
+ private:
+  std::chrono::milliseconds standby_wait_;
+};
+
+}  // namespace
+
+PostgreSQL_Session::PostgreSQL_Session(const odb::pgsql::connection_ptr& connection,
+                                       std::chrono::milliseconds standby_wait)
+    : connection_(connection), standby_wait_(standby_wait) {}
 
 /// The connection goes back among the idle ones, which hold no lock; a broken one is given up, and
 /// the server lets go of its locks.
@@ -41,12 +57,12 @@ void PostgreSQL_Session::lock(const std::string& schema, std::chrono::millisecon
   locked_ = true;
 }
 
+odb::transaction_impl* PostgreSQL_Session::begin() {
+  return new Transaction(connection_, standby_wait_);
+}
+
 void PostgreSQL_Session::commit(odb::transaction& transaction) {
-  try {
-    transaction.commit();
-  } catch (const odb::connection_lost&) {
-    throw Commit_Not_Known("the connection to the server was lost");
-  }
+  transaction.commit();
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -14,7 +14,9 @@ namespace kuv::vemora::embedded_server {
 /// connection loses both: nobody writes without the lock.
 class PostgreSQL_Session : public Engine::Session {
  public:
-  explicit PostgreSQL_Session(const odb::pgsql::connection_ptr& connection);
+  /// A commit is waited for until a standby confirmed it, but no longer than `standby_wait`.
+  PostgreSQL_Session(const odb::pgsql::connection_ptr& connection,
+                     std::chrono::milliseconds standby_wait);
   ~PostgreSQL_Session() override;
   PostgreSQL_Session(const PostgreSQL_Session&) = delete;
   PostgreSQL_Session& operator=(const PostgreSQL_Session&) = delete;
@@ -23,7 +25,7 @@ class PostgreSQL_Session : public Engine::Session {
   /// `wait`; throws Database_Error then.
   void lock(const std::string& schema, std::chrono::milliseconds wait);
 
-  odb::transaction_impl* begin() override { return connection_->begin(); }
+  odb::transaction_impl* begin() override;
 
   /// Nobody keeps a whole database locked here: it is rows that statements wait for.
   void begin_writing() override {}
@@ -32,6 +34,7 @@ class PostgreSQL_Session : public Engine::Session {
 
  private:
   odb::pgsql::connection_ptr connection_;
+  std::chrono::milliseconds standby_wait_;
   bool locked_ = false;
 };
 

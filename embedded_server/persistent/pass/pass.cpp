@@ -5,7 +5,6 @@
 #include <odb/exception.hxx>
 #include <stdexcept>
 
-#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/pass/join_pass.h"
 #include "embedded_server/persistent/pass/verify_index.h"
 #include "embedded_server/persistent/pass/write_changes.h"
@@ -90,9 +89,9 @@ void Pass::commit_operation() {
   try {
     commit();
   } catch (const Database_Error& fault) {
-    if (commit_is_not_known_) {
+    if (commit_not_known_) {
       throw Database_Error(
-          fmt::format("{}; it is not known whether what was written was kept", fault.what()));
+          fmt::format("{}; {}", fault.what(), fate_of("what was written", *commit_not_known_)));
     }
     throw;
   }
@@ -107,7 +106,7 @@ void Pass::store_changes(Site_Index& site) {
       session_->commit(*transaction_);
     } catch (const std::exception& fault) {
       note_fault(fault);  // as long as the connection still knows what it was
-      commit_is_not_known_ = dynamic_cast<const Commit_Not_Known*>(&fault) != nullptr;
+      note_fate(fault, net);
       lost_ = true;  // half of it may be written: it goes as a whole
       transaction_.reset();
       throw;
@@ -119,6 +118,18 @@ void Pass::store_changes(Site_Index& site) {
   append_changes(net, changes_);
   if (has_committed_) {
     require_in_place();
+  }
+}
+
+/// What a commit that failed may have changed.
+void Pass::note_fate(const std::exception& fault, const Site_Index::Net_Changes& net) {
+  const auto* const not_known = dynamic_cast<const Commit_Not_Known*>(&fault);
+  if (not_known == nullptr) {
+    return;
+  }
+  commit_not_known_ = not_known->known();
+  if (commit_not_known_ == Commit_Not_Known::Known::committed_here) {
+    append_changes(net, changes_);
   }
 }
 
@@ -181,10 +192,10 @@ void Pass::end() {
     }
   }
   fault_ = fault;
-  throw Database_Error(fmt::format(commit_is_not_known_
-                                       ? "{}; it is not known whether what the pass wrote was kept"
-                                       : "{}; nothing that the pass wrote was kept",
-                                   fault));
+  throw Database_Error(fmt::format("{}; {}", fault,
+                                   commit_not_known_
+                                       ? fate_of("what the pass wrote", *commit_not_known_)
+                                       : std::string("nothing that the pass wrote was kept")));
 }
 
 void Pass::note_fault(const std::exception& fault) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/engine/engine.h"
 #include "embedded_server/persistent/index/site_index.h"
 #include "vemora/embedded_server/persistent/database.h"
@@ -76,8 +77,11 @@ class Pass {
   /// To be called by each operation that writes.
   void note_write() { uncommitted_ = true; }
 
-  /// Whether nobody can know what became of a commit.
-  bool is_commit_not_known() const { return commit_is_not_known_; }
+  /// Of a commit that nobody can know the fate of, what is known all the same; nothing where there
+  /// was none.
+  const std::optional<Commit_Not_Known::Known>& commit_not_known() const {
+    return commit_not_known_;
+  }
 
   const Changes& changes() const { return changes_; }
   const std::optional<std::string>& fault() const { return fault_; }
@@ -93,6 +97,7 @@ class Pass {
   void store_changes(Site_Index& site);
   void write(const Site_Index::Net_Changes& net);
   void require_in_place();
+  void note_fate(const std::exception& fault, const Site_Index::Net_Changes& net);
   void note_fault(const std::exception& fault);
   void poison(std::string reason);
   void throw_if_faulty() const;
@@ -107,7 +112,7 @@ class Pass {
   Site_Index site_;
   Changes changes_;
   std::optional<std::string> fault_;
-  bool commit_is_not_known_ = false;
+  std::optional<Commit_Not_Known::Known> commit_not_known_;
   bool lost_ = false;  ///< what was done cannot be committed any more
   bool has_committed_ = false;
   bool uncommitted_ = true;  ///< something may have been done since the last commit

@@ -88,11 +88,16 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
   try {
     state_->pass.commit();
   } catch (const Database_Error& error) {
-    if (state_->pass.is_commit_not_known()) {
-      throw Database_Error(
-          fmt::format("{}; it is not known whether the documents were stored", error.what()));
+    const auto& not_known = state_->pass.commit_not_known();
+    if (!not_known) {
+      throw;
     }
-    throw;
+    throw Database_Error(fmt::format(
+        *not_known == Commit_Not_Known::Known::nothing
+            ? "{}; it is not known whether the documents were stored"
+            : "{}; the documents are stored on this server, and it is not known whether a standby "
+              "has them",
+        error.what()));
   }
 }
 

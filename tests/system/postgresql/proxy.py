@@ -21,6 +21,8 @@ class Proxy:
         self.answers = 0
         self.withheld = None  # the number of the answer that no client gets
         self.on_withheld = None  # what happens then, before its connection ends
+        self.delayed = None  # the number of the answer that waits until something has happened
+        self.on_delayed = None
         self.lock = threading.Lock()
         self.lines = []
         self.listener = socket.socket(socket.AF_UNIX)
@@ -50,6 +52,11 @@ class Proxy:
         """Instead of handing on this answer, counted from now and from 1, acts and ends the connection."""
         with self.lock:
             self.answers, self.withheld, self.on_withheld = 0, number, action
+
+    def delay(self, number, action):
+        """Acts before handing on this answer, counted from now and from 1."""
+        with self.lock:
+            self.answers, self.delayed, self.on_delayed = 0, number, action
 
     def wait_for_clients(self):
         """Until all that clients that are gone have said is counted."""
@@ -120,10 +127,13 @@ class Line:
                 return True
             self.server_spoke = True
             self.proxy.answers += 1
-            if self.proxy.answers != self.proxy.withheld:
-                return True
-        self.proxy.on_withheld()
-        return False
+            withheld = self.proxy.answers == self.proxy.withheld
+            delayed = self.proxy.answers == self.proxy.delayed
+        if delayed:
+            self.proxy.on_delayed()
+        if withheld:
+            self.proxy.on_withheld()
+        return not withheld
 
     def hang_up(self):
         with self.lock:
