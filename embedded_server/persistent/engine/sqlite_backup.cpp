@@ -68,7 +68,9 @@ class Unfinished_File {
       throw Database_Error("another backup is being written to it");
     }
     if (::ftruncate(file_.number(), 0) != 0) {
-      throw Database_Error(fmt::format("cannot write {}: {}", path_, reason_of(errno)));
+      const int reason = errno;
+      ::unlink(path_.c_str());
+      throw Database_Error(fmt::format("cannot write {}: {}", path_, reason_of(reason)));
     }
     adopt_traits(file_, model);
   }
@@ -92,7 +94,12 @@ class Unfinished_File {
       throw Database_Error(fmt::format("cannot rename {}: {}", path_, reason_of(errno)));
     }
     renamed_ = true;
-    sync_folder_of(name);
+    try {
+      sync_folder_of(name);
+    } catch (const Database_Error& error) {
+      throw Database_Error(fmt::format(
+          "{}; it is complete, but a power cut may bring back the one before it", error.what()));
+    }
   }
 
  private:

@@ -16,16 +16,9 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// Which commit is the last one that the database holds: a number of the file, which SQLite leaves
-/// to us.
-std::int64_t number_of_last_commit(sqlite3* handle) {
-  return query_number(handle, "PRAGMA user_version");
-}
-
 /// Makes the transaction at hand the next commit, and answers its number.
 std::int64_t number_commit(sqlite3* handle) {
-  const std::int64_t number =
-      number_of_last_commit(handle) % std::numeric_limits<std::int32_t>::max() + 1;
+  const std::int64_t number = number_of_next_commit(number_of_last_commit(handle));
   run_script(handle, fmt::format("PRAGMA user_version = {}", number).c_str());
   return number;
 }
@@ -51,16 +44,9 @@ bool empty_log(sqlite3* handle) {
 
 /// Whether that commit is the last one; nothing where it is not known.
 std::optional<bool> is_kept(sqlite3* handle, std::int64_t number, std::int64_t number_before) {
-  if (!empty_log(handle)) {
-    return std::nullopt;
-  }
-  try {
-    const std::int64_t last = number_of_last_commit(handle);
-    return last == number || last == number_before ? std::make_optional(last == number)
-                                                   : std::nullopt;
-  } catch (const Database_Error&) {
-    return std::nullopt;
-  }
+  const std::optional<std::int64_t> last = number_of_last_kept_commit(handle);
+  return last == number || last == number_before ? std::make_optional(last == number)
+                                                 : std::nullopt;
 }
 
 std::string words_of(const std::exception& fault) {
@@ -74,6 +60,25 @@ void roll_back(sqlite3* handle) {
 }
 
 }  // namespace
+
+std::int64_t number_of_last_commit(sqlite3* handle) {
+  return query_number(handle, "PRAGMA user_version");
+}
+
+std::int64_t number_of_next_commit(std::int64_t number) {
+  return number % std::numeric_limits<std::int32_t>::max() + 1;
+}
+
+std::optional<std::int64_t> number_of_last_kept_commit(sqlite3* handle) {
+  if (!empty_log(handle)) {
+    return std::nullopt;
+  }
+  try {
+    return number_of_last_commit(handle);
+  } catch (const Database_Error&) {
+    return std::nullopt;
+  }
+}
 
 void commit_and_know(odb::sqlite::connection& connection, odb::transaction& transaction,
                      bool changes) {

@@ -2,10 +2,21 @@
 
 #include "vemora/platform/odb_runtime.h"
 
+#include <cstdint>
 #include <odb/sqlite/connection.hxx>
 #include <odb/transaction.hxx>
+#include <optional>
 
 namespace kuv::vemora::embedded_server {
+
+/// Which commit is the last one that the database holds: a number of the file, which SQLite leaves
+/// to us.
+std::int64_t number_of_last_commit(sqlite3* handle);
+
+std::int64_t number_of_next_commit(std::int64_t number);
+
+/// The same when the log is cut to nothing, so that it will stay so; nothing where that fails.
+std::optional<std::int64_t> number_of_last_kept_commit(sqlite3* handle);
 
 /// Commits a transaction of that connection. `changes` says whether a row was written in it.
 ///
