@@ -168,6 +168,7 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
   end(pass, outcome);
   outcome.changes = pass.changes();
   outcome.state = pusher_->state();
+  outcome.reconciled = capture_manager_->reconciled();  // whatever becomes of the database now
   if (outcome.status != Status::rejected && !pass.fault()) {
     try {
       reconcile_leftovers(pass);

@@ -363,6 +363,27 @@ TEST_F(Trigger_Host_Test, reconciles_after_a_pass_cut_short_only_the_cameras_tha
   EXPECT_THAT(pending_cameras(), IsEmpty());
 }
 
+TEST_F(Trigger_Host_Test,
+       tells_which_cameras_were_reconciled_though_the_database_failed_behind_it) {
+  capture_manager->act = [this](std::uint64_t camera_id) {
+    if (camera_id == 11) {
+      foreign_program().execute("ALTER TABLE pending_camera RENAME TO elsewhere");
+    }
+  };
+
+  const Pass_Outcome outcome = apply(a_config);
+
+  EXPECT_EQ(outcome.status, Status::failed);
+  EXPECT_THAT(capture_manager->asked_for, ElementsAre(10, 11));
+  EXPECT_THAT(outcome.reconciled, ElementsAre(10, 11));
+  EXPECT_THAT(outcome.remarks,
+              ElementsAre("The records of the pass are committed. Repeat the command, so that its "
+                          "documents are stored too."));
+  foreign_program().execute("ALTER TABLE elsewhere RENAME TO pending_camera");
+  capture_manager->act = nullptr;
+  EXPECT_THAT(apply(a_config).reconciled, ElementsAre(10, 11));
+}
+
 TEST_F(Trigger_Host_Test, tells_what_a_document_was_rejected_for_as_check_does) {
   const std::string config = "{\"triggers\": [\n  {\"id\": \"x\"}]}";
 
