@@ -19,10 +19,9 @@ bool SQLite_Fault::is_damage() const {
 SQLite_Handle::SQLite_Handle(const std::string& name, int flags) {
   const int opened = sqlite3_open_v2(name.c_str(), &handle_, flags, nullptr);
   if (opened != SQLITE_OK) {
-    const SQLite_Fault fault(opened,
-                             handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(opened));
+    const std::string text = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(opened);
     sqlite3_close(handle_);
-    throw fault;
+    throw SQLite_Fault(opened, text);
   }
 }
 
