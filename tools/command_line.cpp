@@ -133,10 +133,12 @@ void add_commands(CLI::App& app, Invocation& call) {
   add_documents(*applied, call);
   applied->callback([&call] {
     require_different_sources(call);
+    call.runs_pass = true;
     call.command = [&call] { return apply(call.options, call.config_path, call.mapping_path); };
   });
 
   app.add_subcommand("refresh", "Run the pass on the stored documents")->callback([&call] {
+    call.runs_pass = true;
     call.command = [&call] { return refresh(call.options); };
   });
 

@@ -23,6 +23,7 @@ struct Invocation {
   std::string what;
   std::string file;
   std::function<Exit_Status()> command;
+  bool runs_pass = false;  ///< the command, which decides on the form of its outcome
 };
 
 /// Makes `app` understand the command line, and leave what it said in `call`, which must live as

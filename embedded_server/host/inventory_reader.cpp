@@ -1,7 +1,6 @@
 #include "vemora/embedded_server/host/inventory_reader.h"
 
 #include <fmt/format.h>
-#include <json/writer.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -9,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "vemora/embedded_server/host/json_text.h"
 #include "vemora/embedded_server/host/services.h"
 #include "vemora/embedded_server/texts/letters.h"
 
@@ -237,10 +237,7 @@ class Inventory_Reader {
       return {};
     }
     require_utf8(capabilities);
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "";
-    writer["emitUTF8"] = true;
-    return Json::writeString(writer, capabilities);
+    return json_text(capabilities, Json_Letters::utf8);
   }
 
   /// Capabilities are stored as JSON: control characters are escapes there, all else stays as it is

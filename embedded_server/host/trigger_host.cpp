@@ -61,6 +61,32 @@ bool is_corrupt(const metadata_event_subscription& record) {
   return record.camera && !record.onvif_topic;
 }
 
+/// Keeps at its end what is stored of a pass, however it ends.
+class Kept_Note {
+ public:
+  Kept_Note(std::atomic<Kept>& noted, const Pass_Scope& pass) noexcept
+      : noted_(noted), pass_(pass) {}
+  ~Kept_Note() { noted_ = kept(); }
+  Kept_Note(const Kept_Note&) = delete;
+  Kept_Note& operator=(const Kept_Note&) = delete;
+
+  void note_end(Status status) noexcept { status_ = status; }
+
+ private:
+  Kept kept() const noexcept {
+    if (status_ == Status::rejected) {
+      return Kept::nothing;
+    }
+    // Of a pass that failed, the documents are not stored.
+    const Kept kept = pass_.kept();
+    return status_ == Status::failed && kept == Kept::everything ? Kept::records : kept;
+  }
+
+  std::atomic<Kept>& noted_;
+  const Pass_Scope& pass_;
+  std::optional<Status> status_;
+};
+
 Status status_of(const Directive_Config_Processing::Result& result) {
   if (result.success) {
     return Status::done;
@@ -85,7 +111,9 @@ Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t ser
 
 Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping) {
   const std::lock_guard<std::mutex> lock(mutex_);
+  kept_ = Kept::nothing;
   Pass_Scope pass(database_, server_id_);
+  Kept_Note kept(kept_, pass);
   begin();
   std::vector<Check_Fault> noted;
   Directive_Config_Processing::Result result = update_config(pass, config, mapping, noted);
@@ -97,7 +125,10 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
          outcome);
   if (outcome.status == Status::rejected && !noted.empty()) {
     outcome.rejection = std::move(noted.front());
+  } else if (outcome.status == Status::rejected) {
+    outcome.status = Status::failed;  // what the parser failed for is nothing in the documents
   }
+  kept.note_end(outcome.status);
   return outcome;
 }
 
@@ -118,7 +149,9 @@ Directive_Config_Processing::Result Trigger_Host::update_config(Pass_Scope& pass
 
 Pass_Outcome Trigger_Host::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
+  kept_ = Kept::nothing;
   Pass_Scope pass(database_, server_id_);
+  Kept_Note kept(kept_, pass);
   begin();
   const auto manager =
       make_manager(stored_config(pass), value_of(nullptr, pass),
@@ -128,6 +161,7 @@ Pass_Outcome Trigger_Host::refresh() {
   outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
   outcome.errors = std::move(state.errors);
   finish(pass, {}, outcome);
+  kept.note_end(outcome.status);
   return outcome;
 }
 
@@ -174,12 +208,14 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
       reconcile_leftovers(pass);
       outcome.reconciled = capture_manager_->reconciled();
       pass.store(outcome.status == Status::done ? accepted : Documents(), outcome.reconciled);
-    } catch (const Database_Error& error) {
+    } catch (const std::exception& error) {
       outcome.status = Status::failed;
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});
       outcome.remarks.emplace_back(
-          "The records of the pass are committed. Repeat the command, so that its documents are "
-          "stored too.");
+          pass.kept() == Kept::everything
+              ? "The pass is done, and all that it changed is stored."
+              : "The records of the pass are committed. Repeat the command, so that its documents "
+                "are stored too.");
       return;
     }
     if (outcome.status == Status::failed) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -63,6 +64,10 @@ class VEMORA_API Trigger_Host {
   /// Runs a pass on the stored documents.
   Pass_Outcome refresh();
 
+  /// What is stored of the last pass that was begun, for whoever has to tell it where the outcome
+  /// is lost: when something was thrown, in the pass or since.
+  Kept kept() const noexcept { return kept_; }
+
   /// Everything that the parser finds wrong with the documents (with the stored mapping where none
   /// is given), in the order of a pass: the first one is what a pass would reject them with.
   /// Nothing when they are valid. Writes nothing and waits for nobody.
@@ -88,6 +93,7 @@ class VEMORA_API Trigger_Host {
   std::shared_ptr<Recording_Capture_Manager> capture_manager_;
   std::shared_ptr<Snapshot_Pusher> pusher_;
   std::shared_ptr<Inventory_Meta_Type_Resolver> resolver_;
+  std::atomic<Kept> kept_ = Kept::nothing;
   std::mutex mutex_;  ///< from the first read of a pass to the storing of its documents
 };
 

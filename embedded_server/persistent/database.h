@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <string>
 
 #include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/persistent/kept.h"
 #include "vemora/platform/export.h"
 #include "vemora/platform/repositories/repository.h"
 
@@ -45,12 +47,18 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   /// Throws Database_Error when the database belongs to another server.
   void require_owner(std::uint64_t server_id);
 
+  /// What is stored of the last single operation that wrote, an inventory for one: for whoever has
+  /// to tell it where something was thrown.
+  Kept kept() const noexcept { return kept_; }
+  void note_kept(Kept kept) noexcept { kept_ = kept; }
+
   /// What differs between the database engines. For the persistence library itself.
   Engine& engine() { return *engine_; }
 
  private:
   std::unique_ptr<Engine> engine_;
   bool holds_site_;
+  std::atomic<Kept> kept_ = Kept::nothing;
 };
 
 /// The repositories over a database. Each operation joins the pass that is open on its thread (see

@@ -8,6 +8,7 @@
 
 #include "vemora/embedded_server/persistent/changes.h"
 #include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/kept.h"
 #include "vemora/platform/export.h"
 
 namespace kuv::vemora::embedded_server {
@@ -61,6 +62,9 @@ class VEMORA_API Pass_Scope {
 
   /// The fault that sticks; nothing as long as the database did what it was asked.
   const std::optional<std::string>& fault() const;
+
+  /// Everything once store() has stored what it was given.
+  Kept kept() const noexcept;
 
   /// What the pass wrote; complete once it is committed or ended.
   const Changes& changes() const;

@@ -8,6 +8,7 @@
 #include "tools/render/counted.h"
 #include "tools/render/faults.h"
 #include "tools/render/json.h"
+#include "tools/stored_note.h"
 #include "vemora/embedded_server/host/inventory_reader.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 
@@ -42,15 +43,42 @@ Read_Inventory read_for_site(const embedded_server::Json_Document& document,
       document, embedded_server::load_inventory_references(database), database);
 }
 
+/// Notes at its end whether an inventory was stored, however that came.
+class Noted_Storing {
+ public:
+  explicit Noted_Storing(const Database& database) : database_(database) {}
+  ~Noted_Storing() {
+    const embedded_server::Kept kept = tried_ ? database_.kept() : embedded_server::Kept::nothing;
+    note_stored(kept == embedded_server::Kept::nothing      ? ""
+                : kept == embedded_server::Kept::everything ? "The inventory is stored."
+                                                            : "It is not known whether the "
+                                                              "inventory is stored.");
+  }
+  Noted_Storing(const Noted_Storing&) = delete;
+  Noted_Storing& operator=(const Noted_Storing&) = delete;
+
+  /// Until then, nothing is written.
+  void note_faultless() noexcept { tried_ = true; }
+
+ private:
+  const Database& database_;
+  bool tried_ = false;
+};
+
 /// Reads the document again in the transaction that stores it: since the first look, another
 /// process may have stored what it runs into.
 Read_Inventory store(const Options& options, const embedded_server::Json_Document& document,
                      const std::shared_ptr<Database>& database) {
   Read_Inventory read;
+  Noted_Storing noted(*database);
   embedded_server::store_inventory(database, [&]() -> const Inventory* {
     database->require_owner(options.server_id);
     read = read_for_site(document, database);
-    return read.faults.empty() ? &read.inventory : nullptr;
+    if (!read.faults.empty()) {
+      return nullptr;
+    }
+    noted.note_faultless();
+    return &read.inventory;
   });
   return read;
 }

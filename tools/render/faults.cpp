@@ -153,9 +153,12 @@ void print_wrong_usage(bool json, const std::string& message) {
   print_json(answer);
 }
 
-void print_failure(const Options& options, const std::string& message) {
+void print_failure(const Options& options, const std::string& message, const std::string& stored) {
   if (!options.json) {
     std::cerr << "vemora-triggers: " << printable(message) << '\n';
+    if (!stored.empty()) {
+      std::cerr << "note: " << stored << '\n';
+    }
     return;
   }
   Json::Value error(Json::objectValue);
@@ -164,6 +167,9 @@ void print_failure(const Options& options, const std::string& message) {
   Json::Value answer(Json::objectValue);
   answer["success"] = false;
   answer["errors"].append(error);
+  if (!stored.empty()) {
+    answer["remarks"].append(stored);
+  }
   print_json(answer);
 }
 

@@ -39,7 +39,7 @@ void print_faults(const Options& options, const std::vector<Located_Fault>& faul
 /// Prints why a command line was not understood.
 void print_wrong_usage(bool json, const std::string& message);
 
-/// Prints why nothing could be done.
-void print_failure(const Options& options, const std::string& message);
+/// Prints why a command failed, and what is stored all the same (empty: nothing).
+void print_failure(const Options& options, const std::string& message, const std::string& stored);
 
 }  // namespace kuv::vemora::tools

@@ -261,13 +261,20 @@ void print_no_pass(const Options& options, const Located_Fault& fault) {
   print_outcome(options, outcome, fault);
 }
 
-void print_failed_pass(const Options& options, const std::string& message) {
+void print_failed_pass(const Options& options, const std::string& message,
+                       const std::string& stored) {
   if (!options.json) {
-    return print_failure(options, message);
+    return print_failure(options, message, stored);
   }
   Pass_Outcome outcome;
   outcome.errors = {{Error::Category::failed_processing, message}};
-  print_json(to_json(outcome, std::nullopt));
+  Json::Value answer = to_json(outcome, std::nullopt);
+  if (!stored.empty()) {
+    answer["remarks"].append(stored);
+    answer["changes"] = Json::Value();  // what was written got lost with the outcome
+    answer["reconciled"] = Json::Value();
+  }
+  print_json(answer);
 }
 
 }  // namespace kuv::vemora::tools

@@ -19,7 +19,9 @@ void print_outcome(const Options& options, const embedded_server::Pass_Outcome& 
 /// Prints that there was no pass, because a document could not be read.
 void print_no_pass(const Options& options, const Located_Fault& fault);
 
-/// Prints that a pass could not be run to an outcome.
-void print_failed_pass(const Options& options, const std::string& message);
+/// Prints that a pass could not be run to an outcome, and what is stored all the same (empty:
+/// nothing).
+void print_failed_pass(const Options& options, const std::string& message,
+                       const std::string& stored);
 
 }  // namespace kuv::vemora::tools

@@ -34,6 +34,8 @@ std::string quoted_identifier(odb::pgsql::connection& connection, const std::str
 /// A pass sees one state of the site from its first statement to its commit. Texts stand in memory
 /// as UTF-8, and order as bytes.
 PostgreSQL_Connections::pooled_connection_ptr PostgreSQL_Connections::create() {
+  // A connection is given back where nothing may fail: the pool has room for it from the beginning.
+  connections_.reserve(connections_.size() + in_use_ + 1);
   pooled_connection_ptr connection = odb::pgsql::connection_pool_factory::create();
   const char* const encoding = PQparameterStatus(connection->handle(), "server_encoding");
   if (encoding == nullptr || std::string_view(encoding) != "UTF8") {

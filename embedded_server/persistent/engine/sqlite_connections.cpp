@@ -20,6 +20,8 @@ constexpr const char* settings =
 }  // namespace
 
 SQLite_Connections::pooled_connection_ptr SQLite_Connections::create() {
+  // A connection is given back where nothing may fail: the pool has room for it from the beginning.
+  connections_.reserve(connections_.size() + in_use_ + 1);
   pooled_connection_ptr connection = odb::sqlite::connection_pool_factory::create();
   sqlite3* const handle = connection->handle();
   wait_for_locks(handle, lock_wait_);

@@ -7,6 +7,7 @@
 
 #include <odb/core.hxx>
 
+#include "vemora/embedded_server/persistent/mapping/shared_records.h"
 #include "vemora/platform/records/camera.h"
 #include "vemora/platform/records/metadata_event_category.h"
 #include "vemora/platform/records/schedule.h"

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <new>
 #include <odb/exception.hxx>
 #include <stdexcept>
 
@@ -11,6 +12,8 @@
 
 namespace kuv::vemora::embedded_server {
 namespace {
+
+constexpr const char* out_of_memory = "out of memory";  // short enough for a string without any
 
 thread_local Pass* open_pass = nullptr;
 
@@ -49,6 +52,11 @@ void Pass::open_session() {
 }
 
 Pass::~Pass() {
+  if (purpose_ == Purpose::single_write) {
+    database_->note_kept(commits_ > 0        ? Kept::everything
+                         : commit_not_known_ ? Kept::not_known
+                                             : Kept::nothing);
+  }
   open_pass = nullptr;
 }
 
@@ -99,37 +107,43 @@ void Pass::commit_operation() {
 
 void Pass::store_changes(Site_Index& site) {
   const Site_Index::Net_Changes net = site.settle();
+  Changes changes = changes_;
+  append_changes(net, changes);
   if (mode_ == Pass_Scope::Mode::commit) {
+    bool begun = false;
     try {
       require_in_place();
       write(net);
+      begun = true;
       session_->commit(*transaction_);
     } catch (const std::exception& fault) {
+      lost_ = true;       // half of it may be written: it goes as a whole
       note_fault(fault);  // as long as the connection still knows what it was
-      note_fate(fault, net);
-      lost_ = true;  // half of it may be written: it goes as a whole
+      note_fate(fault, begun, changes);
       transaction_.reset();
       throw;
     }
-    transaction_.reset();
+    ++commits_;
     uncommitted_ = false;
-    has_committed_ = true;
+    transaction_.reset();
   }
-  append_changes(net, changes_);
-  if (has_committed_) {
+  changes_ = std::move(changes);
+  if (commits_ > 0) {
     require_in_place();
   }
 }
 
-/// What a commit that failed may have changed.
-void Pass::note_fate(const std::exception& fault, const Site_Index::Net_Changes& net) {
+/// What became of a commit, once it was `begun`, with these changes.
+void Pass::note_fate(const std::exception& fault, bool begun, Changes& changes) noexcept {
   const auto* const not_known = dynamic_cast<const Commit_Not_Known*>(&fault);
-  if (not_known == nullptr) {
-    return;
+  if (not_known != nullptr) {
+    commit_not_known_ = not_known->known();
+  } else if (begun && dynamic_cast<const std::bad_alloc*>(&fault) != nullptr) {
+    // Without memory, the engine cannot even say that it does not know.
+    commit_not_known_ = Commit_Not_Known::Known::nothing;
   }
-  commit_not_known_ = not_known->known();
   if (commit_not_known_ == Commit_Not_Known::Known::committed_here) {
-    append_changes(net, changes_);
+    changes_ = std::move(changes);
   }
 }
 
@@ -149,8 +163,8 @@ void Pass::require_in_place() {
     engine().require_in_place();
   } catch (const Database_Error& error) {
     throw Database_Error(
-        has_committed_ ? fmt::format("{}; what was committed went into that file", error.what())
-                       : error.what());
+        commits_ > 0 ? fmt::format("{}; what was committed went into that file", error.what())
+                     : error.what());
   }
 }
 
@@ -171,50 +185,63 @@ void Pass::end() {
     try {
       commit();
       return;
-    } catch (const Database_Error&) {  // which sticks
+    } catch (const std::exception&) {  // which sticks
     }
   }
-  if (!uncommitted_) {
-    return;  // what failed came after the commit, and only read
+  // What failed behind the commit only read.
+  if (uncommitted_ && !commit_what_came_before_the_fault()) {
+    throw Database_Error(fmt::format("{}; {}", *fault_,
+                                     commit_not_known_
+                                         ? fate_of("what the pass wrote", *commit_not_known_)
+                                         : std::string("nothing that the pass wrote was kept")));
   }
-  const std::string fault = *fault_;
-  if (!lost_) {
-    fault_.reset();
-    lost_ = !transaction_ || !engine().holds_transaction();
-  }
-  if (!lost_) {
-    try {
-      run([this](Site_Index& site) { store_changes(site); });
-      fault_ = fault;
-      return;
-    } catch (const Database_Error&) {
-      lost_ = true;
-    }
-  }
-  fault_ = fault;
-  throw Database_Error(fmt::format("{}; {}", fault,
-                                   commit_not_known_
-                                       ? fate_of("what the pass wrote", *commit_not_known_)
-                                       : std::string("nothing that the pass wrote was kept")));
 }
 
-void Pass::note_fault(const std::exception& fault) {
+/// False when the database lost it.
+bool Pass::commit_what_came_before_the_fault() {
+  if (lost_ || !transaction_ || !engine().holds_transaction()) {
+    lost_ = true;
+    return false;
+  }
+  std::optional<std::string> fault = std::move(fault_);
+  fault_.reset();
+  try {
+    run([this](Site_Index& site) { store_changes(site); });
+  } catch (const std::exception&) {
+    lost_ = true;
+  }
+  fault_ = std::move(fault);
+  return !lost_;
+}
+
+/// Fails for want of memory as little as for anything else: a fault that did not stick would let
+/// the pass go on with half a site.
+void Pass::note_fault(const std::exception& fault) noexcept {
   if (fault_) {
     return;  // the first one, on its way out of an operation within an operation
   }
   const bool of_the_database = dynamic_cast<const Database_Error*>(&fault) != nullptr ||
                                dynamic_cast<const odb::exception*>(&fault) != nullptr;
+  fault_.emplace();
   if (!of_the_database) {
     poison(fault.what());
     return;
   }
-  fault_ = fmt::format("database {}: {}", engine().location(), engine().describe(fault));
+  try {
+    fault_ = fmt::format("database {}: {}", engine().location(), engine().describe(fault));
+  } catch (const std::exception&) {
+    *fault_ = out_of_memory;
+  }
 }
 
 /// What failed was no operation of the database, so the site in memory may be half changed.
-void Pass::poison(std::string reason) {
-  fault_ = std::move(reason);
+void Pass::poison(const char* reason) noexcept {
   lost_ = true;
+  try {
+    fault_ = reason;
+  } catch (const std::bad_alloc&) {
+    fault_.emplace(out_of_memory);
+  }
   transaction_.reset();
 }
 

@@ -83,6 +83,9 @@ class Pass {
     return commit_not_known_;
   }
 
+  /// How many commits were carried out.
+  int commits() const noexcept { return commits_; }
+
   const Changes& changes() const { return changes_; }
   const std::optional<std::string>& fault() const { return fault_; }
 
@@ -97,9 +100,10 @@ class Pass {
   void store_changes(Site_Index& site);
   void write(const Site_Index::Net_Changes& net);
   void require_in_place();
-  void note_fate(const std::exception& fault, const Site_Index::Net_Changes& net);
-  void note_fault(const std::exception& fault);
-  void poison(std::string reason);
+  bool commit_what_came_before_the_fault();
+  void note_fate(const std::exception& fault, bool begun, Changes& changes) noexcept;
+  void note_fault(const std::exception& fault) noexcept;
+  void poison(const char* reason) noexcept;
   void throw_if_faulty() const;
   void verify_against_database();
 
@@ -112,9 +116,9 @@ class Pass {
   Site_Index site_;
   Changes changes_;
   std::optional<std::string> fault_;
+  int commits_ = 0;
   std::optional<Commit_Not_Known::Known> commit_not_known_;
-  bool lost_ = false;  ///< what was done cannot be committed any more
-  bool has_committed_ = false;
+  bool lost_ = false;        ///< what was done cannot be committed any more
   bool uncommitted_ = true;  ///< something may have been done since the last commit
 };
 

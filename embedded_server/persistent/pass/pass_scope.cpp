@@ -35,6 +35,8 @@ class Pass_Scope::State {
   Mode mode;
   Pass pass;
   Documents documents;
+  bool has_nothing_to_store = false;
+  int commits_before_storing = -1;  ///< of the pass; negative as long as nothing is to be stored
 };
 
 Pass_Scope::Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_id, Mode mode)
@@ -59,6 +61,19 @@ const std::optional<std::string>& Pass_Scope::fault() const {
   return state_->pass.fault();
 }
 
+Kept Pass_Scope::kept() const noexcept {
+  const Pass& pass = state_->pass;
+  const bool has_stored =
+      state_->commits_before_storing >= 0 && pass.commits() > state_->commits_before_storing;
+  if (has_stored || state_->has_nothing_to_store) {
+    return Kept::everything;
+  }
+  if (pass.commits() > 0) {
+    return pass.commit_not_known() ? Kept::records_perhaps_more : Kept::records;
+  }
+  return pass.commit_not_known() ? Kept::not_known : Kept::nothing;
+}
+
 const Changes& Pass_Scope::changes() const {
   return state_->pass.changes();
 }
@@ -77,6 +92,7 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
   }
   if (nothing || !state_->changes_by_storing(accepted, reconciled)) {
     state_->pass.confirm_place();
+    state_->has_nothing_to_store = true;
     return;
   }
   state_->pass.run([&](Site_Index&) {
@@ -85,6 +101,7 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
     strike_out_pending(state_->pass.engine(), reconciled);
     claim_for(state_->pass.odb(), state_->server_id);
   });
+  state_->commits_before_storing = state_->pass.commits();
   try {
     state_->pass.commit();
   } catch (const Database_Error& error) {

@@ -10,19 +10,25 @@ std::uint64_t eta_camera::camera_id() const {
 }
 
 bool eta_camera::add_trigger(const std::shared_ptr<trigger>& added) {
-  const bool is_new = triggers.insert(added).second;
-  if (is_new) {
-    note_added(link_changes, added->id);
+  const auto place = triggers.lower_bound(added);
+  if (place != triggers.end() && (*place)->id == added->id) {
+    return false;
   }
-  return is_new;
+  make_room_for_added(link_changes);
+  triggers.insert(place, added);
+  note_added(link_changes, added->id);
+  return true;
 }
 
 bool eta_camera::remove_trigger(const std::shared_ptr<trigger>& removed) {
-  const bool was_there = triggers.erase(removed) != 0;
-  if (was_there) {
-    note_removed(link_changes, removed->id);
+  const auto place = triggers.find(removed);
+  if (place == triggers.end()) {
+    return false;
   }
-  return was_there;
+  make_room_for_removed(link_changes);
+  triggers.erase(place);
+  note_removed(link_changes, removed->id);
+  return true;
 }
 
 }  // namespace kuv::vemora

@@ -6,6 +6,13 @@
 namespace kuv::vemora {
 namespace {
 
+/// Doubled when it is full, as a note that is appended would.
+void make_room(std::vector<std::uint64_t>& noted) {
+  if (noted.size() == noted.capacity()) {
+    noted.reserve(std::max<std::size_t>(2 * noted.size(), 4));
+  }
+}
+
 void note(std::vector<std::uint64_t>& noted, std::vector<std::uint64_t>& opposite,
           std::uint64_t trigger_id) {
   const auto undone = std::find(opposite.begin(), opposite.end(), trigger_id);
@@ -18,11 +25,19 @@ void note(std::vector<std::uint64_t>& noted, std::vector<std::uint64_t>& opposit
 
 }  // namespace
 
-void note_added(Trigger_Link_Changes& changes, std::uint64_t trigger_id) {
+void make_room_for_added(Trigger_Link_Changes& changes) {
+  make_room(changes.added);
+}
+
+void make_room_for_removed(Trigger_Link_Changes& changes) {
+  make_room(changes.removed);
+}
+
+void note_added(Trigger_Link_Changes& changes, std::uint64_t trigger_id) noexcept {
   note(changes.added, changes.removed, trigger_id);
 }
 
-void note_removed(Trigger_Link_Changes& changes, std::uint64_t trigger_id) {
+void note_removed(Trigger_Link_Changes& changes, std::uint64_t trigger_id) noexcept {
   note(changes.removed, changes.added, trigger_id);
 }
 

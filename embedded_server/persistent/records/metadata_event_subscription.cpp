@@ -45,6 +45,7 @@ bool metadata_event_subscription::add_trigger(const std::shared_ptr<trigger>& ad
   if (place != trigger_links.end() && id_of(*place) == added->id) {
     return false;
   }
+  make_room_for_added(link_changes);
   trigger_links.emplace(place, added);
   note_added(link_changes, added->id);
   return true;
@@ -55,6 +56,7 @@ bool metadata_event_subscription::remove_trigger(const std::shared_ptr<trigger>&
   if (place == trigger_links.end() || id_of(*place) != removed->id) {
     return false;
   }
+  make_room_for_removed(link_changes);
   trigger_links.erase(place);
   note_removed(link_changes, removed->id);
   return true;

@@ -1,0 +1,70 @@
+"""One allocation fails, at every point of the tool's commands: it never aborts, what it says is true of what is
+stored, and the same command ends, repeated, where an undisturbed run ends.
+
+    FAULT_STRIDE=1      every point (default: as many as go into a minute); with an ordinal number, FAULT_FIRST,
+                        where to begin
+    FAULT_CASE=REGEX    these commands alone
+    FAULT_TRACE=1       prints to standard error where the failing calls came from
+"""
+
+import collections
+import os
+import re
+import unittest
+
+from campaign import Campaign
+from fault_server import ALLOCATION, Fault
+
+STRIDE = int(os.environ.get("FAULT_STRIDE", "0"))
+FIRST = int(os.environ.get("FAULT_FIRST", "1"))
+CASES = os.environ.get("FAULT_CASE", "")
+POINTS_OF_A_SHORT_RUN = 1500
+
+
+class Allocations_Test(unittest.TestCase):
+    def setUp(self):
+        self.campaign = Campaign()
+        self.addCleanup(self.campaign.close)
+        self.complaints = collections.Counter()
+        self.examples = {}
+
+    def report(self, case, number, fault, complaint, run):
+        key = (case.name, complaint)
+        self.complaints[key] += 1
+        if key not in self.examples:
+            said = (run.out + run.err).decode("utf-8", "replace")[:300]
+            self.examples[key] = f"first at allocation {number}, exit {run.status}: {said!r}"
+
+    def test_one_failed_allocation(self):
+        self.try_every_point(for_good=False)
+
+    def test_no_allocation_succeeds_from_some_point_on(self):
+        self.try_every_point(for_good=True)
+
+    def try_every_point(self, for_good):
+        cases = [case for case in self.campaign.cases() if re.search(CASES, case.name)]
+        for case in cases:
+            self.campaign.prepare(case)
+            self.assertGreater(case.undisturbed.by_operator_new, 300)
+            self.assertGreater(case.undisturbed.allocations, case.undisturbed.by_operator_new)
+        points = sum(case.undisturbed.allocations for case in cases)
+        stride = STRIDE or max(1, points // POINTS_OF_A_SHORT_RUN)
+        total = collections.Counter()
+        for case in cases:
+            # Behind the last one nothing fails, which shows that the end was reached.
+            last = case.undisturbed.allocations + 1
+            numbers = [*range(FIRST, last, stride), last]
+            tally = self.campaign.run(
+                case, ((number, Fault(ALLOCATION, number, for_good)) for number in numbers), self.report)
+            self.assertGreater(tally["beyond the end"], 0)
+            total += tally
+            print(f"{case.name}: {case.undisturbed.allocations} allocations, "
+                  f"{case.undisturbed.by_operator_new} of them by operator new: {dict(tally)}", flush=True)
+        print(f"{sum(total.values()) - total['beyond the end']} points: {dict(total)}")
+        self.assertFalse(self.complaints, "\n".join(
+            f"{name}: {complaint}: {count} times, {self.examples[name, complaint]}"
+            for (name, complaint), count in sorted(self.complaints.items())))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,136 @@
+"""Runs commands of the tool with a fault at one point after the other, and has each judged."""
+
+import collections
+import json
+import os
+import shutil
+import tempfile
+import time
+
+import judge
+import small_site
+from fault_server import FILE, NO_FAULT, Fault, Fault_Server
+from remains import Onlooker, read_files
+
+TOOL = os.environ["TOOL"]
+LIBRARY = os.environ["FAULT_SERVER_LIBRARY"]
+
+
+class Campaign:
+    def __init__(self):
+        memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+        self.top = tempfile.mkdtemp(dir=memory)
+        self.work = os.path.join(self.top, "work")
+        self.onlooker = Onlooker(os.path.join(self.top, "look"))
+        self.server = Fault_Server(TOOL, LIBRARY, trace="FAULT_TRACE" in os.environ)
+        self.repeated = {}
+        self.write_templates()
+
+    def close(self):
+        self.server.close()
+        shutil.rmtree(self.top)
+
+    # Templates are folders to begin with.
+
+    def template(self, name):
+        return os.path.join(self.top, name)
+
+    def write_templates(self):
+        os.mkdir(self.template("empty"))
+        documents = {"inventory.json": small_site.inventory(), "changed.json": small_site.changed_inventory(),
+                     "before.json": small_site.config_before(), "before_mapping.json": small_site.mapping_before(),
+                     "after.json": small_site.config_after(), "after_mapping.json": small_site.mapping_after(),
+                     "faulty.json": small_site.faulty_config(), "faulty_site.json": small_site.faulty_inventory()}
+        for name, document in documents.items():
+            with open(os.path.join(self.template("empty"), name), "w", encoding="utf-8") as file:
+                json.dump(document, file, indent=1)
+        self.derive("empty", "new", ["init", "inventory.json"])
+        self.derive("new", "site", ["apply", "before.json", "before_mapping.json"])
+        self.derive("site", "moved", ["init", "changed.json"])
+        self.derive("site", "changed", ["apply", "after.json", "after_mapping.json"])
+
+    def derive(self, origin, name, arguments):
+        shutil.copytree(self.template(origin), self.template(name))
+        run = self.server.run(arguments, self.template(name))
+        if run.status != judge.DONE:
+            raise AssertionError(f"{arguments}: {run}")
+
+    def cases(self):
+        yield judge.Case("init, a new site", "empty", ["init", "inventory.json"])
+        yield judge.Case("init, a new site, JSON", "empty", ["--json", "init", "inventory.json"])
+        yield judge.Case("init, a changed site", "site", ["init", "changed.json"])
+        yield judge.Case("init, a faulty document", "site", ["--json", "init", "faulty_site.json"])
+        yield judge.Case("apply, the first one", "new", ["--json", "apply", "before.json", "before_mapping.json"])
+        yield judge.Case("apply", "site", ["apply", "after.json", "after_mapping.json"])
+        yield judge.Case("apply, JSON", "site", ["--json", "apply", "after.json", "after_mapping.json"])
+        yield judge.Case("apply, with a log", "site",
+                         ["--log-level=trace", "--json", "apply", "after.json", "after_mapping.json"])
+        yield judge.Case("apply, a faulty document", "site", ["--json", "apply", "faulty.json"])
+        yield judge.Case("refresh, a changed site", "moved", ["--json", "refresh"])
+        yield judge.Case("refresh, text", "moved", ["refresh"])
+        yield judge.Case("refresh, nothing to do", "changed", ["--json", "refresh"])
+        yield judge.Case("check", "site", ["--json", "check", "after.json", "after_mapping.json"])
+        yield judge.Case("check, text", "site", ["check", "after.json"])
+        yield judge.Case("check, a faulty document", "site", ["--json", "check", "faulty.json"])
+        yield judge.Case("check, a faulty document, text", "site", ["check", "faulty.json"])
+        for what in ("triggers", "subscriptions", "detection", "cameras", "config", "mapping"):
+            yield judge.Case(f"show {what}", "changed", ["show", what])
+            yield judge.Case(f"show {what}, JSON", "changed", ["--json", "show", what])
+
+    def refill(self, template):
+        shutil.rmtree(self.work, ignore_errors=True)
+        os.mkdir(self.work)
+        origin = self.template(template)
+        for name in os.listdir(origin):
+            shutil.copyfile(os.path.join(origin, name), os.path.join(self.work, name))
+
+    def prepare(self, case):
+        """Runs it undisturbed."""
+        self.refill(case.template)
+        case.before = self.onlooker.look(self.work)
+        case.undisturbed = self.server.run(case.arguments, self.work)
+        case.after = self.onlooker.look(self.work)
+        if case.undisturbed.signal or case.after.faults or case.after.pending:
+            raise AssertionError(f"{case.name}: {case.undisturbed}, {case.after.faults}")
+        case.reconciled = set()
+        if case.is_pass and case.undisturbed.status == judge.DONE:
+            self.refill(case.template)
+            arguments = case.arguments if case.json else ["--json", *case.arguments]
+            case.reconciled = set(json.loads(self.server.run(arguments, self.work).out)["reconciled"])
+
+    def attempt(self, case, fault, out=None):
+        """What is wrong about a run with a fault, and the run."""
+        self.refill(case.template)
+        run = self.server.run(case.arguments, self.work, fault, out)
+        left = self.onlooker.look(self.work)
+        found = judge.complaints(case, run, left, out_was_lost=out is not None)
+        if not found:
+            found = self.repeat(case)
+        return found, run
+
+    def repeat(self, case):
+        """Without a fault, the same command comes to what an undisturbed run does."""
+        files = (case.name, read_files(self.work), tuple(sorted(os.listdir(self.work))))
+        if files in self.repeated:
+            return self.repeated[files]
+        run = self.server.run(case.arguments, self.work)
+        left = self.onlooker.look(self.work)
+        found = [f"repeated: damaged: {fault}" for fault in left.faults]
+        if (run.status, run.signal) != (case.undisturbed.status, 0):
+            found.append(f"repeated: exit status {run.status}, {judge.text_of(run)[:200]}")
+        elif not judge.same(left, case.after):
+            found.append("repeated: ends in other records")
+        self.repeated[files] = found
+        return found
+
+    def run(self, case, faults_at, report):
+        """Tries `faults_at(n)` for each number that it is given."""
+        tally = collections.Counter()
+        for number, fault in faults_at:
+            found, run = self.attempt(case, fault)
+            tally[f"exit {run.status}" if not run.signal else f"signal {run.signal}"] += 1
+            if not run.failed:
+                tally["beyond the end"] += 1
+            for complaint in found:
+                report(case, number, fault, complaint, run)
+        return tally
