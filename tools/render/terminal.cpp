@@ -1,11 +1,11 @@
 #include "tools/render/terminal.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <string_view>
 #include <utility>
@@ -79,8 +79,12 @@ void print_table(const std::vector<std::string>& headings,
 }
 
 Progress_Line::Progress_Line(std::string what) : what_(std::move(what)) {
-  if (isatty(STDERR_FILENO) == 1) {
+  if (isatty(STDERR_FILENO) != 1) {
+    return;
+  }
+  try {
     ticker_ = std::thread([this] { tick(); });
+  } catch (const std::exception&) {  // there is no memory or no thread: nothing depends on the line
   }
 }
 
@@ -99,7 +103,8 @@ void Progress_Line::tick() {
   std::unique_lock<std::mutex> lock(mutex_);
   int seconds = 0;
   while (!finished_.wait_for(lock, std::chrono::seconds(1), [this] { return done_; })) {
-    std::cerr << fmt::format("\r{} ... {} s", what_, ++seconds) << std::flush;
+    // Each piece as it is: for a text there might be no memory, and nobody to tell.
+    std::cerr << '\r' << what_ << " ... " << ++seconds << " s" << std::flush;
   }
   if (seconds > 0) {
     std::cerr << "\r\x1b[K" << std::flush;

@@ -1,6 +1,6 @@
 // Preloaded into the tool by the crash tests: counts the calls by which it writes files and brings
-// them to the disk, and kills the process at one of them, as a power cut or an impatient
-// administrator would.
+// them to the disk, and kills the process at one of them, as an impatient administrator would. What
+// was written stays, which a power cut would not grant: see tests/system/faults/power_cut_test.py.
 //
 //   KILL_AT_CALL=N     die at the N-th call; of a write, half is done by then
 //   COUNT_CALLS_IN=F   write the number of calls into file F at the end

@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "plan.h"
+#include "recorded_files.h"
 
 namespace {
 
@@ -70,12 +71,26 @@ int openat(int folder, const char* path, int flags, ...) {
 
 ssize_t write(int descriptor, const void* data, size_t size) {
   static const auto real = next<ssize_t (*)(int, const void*, size_t)>("write");
-  return call_fails_on(descriptor) ? -1 : real(descriptor, data, size);
+  if (call_fails_on(descriptor)) {
+    return -1;
+  }
+  if (descriptor == STDOUT_FILENO) {
+    faults::record_said();
+  } else {
+    faults::record_write(descriptor, data, static_cast<ssize_t>(size),
+                         lseek(descriptor, 0, SEEK_CUR));
+  }
+  return real(descriptor, data, size);
 }
 
 ssize_t pwrite64(int descriptor, const void* data, size_t size, off64_t offset) {
   static const auto real = next<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
-  return call_fails_on(descriptor) ? -1 : real(descriptor, data, size, offset);
+  if (call_fails_on(descriptor)) {
+    return -1;
+  }
+  const ssize_t written = real(descriptor, data, size, offset);
+  faults::record_write(descriptor, data, written, offset);
+  return written;
 }
 
 ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
@@ -84,17 +99,29 @@ ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
 
 int fsync(int descriptor) {
   static const auto real = next<int (*)(int)>("fsync");
-  return call_fails() ? -1 : real(descriptor);
+  if (call_fails()) {
+    return -1;
+  }
+  faults::record_sync(descriptor);
+  return real(descriptor);
 }
 
 int fdatasync(int descriptor) {
   static const auto real = next<int (*)(int)>("fdatasync");
-  return call_fails() ? -1 : real(descriptor);
+  if (call_fails()) {
+    return -1;
+  }
+  faults::record_sync(descriptor);
+  return real(descriptor);
 }
 
 int ftruncate64(int descriptor, off64_t size) {
   static const auto real = next<int (*)(int, off64_t)>("ftruncate64");
-  return call_fails_on(descriptor) ? -1 : real(descriptor, size);
+  if (call_fails_on(descriptor)) {
+    return -1;
+  }
+  faults::record_cut(descriptor, size);
+  return real(descriptor, size);
 }
 
 int ftruncate(int descriptor, off_t size) {
@@ -108,7 +135,11 @@ int rename(const char* from, const char* to) {
 
 int unlink(const char* path) {
   static const auto real = next<int (*)(const char*)>("unlink");
-  return call_fails() ? -1 : real(path);
+  if (call_fails()) {
+    return -1;
+  }
+  faults::record_unlink(path);
+  return real(path);
 }
 
 void* mmap64(void* wanted, size_t size, int protection, int flags, int descriptor, off64_t offset) {

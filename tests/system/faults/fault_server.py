@@ -14,11 +14,13 @@ Run = collections.namedtuple("Run", "status signal allocations by_operator_new f
 
 
 class Fault_Server:
-    def __init__(self, tool, library, trace=False):
+    def __init__(self, tool, library, trace=False, record=None):
         requests, self.to = os.pipe()
         self.answers, answers = os.pipe()
         environment = {**os.environ, "LD_PRELOAD": library, "FAULT_SERVER": f"{requests},{answers}"}
         environment.pop("VEMORA_DATABASE", None)
+        if record is not None:
+            environment["FAULT_RECORD"] = record
         if trace:
             environment["FAULT_TRACE"] = "1"
         self.process = subprocess.Popen([tool], env=environment, pass_fds=(requests, answers),

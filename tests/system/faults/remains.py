@@ -21,8 +21,8 @@ UNION ALL SELECT 'trigger schedule', record_id, linked_id, NULL, NULL, NULL, NUL
 UNION ALL SELECT 'source', trigger_id, position, type || ' ' || ifnull(onvif_topic, ''), object_type,
   motion_required || ' ' || ifnull(activity_mode, ''), min_duration_us || ' ' || ifnull(dropout_us, '')
   FROM trigger_source
-UNION ALL SELECT 'subscription', CASE WHEN camera_id IS NULL THEN id END, name, category_id, onvif_topic, camera_id, NULL
-  FROM subscription
+UNION ALL SELECT 'subscription', CASE WHEN camera_id IS NULL THEN id END, name, category_id, onvif_topic, camera_id,
+  NULL FROM subscription
 UNION ALL SELECT 'subscription tag', t.name, t.value, s.name, s.onvif_topic, s.camera_id, NULL
   FROM subscription_tag t LEFT JOIN subscription s ON s.id = t.record_id
 UNION ALL SELECT 'subscription camera', s.name, linked_id, s.onvif_topic, s.camera_id, NULL, NULL

@@ -19,7 +19,7 @@ class Other_Process {
   /// Has it take a step and waits for the answer: "done", or what went wrong.
   std::string ask(const std::string& step);
 
-  /// Ends it as a power cut would.
+  /// Ends it at once; what it wrote stays.
   void kill();
 
  private:
