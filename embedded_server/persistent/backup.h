@@ -17,6 +17,12 @@ class VEMORA_API Not_In_A_File : public Database_Error {
   using Database_Error::Database_Error;
 };
 
+/// The disk failed in the commit of a restore: the site is the one before or that of the backup.
+class VEMORA_API Restore_Not_Known : public Database_Error {
+ public:
+  using Database_Error::Database_Error;
+};
+
 /// What a copy of a site holds.
 struct Site_Counts {
   std::uint64_t triggers = 0;
@@ -41,7 +47,7 @@ VEMORA_API Site_Counts back_up(const std::string& location, std::uint64_t server
 /// there is none. Looks the whole backup through first. One transaction: killed at any moment, the
 /// site is the one before or the other one. Who reads goes on reading. Keeps passes out. The
 /// cameras whose subscriptions differ become pending; all of them, where it cannot be told what was
-/// there before. Throws Database_Error, and Not_In_A_File.
+/// there before. Throws Database_Error, Restore_Not_Known and Not_In_A_File.
 VEMORA_API Restored_Site restore(const std::string& location, std::uint64_t server_id,
                                  const std::string& file,
                                  std::chrono::milliseconds lock_wait = std::chrono::seconds(30));

@@ -9,6 +9,7 @@
 #include "tools/render/faults.h"
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
+#include "tools/stored_note.h"
 #include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
@@ -16,7 +17,9 @@ namespace {
 
 embedded_server::Site_Counts back_up(const Options& options, const std::string& file) {
   const Progress_Line progress("backing up");
-  return embedded_server::back_up(options.database, options.server_id, file);
+  const auto counts = embedded_server::back_up(options.database, options.server_id, file);
+  note_stored("The backup is complete.");
+  return counts;
 }
 
 void print_backup(const Options& options, const std::string& file,

@@ -7,6 +7,7 @@
 #include "tools/render/faults.h"
 #include "tools/render/json.h"
 #include "tools/render/terminal.h"
+#include "tools/stored_note.h"
 #include "vemora/embedded_server/persistent/backup.h"
 
 namespace kuv::vemora::tools {
@@ -16,7 +17,14 @@ using embedded_server::Restored_Site;
 
 Restored_Site restored(const Options& options, const std::string& file) {
   const Progress_Line progress("restoring");
-  return embedded_server::restore(options.database, options.server_id, file);
+  try {
+    Restored_Site site = embedded_server::restore(options.database, options.server_id, file);
+    note_stored("The backup is restored.");
+    return site;
+  } catch (const embedded_server::Restore_Not_Known&) {
+    note_stored("It is not known whether the backup is restored.");
+    throw;
+  }
 }
 
 void print_for_people(const Restored_Site& site) {

@@ -4,7 +4,9 @@
 #include <sqlite3.h>
 
 #include <cerrno>
+#include <new>
 
+#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/engine/file_traits.h"
 #include "embedded_server/persistent/engine/sqlite_commit.h"
 #include "embedded_server/persistent/engine/sqlite_locks.h"
@@ -33,10 +35,10 @@ constexpr const char* note_all_cameras =
     "INSERT OR IGNORE INTO main.pending_camera SELECT camera_id FROM main.subscription"
     " WHERE camera_id IS NOT NULL;";
 
-constexpr const char* nobody_knows = "; it is not known whether the backup was restored";
-
-bool is_io_error(int code) {
-  return (code & 0xFF) == SQLITE_IOERR;
+/// It may have struck amid the commit.
+bool is_sudden(int code) {
+  const int kind = code & 0xFF;
+  return kind == SQLITE_IOERR || kind == SQLITE_NOMEM;
 }
 
 /// No more than that it cannot be read as what it should be.
@@ -44,12 +46,17 @@ bool is_unreadable(const SQLite_Fault& fault) {
   return fault.is_damage() || fault.code() == SQLITE_ERROR;
 }
 
-[[noreturn]] void fail(int code, const char* what_is_known = "") {
+[[noreturn]] void fail(int code) {
   const bool other_size = (code & 0xFF) == SQLITE_READONLY;
   throw SQLite_Fault(code, other_size
                                ? "its pages have another size than those of the backup; move it "
                                  "away with the files beside it, then a new one is made"
-                               : fmt::format("{}{}", sqlite3_errstr(code), what_is_known));
+                               : sqlite3_errstr(code));
+}
+
+[[noreturn]] void fail_not_knowing(int code) {
+  throw Commit_Not_Known(
+      fmt::format("{}; it is not known whether the backup was restored", sqlite3_errstr(code)));
 }
 
 }  // namespace
@@ -124,8 +131,11 @@ void Replaced_Site::replace_what_is_damaged(SQLite_Handle& coming) {
   sqlite3_db_config(file_->get(), SQLITE_DBCONFIG_RESET_DATABASE, 1, nullptr);
   const int code = copy_from(coming);
   sqlite3_db_config(file_->get(), SQLITE_DBCONFIG_RESET_DATABASE, 0, nullptr);
+  if (is_sudden(code)) {
+    fail_not_knowing(code);
+  }
   if (code != SQLITE_OK) {
-    fail(code, is_io_error(code) ? nobody_knows : "");
+    fail(code);
   }
   // Where that fails, the next pass does it.
   sqlite3_exec(file_->get(), "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
@@ -141,12 +151,15 @@ void Replaced_Site::copy_and_know(SQLite_Handle& coming) {
   if (code == SQLITE_OK) {
     return;
   }
-  if (!is_io_error(code)) {
+  if (!is_sudden(code)) {
     fail(code);
   }
   const auto last = number_of_last_kept_commit(file_->get());
+  if (last == before) {
+    fail(code);
+  }
   if (last != number) {
-    fail(code, last == before ? "" : nobody_knows);
+    fail_not_knowing(code);
   }
 }
 
@@ -164,6 +177,8 @@ void Replaced_Site::require_in_place_still() const {
     files_.require_in_place();
   } catch (const Database_Error& error) {
     throw Database_Error(fmt::format("{}; the backup was restored into that file", error.what()));
+  } catch (const std::bad_alloc&) {
+    // It is restored, which is what has to be told.
   }
 }
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include "embedded_server/persistent/engine/commit_not_known.h"
 #include "embedded_server/persistent/engine/other_programs.h"
 #include "embedded_server/persistent/engine/sqlite_locks.h"
 #include "embedded_server/persistent/engine/sqlite_read_backup.h"
@@ -20,12 +21,15 @@ Restored_Site outcome_of(SQLite_Handle& restored) {
   return outcome;
 }
 
-void replace(Replaced_Site& site, std::uint64_t server_id, SQLite_Handle& coming) {
+/// The outcome is told of what comes, so that nothing can fail once it is there.
+Restored_Site replace(Replaced_Site& site, std::uint64_t server_id, SQLite_Handle& coming) {
   site.examine(server_id);  // before anything is made beside it
   site.lock();
   site.examine(server_id);
   site.note_pending_cameras(coming);
+  Restored_Site outcome = outcome_of(coming);
   site.replace_by(coming);
+  return outcome;
 }
 
 std::string describe(const SQLite_Fault& fault) {
@@ -40,8 +44,9 @@ Restored_Site restore_sqlite(const std::string& database, std::uint64_t server_i
   Read_Backup backup(file, database, server_id);
   try {
     Replaced_Site site(database, backup.status(), lock_wait);
-    replace(site, server_id, backup.site());
-    return outcome_of(backup.site());
+    return replace(site, server_id, backup.site());
+  } catch (const Commit_Not_Known& fault) {
+    throw Restore_Not_Known(fmt::format("database {}: {}", database, fault.what()));
   } catch (const SQLite_Fault& fault) {
     throw Database_Error(fmt::format("database {}: {}", database, describe(fault)));
   } catch (const Database_Error& error) {

@@ -47,6 +47,8 @@ class Campaign:
         self.derive("empty", "new", ["init", "inventory.json"])
         self.derive("new", "site", ["apply", "before.json", "before_mapping.json"])
         self.derive("site", "moved", ["init", "changed.json"])
+        self.derive("site", "backed_up", ["backup", "backup.db"])
+        self.derive("backed_up", "moved_on", ["init", "changed.json"])
         self.derive("site", "changed", ["apply", "after.json", "after_mapping.json"])
 
     def derive(self, origin, name, arguments):
@@ -69,6 +71,10 @@ class Campaign:
         yield judge.Case("refresh, a changed site", "moved", ["--json", "refresh"])
         yield judge.Case("refresh, text", "moved", ["refresh"])
         yield judge.Case("refresh, nothing to do", "changed", ["--json", "refresh"])
+        yield judge.Case("backup", "site", ["backup", "backup.db"])
+        yield judge.Case("backup, JSON, over an older one", "moved_on", ["--json", "backup", "backup.db"])
+        yield judge.Case("restore", "moved_on", ["restore", "backup.db"])
+        yield judge.Case("restore, JSON", "moved_on", ["--json", "restore", "backup.db"])
         yield judge.Case("check", "site", ["--json", "check", "after.json", "after_mapping.json"])
         yield judge.Case("check, text", "site", ["check", "after.json"])
         yield judge.Case("check, a faulty document", "site", ["--json", "check", "faulty.json"])

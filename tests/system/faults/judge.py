@@ -72,6 +72,8 @@ def about_the_others(case, run, left):
         return [f"exit status {run.status}"]
     if "The inventory is stored." in text:
         return must_be(left, case.after, "the inventory is stored")
+    if "The backup is restored." in text:
+        return must_be(left, case.after, "the backup is restored")
     if "not known" in text:
         return [] if same(left, case.before) or same(left, case.after) else ["neither before nor after"]
     return must_be(left, case.before, "failed")
