@@ -24,7 +24,11 @@ void Faults::add(const Json::Value& value, const std::string& message) {
   }
 }
 
-void Faults::add(const Member& member, const std::string& message) {
+void Faults::add_literal(const Json::Value& value, const char* message) {
+  add(value, message);
+}
+
+void Faults::add_literal(const Member& member, const char* message) {
   const bool is_there = &member.value != &Json::Value::nullSingleton();
   add(is_there ? member.value : member.owner, message);
 }

@@ -43,14 +43,14 @@ class Faults {
   /// is kept costs nothing.
   bool require(bool kept, const Member& member, const char* message) {
     if (!kept) {
-      add(member, message);
+      add_literal(member, message);
     }
     return kept;
   }
 
   bool require(bool kept, const Json::Value& value, const char* message) {
     if (!kept) {
-      add(value, message);
+      add_literal(value, message);
     }
     return kept;
   }
@@ -58,13 +58,14 @@ class Faults {
   /// The value is wrong.
   [[gnu::cold]] void add(const Json::Value& value, const std::string& message);
 
-  /// The value is wrong, or the object has none.
-  [[gnu::cold]] void add(const Member& member, const std::string& message);
-
   /// Tells the sink; answers whether to go on. If not, it is the caller that throws.
   [[gnu::cold]] bool tell(const std::string& message, std::optional<std::size_t> offset);
 
  private:
+  // Out of line, so that no text is made where a rule is looked at.
+  [[gnu::cold]] void add_literal(const Json::Value& value, const char* message);
+  [[gnu::cold]] void add_literal(const Member& member, const char* message);
+
   Fault_Sink* sink_ = nullptr;
   std::size_t index_ = no_element;
   std::optional<std::uint64_t> id_;

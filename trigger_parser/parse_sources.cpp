@@ -33,19 +33,18 @@ std::optional<Trigger_Source_Type> parse_type(const Member& type, const Letters&
   }
 }
 
-/// Never empty; nothing when it is no topic.
-std::optional<std::string> parse_onvif_topic(const Member& topic, Faults& faults) {
-  std::optional<std::string> text;
-  if (faults.require(topic.value.isString(), topic,
-                     "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.")) {
-    text = topic.value.asString();
-    if (!faults.require(
-            !text->empty(), topic,
-            "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")) {
-      text.reset();
-    }
+/// Leaves nothing when it is no topic.
+void parse_onvif_topic(const Member& topic, std::optional<std::string>& parsed, Faults& faults) {
+  if (!faults.require(topic.value.isString(), topic,
+                      "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.")) {
+    return;
   }
-  return text;
+  parsed = topic.value.asString();
+  if (!faults.require(
+          !parsed->empty(), topic,
+          "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")) {
+    parsed.reset();
+  }
 }
 
 /// Empty when it is none.
@@ -60,13 +59,13 @@ std::string parse_object_type(const Member& type, Faults& faults) {
   return parsed;
 }
 
-/// Nothing when it has no object type.
-std::optional<Object_Search_Item> parse_search_item(const Member& item, Faults& faults) {
-  std::optional<Object_Search_Item> parsed;
+/// Leaves nothing when it has no object type.
+void parse_search_item(const Member& item, std::optional<Object_Search_Item>& parsed,
+                       Faults& faults) {
   // The quote at the end belongs to the message: operators' tools look for this very text.
   if (!faults.require(item.value.isObject(), item,
                       "\"searchItem\" object is missing or invalid.\"")) {
-    return parsed;
+    return;
   }
   const auto [type, motion_required] = find_members(item.value, "type", "motionRequired");
   parsed.emplace();
@@ -80,7 +79,6 @@ std::optional<Object_Search_Item> parse_search_item(const Member& item, Faults& 
   if (parsed->object_type.empty()) {
     parsed.reset();
   }
-  return parsed;
 }
 
 /// Whether it can be told which other source this one would be the same as.
@@ -111,9 +109,9 @@ std::optional<Trigger_Source> parse_source(const Json::Value& source, const Lett
   parsed.emplace();
   parsed->type = *type;
   if (*type == Trigger_Source_Type::onvif_metadata) {
-    parsed->onvif_topic = parse_onvif_topic({*topic, source}, faults);
+    parse_onvif_topic({*topic, source}, parsed->onvif_topic, faults);
   } else if (*type == Trigger_Source_Type::object_detection) {
-    parsed->search_item = parse_search_item({*item, source}, faults);
+    parse_search_item({*item, source}, parsed->search_item, faults);
     parsed->activity_duration = parse_activity_duration(*duration, *type, faults);
   } else if (*type == Trigger_Source_Type::motion_detection) {
     parsed->activity_duration = parse_activity_duration(*duration, *type, faults);

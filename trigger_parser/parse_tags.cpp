@@ -12,12 +12,12 @@ namespace {
 
 using Terms = std::set<ODB_Utils::Tag_Search_Term>;
 
-Terms parse_tag_filter(const Json::Value& filter, Faults& faults) {
+void parse_tag_filter(const Json::Value& filter, Terms& parsed, Faults& faults) {
   if (filter.isNull()) {
-    return {};
+    return;
   }
   try {
-    return Vemora_Tags_JSON_Converter::parse_search_tags(filter);
+    parsed = Vemora_Tags_JSON_Converter::parse_search_tags(filter);
   } catch (const Tag_Filter_Error& error) {
     for (const auto& fault : error.faults()) {
       if (!faults.tell(fault.message, fault.offset)) {
@@ -31,21 +31,18 @@ Terms parse_tag_filter(const Json::Value& filter, Faults& faults) {
       throw;
     }
   }
-  return {};
 }
 
 }  // namespace
 
-Trigger_Config::Tags parse_tags(const Member& tags, Faults& faults) {
-  Trigger_Config::Tags parsed;
+void parse_tags(const Member& tags, Trigger_Config::Tags& parsed, Faults& faults) {
   if (faults.require(tags.value.isObject(), tags, "\"tags\" must be a JSON object.")) {
     const auto [server, camera, event_subscription] =
         find_members(tags.value, "server", "camera", "eventSubscription");
-    parsed.server = parse_tag_filter(*server, faults);
-    parsed.camera = parse_tag_filter(*camera, faults);
-    parsed.event_subscription = parse_tag_filter(*event_subscription, faults);
+    parse_tag_filter(*server, parsed.server, faults);
+    parse_tag_filter(*camera, parsed.camera, faults);
+    parse_tag_filter(*event_subscription, parsed.event_subscription, faults);
   }
-  return parsed;
 }
 
 }  // namespace kuv::vemora

@@ -5,8 +5,9 @@
 
 namespace kuv::vemora {
 
-/// The filters of a trigger from its "tags" object; each is empty where it is null or absent. What
-/// the tags library throws for a filter reaches the caller, unless it is told to a sink.
-Trigger_Config::Tags parse_tags(const Member& tags, Faults& faults);
+/// Puts the filters of a trigger from its "tags" object in the place of empty ones; a filter that
+/// is null or absent stays empty. What the tags library throws for one reaches the caller, unless
+/// it is told to a sink.
+void parse_tags(const Member& tags, Trigger_Config::Tags& parsed, Faults& faults);
 
 }  // namespace kuv::vemora

@@ -119,7 +119,7 @@ std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
                      "\"name\" field is missing or invalid.")) {
     config->name = name->asString();
   }
-  config->tags = parse_tags({*tags, trigger}, faults);
+  parse_tags({*tags, trigger}, config->tags, faults);
   const std::size_t before_sources = faults.count();
   config->sources = parse_sources({*sources, trigger}, faults);
   const bool sources_are_valid = faults.count() == before_sources;
