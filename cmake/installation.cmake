@@ -22,7 +22,8 @@ install(FILES embedded_server/persistent/backup.h embedded_server/persistent/cha
               embedded_server/persistent/pass_scope.h embedded_server/persistent/site_reader.h
               embedded_server/persistent/source_type_names.h
         DESTINATION ${headers}/embedded_server/persistent)
-install(FILES embedded_server/texts/letters.h embedded_server/texts/printable.h
+install(FILES embedded_server/texts/json_nesting.h embedded_server/texts/letters.h
+              embedded_server/texts/printable.h
         DESTINATION ${headers}/embedded_server/texts)
 install(FILES embedded_server/logging/console.h DESTINATION ${headers}/embedded_server/logging)
 install(DIRECTORY embedded_server/host DESTINATION ${headers}/embedded_server

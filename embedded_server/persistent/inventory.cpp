@@ -1,6 +1,8 @@
 #include "vemora/embedded_server/persistent/inventory.h"
 
-#include <unordered_map>
+#include <fmt/format.h>
+
+#include <map>
 
 #include "embedded_server/persistent/engine/row_changes.h"
 #include "embedded_server/persistent/engine/row_writer.h"
@@ -8,6 +10,8 @@
 #include "embedded_server/persistent/pass/join_pass.h"
 #include "records-odb.h"
 #include "rows-odb.h"
+#include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/texts/json_nesting.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -70,16 +74,26 @@ class Capability_Documents {
   const std::vector<rows::Capability_Text>& added() const { return added_; }
 
  private:
-  std::unordered_map<std::string, std::uint64_t> ids_;
+  std::map<std::string, std::uint64_t> ids_;
   std::uint64_t next_id_ = 1;
   std::vector<rows::Capability_Text> added_;
 };
+
+/// What is stored must be readable ever after.
+void require_readable_nesting(const Inventory::Camera& given) {
+  if (is_nested_too_deeply(given.capabilities)) {
+    throw Database_Error(
+        fmt::format("the capabilities of camera {} are nested more than {} levels deep", given.id,
+                    deepest_nesting));
+  }
+}
 
 void store_capabilities(Engine& engine, const std::vector<Inventory::Camera>& cameras) {
   Capability_Documents documents(engine.odb());
   std::set<std::uint64_t> silent;  // they say nothing any more
   std::vector<rows::Camera_Capability> assigned;
   for (const Inventory::Camera& given : cameras) {
+    require_readable_nesting(given);
     if (given.capabilities.empty()) {
       silent.insert(given.id);
     } else {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "embedded_server/persistent/index/capability_store.h"
+#include "embedded_server/persistent/index/id_hash.h"
 #include "embedded_server/persistent/index/tag_postings.h"
 #include "vemora/platform/records/camera.h"
 
@@ -56,8 +57,8 @@ class Camera_Index {
   void load_tags(odb::database& database);
 
   Camera_List cameras_;
-  std::unordered_map<std::uint64_t, std::size_t> places_;  ///< in cameras_
-  Tag_Postings<std::size_t> tags_;                         ///< of places in cameras_
+  std::unordered_map<std::uint64_t, std::size_t, Id_Hash> places_;  ///< in cameras_
+  Tag_Postings<std::size_t> tags_;                                  ///< of places in cameras_
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -8,12 +8,18 @@
 #include "embedded_server/persistent/index/row_reader.h"
 #include "rows-odb.h"
 #include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/texts/json_nesting.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
 std::shared_ptr<const Capability_Store::Tree> parse(std::uint64_t camera_id,
                                                     const std::string& text) {
+  if (is_nested_too_deeply(text)) {
+    throw Database_Error(fmt::format(
+        "the capability document of camera {} is corrupt: nested more than {} levels deep",
+        camera_id, deepest_nesting));
+  }
   auto tree = std::make_shared<Capability_Store::Tree>();
   std::istringstream stream(text);
   try {
@@ -30,6 +36,9 @@ std::shared_ptr<const Capability_Store::Tree> parse(std::uint64_t camera_id,
 std::shared_ptr<const Capability_Store::Tree> Capability_Store::tree(std::uint64_t camera_id) {
   std::shared_ptr<const Tree> found;
   guard_([&] {
+    // Taken behind what the guard waits for, so that nobody holds it while waiting for the
+    // database.
+    const std::lock_guard<std::mutex> lock(mutex_);
     if (!loaded_) {
       load();
     }

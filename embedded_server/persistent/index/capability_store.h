@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <utility>
 
+#include "embedded_server/persistent/index/id_hash.h"
 #include "vemora/platform/records/capability_document.h"
 
 namespace odb {
@@ -22,7 +24,8 @@ namespace kuv::vemora::embedded_server {
 using Capability_Guard = std::function<void(const std::function<void()>&)>;
 
 /// The capability documents of all cameras, read with one statement a table when the first of them
-/// is asked for; each text is parsed once, however many cameras share it.
+/// is asked for; each text is parsed once, however many cameras share it. May be used from any
+/// thread: records that share it go where their holders take them.
 class Capability_Store {
  public:
   using Tree = Capability_Document::Tree;
@@ -45,9 +48,10 @@ class Capability_Store {
 
   odb::database& database_;
   Capability_Guard guard_;
+  std::mutex mutex_;  ///< of all that follows
   bool loaded_ = false;
-  std::unordered_map<std::uint64_t, std::uint64_t> document_ids_;  ///< by camera id
-  std::unordered_map<std::uint64_t, Document> documents_;
+  std::unordered_map<std::uint64_t, std::uint64_t, Id_Hash> document_ids_;  ///< by camera id
+  std::unordered_map<std::uint64_t, Document, Id_Hash> documents_;
 };
 
 }  // namespace kuv::vemora::embedded_server

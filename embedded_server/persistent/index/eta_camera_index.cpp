@@ -42,7 +42,7 @@ ETA_Camera_Index::List ETA_Camera_Index::all() {
 }
 
 ETA_Camera_Index::List ETA_Camera_Index::matching(const Query& query) {
-  std::unordered_set<std::uint64_t> named;
+  std::unordered_set<std::uint64_t, Id_Hash> named;
   for (const std::shared_ptr<camera>& record : query.cameras) {
     named.insert(record->id);
   }

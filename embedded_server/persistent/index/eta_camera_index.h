@@ -9,6 +9,7 @@
 
 #include "embedded_server/persistent/index/camera_index.h"
 #include "embedded_server/persistent/index/id_allocator.h"
+#include "embedded_server/persistent/index/id_hash.h"
 #include "embedded_server/persistent/index/linked_records.h"
 #include "embedded_server/persistent/index/trigger_index.h"
 #include "vemora/embedded_server/persistent/mapping/rows.h"
@@ -60,7 +61,7 @@ class ETA_Camera_Index {
   const Trigger_Index& triggers_;
   Id_Allocator ids_;
   Records records_;
-  std::unordered_map<std::uint64_t, Entry*> by_camera_;
+  std::unordered_map<std::uint64_t, Entry*, Id_Hash> by_camera_;
 
   std::set<std::uint64_t> added_;    ///< not stored yet
   std::set<std::uint64_t> deleted_;  ///< still stored

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "embedded_server/persistent/index/id_hash.h"
 #include "embedded_server/persistent/index/id_order.h"
 #include "embedded_server/persistent/index/link_journal.h"
 #include "embedded_server/persistent/index/record_links.h"
@@ -175,7 +176,7 @@ class Linked_Records {
     std::shared_ptr<trigger> record;
     Entry_List* holders;
   };
-  using Holder_Lists = std::unordered_map<std::uint64_t, Holder_List>;
+  using Holder_Lists = std::unordered_map<std::uint64_t, Holder_List, Id_Hash>;
 
   Holder_Lists holder_lists(const Trigger_Index& triggers) {
     Holder_Lists lists;
@@ -240,10 +241,10 @@ class Linked_Records {
   }
 
   std::map<std::uint64_t, Entry> entries_;
-  std::unordered_map<std::uint64_t, Entry_List> holders_;  ///< by trigger
+  std::unordered_map<std::uint64_t, Entry_List, Id_Hash> holders_;  ///< by trigger
   /// The triggers that were taken off records. A removal only leaves this note, so that many of
   /// them cost no search each.
-  std::unordered_set<std::uint64_t> untidy_;
+  std::unordered_set<std::uint64_t, Id_Hash> untidy_;
   Link_Journal journal_;
   std::uint64_t last_mark_ = 0;
 };

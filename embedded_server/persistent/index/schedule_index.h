@@ -4,6 +4,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "embedded_server/persistent/index/id_hash.h"
 #include "vemora/platform/records/schedule.h"
 
 namespace odb {
@@ -21,7 +22,7 @@ class Schedule_Index {
   std::shared_ptr<schedule> find(std::uint64_t id) const;
 
  private:
-  std::unordered_map<std::uint64_t, std::shared_ptr<schedule>> records_;
+  std::unordered_map<std::uint64_t, std::shared_ptr<schedule>, Id_Hash> records_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -11,6 +11,7 @@
 
 #include "embedded_server/persistent/index/camera_index.h"
 #include "embedded_server/persistent/index/id_allocator.h"
+#include "embedded_server/persistent/index/id_hash.h"
 #include "embedded_server/persistent/index/linked_records.h"
 #include "embedded_server/persistent/index/tag_postings.h"
 #include "embedded_server/persistent/index/trigger_index.h"
@@ -66,7 +67,7 @@ class Subscription_Index {
  private:
   using Records = Linked_Records<Record>;
   using Entry = Records::Entry;
-  using Entries_By_Camera = std::unordered_map<std::uint64_t, Entry*>;
+  using Entries_By_Camera = std::unordered_map<std::uint64_t, Entry*, Id_Hash>;
 
   void load_records(odb::database& database);
   void load_tags(odb::database& database);
@@ -84,10 +85,10 @@ class Subscription_Index {
 
   const Camera_Index& cameras_;
   const Trigger_Index& triggers_;
-  std::unordered_map<std::uint64_t, std::shared_ptr<metadata_event_category>> categories_;
+  std::unordered_map<std::uint64_t, std::shared_ptr<metadata_event_category>, Id_Hash> categories_;
   Id_Allocator ids_;
   Records records_;
-  std::unordered_map<std::string, Entries_By_Camera> by_topic_;
+  std::map<std::string, Entries_By_Camera> by_topic_;
   std::vector<Entry*> generic_;  ///< ascending by id
   Tag_Postings<Entry*> tags_;    ///< of the generic ones
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <unordered_set>
 
+#include "embedded_server/persistent/index/id_hash.h"
 #include "vemora/platform/repositories/metadata_event_subscription_repository.h"
 
 namespace kuv::vemora::embedded_server {
@@ -37,8 +39,8 @@ class Subscription_Match {
   bool on_one_of_the_cameras(const metadata_event_subscription& record) const;
 
   const Query& query_;
-  std::unordered_set<std::string> topics_;
-  std::unordered_set<std::uint64_t> camera_ids_;
+  std::set<std::string> topics_;
+  std::unordered_set<std::uint64_t, Id_Hash> camera_ids_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -5,7 +5,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "embedded_server/persistent/index/id_order.h"
@@ -41,7 +40,7 @@ class Tag_Postings {
  private:
   struct Postings {
     std::vector<Item> all;
-    std::unordered_map<std::string, std::vector<Item>> by_value;
+    std::map<std::string, std::vector<Item>> by_value;
   };
 
   const std::vector<Item>* find(const ODB_Utils::Tag_Search_Term& term) const {
@@ -56,7 +55,7 @@ class Tag_Postings {
     return valued == named->second.by_value.end() ? nullptr : &valued->second;
   }
 
-  std::unordered_map<std::string, Postings> by_name_;
+  std::map<std::string, Postings> by_name_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -238,6 +238,49 @@ TEST_F(SQLite_Faults, of_a_corrupt_capability_document_name_the_camera_and_stick
   EXPECT_EQ(complaint_of([&] { pass.end(); }), "no complaint");
 }
 
+std::string nested(std::size_t levels) {
+  std::string text;
+  for (std::size_t level = 0; level < levels; ++level) {
+    text += "{\"]\\\"[\":";
+  }
+  return text + "\"[{\"" + std::string(levels, '}');
+}
+
+TEST_F(SQLite_Faults, of_a_capability_document_nested_too_deeply_name_the_camera_and_stick) {
+  given_a_trigger_at_work();
+  const auto store = [this](std::size_t levels) {
+    foreign_program().execute("UPDATE capability_document SET text = '" + nested(levels) + "'");
+  };
+  store(1000);
+  EXPECT_EQ(complaint_of([&] {
+              for (const auto& camera : read_cameras(database())) {
+                camera->capabilities.tree();
+              }
+            }),
+            "no complaint");
+  for (const std::size_t levels : {std::size_t{1001}, std::size_t{1000000}}) {
+    store(levels);
+    Pass_Scope pass(database(), server_id);
+    const auto cameras = make_repository(database())->cameras().get_cameras_matching_tags({});
+
+    const std::string fault = complaint_of([&] { cameras.at(0)->capabilities.tree(); });
+
+    EXPECT_EQ(fault, prefixed("the capability document of camera 10 is corrupt: nested more than "
+                              "1000 levels deep"));
+    EXPECT_EQ(complaint_of([&] { cameras.at(0)->capabilities.tree(); }), fault);
+  }
+}
+
+TEST_F(SQLite_Faults, of_capabilities_nested_too_deeply_are_those_of_storing_them) {
+  site.given_camera(10).with_capabilities(nested(1000));
+  database();
+  site.given_camera(11).with_capabilities(nested(1001));
+
+  EXPECT_EQ(complaint_of([&] { site.store_in(database()); }),
+            prefixed("the capabilities of camera 11 are nested more than 1000 levels deep"));
+  EXPECT_EQ(foreign_program().count("camera"), 1U);
+}
+
 TEST_F(SQLite_Faults, of_a_link_to_nothing_are_mended_by_the_next_pass) {
   given_a_trigger_at_work();
   foreign_program().execute("INSERT INTO subscription_trigger VALUES (1, 4711), (55, 7)");
