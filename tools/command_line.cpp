@@ -66,6 +66,11 @@ void add_global_options(CLI::App& app, Invocation& call) {
       ->type_name("ID")
       ->check(CLI::Validator(decimal_id, ""));
   app.add_flag("--json", call.options.json, "Print one JSON document, for programs");
+  app.add_option("--max-values", call.options.max_values,
+                 "How many values a document may have; each takes about 100 bytes of memory")
+      ->capture_default_str()
+      ->type_name("N")
+      ->check(CLI::Validator(decimal_id, ""));
   app.add_option("--log-level", call.log_level,
                  "Log to standard error from this level on: off, trace, debug, detail, info, "
                  "warning, error, fatal")

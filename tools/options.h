@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "vemora/embedded_server/host/json_grammar.h"
+
 namespace kuv::vemora::tools {
 
 /// What is said before the command.
@@ -10,6 +12,7 @@ struct Options {
   std::string database = "vemora.db";
   std::uint64_t server_id = 1;
   bool json = false;
+  std::uint64_t max_values = embedded_server::most_values_unless_told;  ///< of a document
 };
 
 }  // namespace kuv::vemora::tools

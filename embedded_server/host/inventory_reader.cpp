@@ -33,6 +33,13 @@ std::string_view key_of(const Json::Value::const_iterator& member) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
+/// A name as it stands in messages: one that many faults name must not be told whole by each.
+std::string shortened(const std::string& name) {
+  constexpr std::size_t most_letters = 200;
+  const std::string_view beginning = first_letters(name, most_letters);
+  return std::string(beginning) + (beginning.size() < name.size() ? "..." : "");
+}
+
 /// The texts of a document that are to be stored.
 class Texts_To_Store {
  public:
@@ -338,6 +345,7 @@ class Inventory_Reader {
       known[type.name()] = stands_for;
       result_.inventory.object_types[type.name()] = stands_for;
     }
+    refuse_overgrown_types(given, known);
     for (const std::vector<std::string>& cycle : find_cycles(known)) {
       const auto ours = std::find_if(cycle.begin(), cycle.end(), [&given](const std::string& name) {
         return given.isMember(name);
@@ -348,15 +356,31 @@ class Inventory_Reader {
     }
   }
 
+  void refuse_overgrown_types(const Json::Value& given,
+                              const std::map<std::string, std::set<std::string>>& known) {
+    const Overgrown_Types overgrown = find_overgrown(known);
+    if (overgrown.too_many_general) {
+      fault(given,
+            fmt::format("There are more than {} general object types.", most_general_object_types));
+    }
+    for (const std::string& name : overgrown.names) {
+      fault(given.isMember(name) ? given[name] : given,
+            fmt::format("Object type \"{}\" stands for more than {} types.", shortened(name),
+                        most_types_of_a_general_one));
+    }
+  }
+
   std::set<std::string> read_object_type(const std::string& name, const Json::Value& given) {
     std::set<std::string> types;
     if (!given.isArray() || given.empty()) {
-      fault(given, fmt::format("Object type \"{}\" must be a non-empty array of strings.", name));
+      fault(given, fmt::format("Object type \"{}\" must be a non-empty array of strings.",
+                               shortened(name)));
       return types;
     }
     for (const Json::Value& type : given) {
       if (!type.isString() || type.asString().empty()) {
-        fault(type, fmt::format("Object type \"{}\" must be a non-empty array of strings.", name));
+        fault(type, fmt::format("Object type \"{}\" must be a non-empty array of strings.",
+                                shortened(name)));
       } else {
         texts_.add(type);
         types.insert(type.asString());

@@ -51,11 +51,11 @@ std::string_view line_of(std::string_view text, const Text_Places& places, std::
   return found;
 }
 
-Json::Value parse(const std::string& text, const Text_Places& places) {
+Json::Value parse(const std::string& text, const Text_Places& places, std::size_t most_values) {
   const auto reject = [&](const Document_Fault& fault) {
     throw Document_Error(fault, line_of(text, places, fault.location.line));
   };
-  if (const auto fault = find_grammar_fault(text)) {
+  if (const auto fault = find_grammar_fault(text, most_values)) {
     reject({fault->message, places.locate(text, fault->offset)});
   }
   Json::CharReaderBuilder builder;
@@ -72,11 +72,12 @@ Json::Value parse(const std::string& text, const Text_Places& places) {
 
 }  // namespace
 
-Json_Document::Json_Document(std::string text)
-    : text_(std::move(text)), places_(text_), value_(parse(text_, places_)) {}
+Json_Document::Json_Document(std::string text, std::size_t most_values)
+    : text_(std::move(text)), places_(text_), value_(parse(text_, places_, most_values)) {}
 
-Json_Document Json_Document::read(const std::string& path, std::size_t limit) {
-  return Json_Document(read_file(path, limit));
+Json_Document Json_Document::read(const std::string& path, std::size_t limit,
+                                  std::size_t most_values) {
+  return Json_Document(read_file(path, limit), most_values);
 }
 
 std::size_t Json_Document::offset_of(const Json::Value& part) const {

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "vemora/embedded_server/host/document_fault.h"
+#include "vemora/embedded_server/host/json_grammar.h"
 #include "vemora/embedded_server/host/text_places.h"
 #include "vemora/platform/export.h"
 
@@ -31,12 +32,13 @@ class VEMORA_API Document_Error : public std::runtime_error {
 /// root and nothing behind it, no duplicate keys.
 class VEMORA_API Json_Document {
  public:
-  /// Throws Document_Error.
-  explicit Json_Document(std::string text);
+  /// Throws Document_Error, also where there are more than `most_values` values.
+  explicit Json_Document(std::string text, std::size_t most_values = most_values_unless_told);
 
   /// The content of a file; "-" is standard input. Throws Document_Error, also where there are
-  /// more than `limit` bytes or no end of them.
-  static Json_Document read(const std::string& path, std::size_t limit = largest_document);
+  /// more than `limit` bytes, no end of them, or more than `most_values` values.
+  static Json_Document read(const std::string& path, std::size_t limit = largest_document,
+                            std::size_t most_values = most_values_unless_told);
 
   const std::string& text() const { return text_; }
   const Json::Value& value() const { return value_; }

@@ -28,7 +28,8 @@ std::optional<unsigned> hex_value(char c) {
 /// Walks through a text once, without calling itself, so that no nesting is too deep for it.
 class Walk {
  public:
-  explicit Walk(std::string_view text) : text_(text), place_(byte_order_mark_size(text)) {}
+  Walk(std::string_view text, std::size_t most_values)
+      : text_(text), place_(byte_order_mark_size(text)), most_values_(most_values) {}
 
   std::optional<Grammar_Fault> find_fault() {
     skip_blanks();
@@ -102,6 +103,10 @@ class Walk {
     if (nesting_.size() >= deepest_nesting) {
       return complain(fmt::format("Nested more than {} levels deep.", deepest_nesting));
     }
+    if (values_ == most_values_) {
+      return complain(fmt::format("More than {} values.", most_values_));
+    }
+    ++values_;
     if (here() == '{' || here() == '[') {
       return enter();
     }
@@ -261,6 +266,8 @@ class Walk {
 
   std::string_view text_;
   std::size_t place_;
+  std::size_t most_values_;
+  std::size_t values_ = 0;
   Expected expected_ = Expected::value;
   std::string nesting_;  ///< the opening braces and brackets that are not closed yet
   std::optional<Grammar_Fault> fault_;
@@ -268,8 +275,8 @@ class Walk {
 
 }  // namespace
 
-std::optional<Grammar_Fault> find_grammar_fault(std::string_view text) {
-  return Walk(text).find_fault();
+std::optional<Grammar_Fault> find_grammar_fault(std::string_view text, std::size_t most_values) {
+  return Walk(text, most_values).find_fault();
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -75,4 +75,19 @@ class VEMORA_API Inventory_Meta_Type_Resolver : public Meta_Type_Resolver {
 VEMORA_API std::vector<std::vector<std::string>> find_cycles(
     const Inventory_Meta_Type_Resolver::Object_Types& types);
 
+/// How many types a general name may stand for. What a trigger listens to is told to the pusher
+/// with every type for every camera: with 1,000 cameras that are a million texts a trigger.
+constexpr std::size_t most_types_of_a_general_one = 1000;
+
+/// How many general names a site may have.
+constexpr std::size_t most_general_object_types = 20000;
+
+/// What is beyond those bounds.
+struct Overgrown_Types {
+  bool too_many_general = false;
+  std::vector<std::string> names;  ///< that stand for too many; not looked for among too many
+};
+
+VEMORA_API Overgrown_Types find_overgrown(const Inventory_Meta_Type_Resolver::Object_Types& types);
+
 }  // namespace kuv::vemora::embedded_server

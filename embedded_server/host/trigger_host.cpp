@@ -4,6 +4,7 @@
 
 #include <array>
 #include <functional>
+#include <limits>
 #include <utility>
 
 #include "vemora/embedded_server/host/located_faults.h"
@@ -21,7 +22,8 @@ using Status = Pass_Outcome::Status;
 
 std::optional<Json::Value> object_in(const std::string& text) {
   try {
-    Json::Value value = Json_Document(text).value();
+    // However many values it has: whoever let it in allowed them.
+    Json::Value value = Json_Document(text, std::numeric_limits<std::size_t>::max()).value();
     return value.isObject() ? std::make_optional(std::move(value)) : std::nullopt;
   } catch (const Document_Error&) {
     return std::nullopt;
@@ -39,6 +41,20 @@ Json::Value stored_value(const std::optional<std::string>& text, const char* nam
   }
   throw Database_Error(
       fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
+}
+
+/// A site may have got its object types before there was a bound, or from another program.
+void require_bearable(const Inventory_Meta_Type_Resolver::Object_Types& types) {
+  const Overgrown_Types overgrown = find_overgrown(types);
+  if (overgrown.too_many_general) {
+    throw Database_Error(
+        fmt::format("the site has more than {} general object types", most_general_object_types));
+  }
+  if (!overgrown.names.empty()) {
+    throw Database_Error(
+        fmt::format("object type \"{}\" of the site stands for more than {} types; give it fewer",
+                    overgrown.names.front(), most_types_of_a_general_one));
+  }
 }
 
 Json::Value stored_config(const Pass_Scope& pass) {
@@ -195,7 +211,9 @@ std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(
 void Trigger_Host::begin() {
   capture_manager_->forget();
   pusher_->forget();
-  resolver_->learn(load_object_types(database_));
+  Inventory_Meta_Type_Resolver::Object_Types types = load_object_types(database_);
+  require_bearable(types);
+  resolver_->learn(std::move(types));
 }
 
 void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome) {

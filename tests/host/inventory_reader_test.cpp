@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/counted_allocations.h"
 #include "vemora/embedded_server/host/services.h"
 
 namespace kuv::vemora::embedded_server {
@@ -156,6 +157,65 @@ TEST(Read_Inventories, is_done_in_a_moment_with_faults_and_names_without_number)
   EXPECT_EQ(faults_of("{" + types + "\"10000\": 1}").size(), 10001);
 }
 
+/// "first", "first + 1", ..., each in quotes.
+std::string numbered_types(std::size_t count, std::size_t first = 0) {
+  std::string names;
+  for (std::size_t number = first; number < first + count; ++number) {
+    names += fmt::format("{}\"type {}\"", names.empty() ? "" : ", ", number);
+  }
+  return names;
+}
+
+TEST(Read_Inventories, lets_an_object_type_stand_for_a_thousand_and_no_more) {
+  const auto document = [](std::size_t more) {
+    return fmt::format(R"({{"objectTypes": {{"large": [{}],
+ "larger": ["large", "type 0", "alias", {}],
+ "alias": ["large"],
+ "largest": ["alias", "larger"],
+ "small": ["type 7", "car"]}}}})",
+                       numbered_types(900), numbered_types(more, 850));
+  };
+  EXPECT_THAT(faults_of(document(150)), IsEmpty());
+  EXPECT_THAT(faults_of(document(151)),
+              ElementsAre("2:12: Object type \"larger\" stands for more than 1000 types.",
+                          "4:13: Object type \"largest\" stands for more than 1000 types."));
+}
+
+TEST(Read_Inventories, finds_an_object_type_that_is_overgrown_by_what_is_stored) {
+  Inventory_References stored;
+  stored.object_types = {{"all", {"vehicle", "person"}}};
+  EXPECT_THAT(faults_of("{\"objectTypes\": {\"vehicle\": [" + numbered_types(999) + "]}}", stored),
+              IsEmpty());
+  EXPECT_THAT(faults_of("{\"objectTypes\": {\"vehicle\": [" + numbered_types(1000) + "]}}", stored),
+              ElementsAre("1:17: Object type \"all\" stands for more than 1000 types."));
+}
+
+TEST(Read_Inventories, has_an_end_of_general_object_types) {
+  std::string types;
+  for (int number = 0; number < 19999; ++number) {
+    types += fmt::format("\"{}\": [\"car\"], ", number);
+  }
+  EXPECT_THAT(faults_of("{\"objectTypes\": {" + types + "\"x\": [\"car\"]}}"), IsEmpty());
+  EXPECT_THAT(faults_of("{\"objectTypes\": {" + types + "\"x\": [\"car\"], \"y\": [\"car\"]}}"),
+              ElementsAre("1:17: There are more than 20000 general object types."));
+}
+
+TEST(Read_Inventories, does_not_repeat_a_name_without_end_in_each_fault) {
+  const std::string name(100000, 'x');
+  const auto faults =
+      faults_of("{\"objectTypes\": {\"" + name + "\": [\"car\"" + std::string(20000, ' ') + [] {
+        std::string numbers;
+        for (int element = 0; element < 20000; ++element) {
+          numbers += ",1";
+        }
+        return numbers;
+      }() + "]}}");
+  ASSERT_EQ(faults.size(), 20000U);
+  EXPECT_EQ(
+      faults.front().substr(faults.front().find(": ") + 2),
+      "Object type \"" + std::string(200, 'x') + "...\" must be a non-empty array of strings.");
+}
+
 TEST(Cycles_Of_Object_Types, are_found_behind_others_and_each_name_is_in_one) {
   EXPECT_THAT(find_cycles({}), IsEmpty());
   EXPECT_THAT(find_cycles({{"a", {"b", "c"}}, {"b", {"d"}}, {"c", {"d"}}, {"d", {"e"}}}),
@@ -165,6 +225,24 @@ TEST(Cycles_Of_Object_Types, are_found_behind_others_and_each_name_is_in_one) {
   EXPECT_THAT(find_cycles({{"a", {"a", "b"}}, {"b", {"a"}}}), ElementsAre(ElementsAre("a", "a")));
   EXPECT_THAT(find_cycles({{"a", {"b", "c"}}, {"b", {"a"}}, {"c", {"d"}}, {"d", {"c"}}}),
               ElementsAre(ElementsAre("a", "b", "a"), ElementsAre("c", "d", "c")));
+}
+
+/// A road whose every stop leads on, and back to its beginning.
+std::size_t allocations_for_returning_road(int stops) {
+  const auto name = [](int stop) { return fmt::format("an object type called {:06}", stop); };
+  Inventory_Meta_Type_Resolver::Object_Types types;
+  for (int stop = 0; stop < stops; ++stop) {
+    types[name(stop)] = {name(0), name(stop + 1)};
+  }
+  const std::size_t before = test::allocations();
+  EXPECT_EQ(find_cycles(types).size(), 1);
+  return test::allocations() - before;
+}
+
+TEST(Cycles_Of_Object_Types, cost_no_more_for_each_of_many_types_than_of_few) {
+  const std::size_t few = allocations_for_returning_road(1000);
+  const std::size_t many = allocations_for_returning_road(8000);
+  EXPECT_LE(many, few * 9);
 }
 
 }  // namespace

@@ -174,6 +174,37 @@ TEST(Read_Documents, accepts_nesting_as_deep_as_the_reader_does_and_no_deeper) {
   EXPECT_EQ(verdict(repeated("{\"a\":", 2000)), "1:5001: Nested more than 1000 levels deep.");
 }
 
+std::string verdict_with(std::size_t most_values, const std::string& text) {
+  try {
+    const Json_Document document(text, most_values);
+    return "accepted";
+  } catch (const Document_Error& error) {
+    return std::to_string(error.location.line) + ":" + std::to_string(error.location.column) +
+           ": " + error.what() + " " + error.line;
+  }
+}
+
+TEST(Read_Documents, accepts_as_many_values_as_allowed_and_no_more) {
+  const std::string text = "{\"a\": [1, null,\n true], \"b\": {\"c\": \"d\"}}";  // 7
+  EXPECT_EQ(verdict_with(7, text), "accepted");
+  EXPECT_EQ(verdict_with(6, text), "2:20: More than 6 values.  true], \"b\": {\"c\": \"d\"}}");
+  EXPECT_EQ(verdict_with(4, text), "2:2: More than 4 values.  true], \"b\": {\"c\": \"d\"}}");
+  EXPECT_EQ(verdict_with(1, "[]"), "accepted");
+  EXPECT_EQ(verdict_with(0, "[]"), "1:1: More than 0 values. []");
+  EXPECT_EQ(verdict_with(3, "[[],[],[]]"), "1:8: More than 3 values. [[],[],[]]");
+}
+
+TEST(Read_Documents, has_an_end_of_values_where_nothing_is_said_of_them) {
+  const std::string elements = repeated("0,", most_values_unless_told - 2);
+  EXPECT_EQ(find_grammar_fault("[" + elements + "0]"), std::nullopt);
+
+  const auto fault = find_grammar_fault("[" + elements + "0,0]");
+
+  ASSERT_TRUE(fault);
+  EXPECT_EQ(fault->message, "More than 20000000 values.");
+  EXPECT_EQ(fault->offset, 2 * (most_values_unless_told - 1) + 1);
+}
+
 TEST(Places_In_Documents, are_told_in_letters) {
   EXPECT_EQ(verdict("{\"Tür\": \"門\",, }"), "1:13: A key in double quotes is expected.");
   EXPECT_EQ(verdict("{\"\x80\xFF\": x}"), "1:8: A value is expected.");

@@ -18,7 +18,7 @@ Exit_Status apply(const Options& options, const Trigger_Documents& documents) {
 Exit_Status apply(const Options& options, const std::string& config_path,
                   const std::string& mapping_path) {
   try {
-    return apply(options, Trigger_Documents(config_path, mapping_path));
+    return apply(options, Trigger_Documents(options, config_path, mapping_path));
   } catch (const Unreadable_Document& unreadable) {
     print_no_pass(options, unreadable.located());
     return exit_rejected;

@@ -24,7 +24,7 @@ void print_valid(const Options& options) {
 
 Exit_Status check(const Options& options, const std::string& config_path,
                   const std::string& mapping_path) {
-  const Trigger_Documents documents(config_path, mapping_path);
+  const Trigger_Documents documents(options, config_path, mapping_path);
   embedded_server::Trigger_Host host(embedded_server::Database::open(options.database),
                                      options.server_id);
   const auto found = host.check(documents.config(), documents.mapping());

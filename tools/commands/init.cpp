@@ -124,7 +124,7 @@ Exit_Status reject(const Options& options, const std::string& inventory_path,
 }  // namespace
 
 Exit_Status init(const Options& options, const std::string& inventory_path) {
-  const auto document = read_input("inventory", inventory_path);
+  const auto document = read_input(options, "inventory", inventory_path);
   auto database = open_as_found(options);
   const bool is_new = !holds_site(database);
   Read_Inventory read =

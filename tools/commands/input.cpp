@@ -6,20 +6,21 @@ namespace kuv::vemora::tools {
 
 using embedded_server::Json_Document;
 
-Json_Document read_input(const std::string& role, const std::string& path) {
+Json_Document read_input(const Options& options, const std::string& role, const std::string& path) {
   try {
-    return Json_Document::read(path);
+    return Json_Document::read(path, embedded_server::largest_document, options.max_values);
   } catch (const embedded_server::Document_Error& error) {
     throw Unreadable_Document{role, path, {error.what(), error.location}, error.line};
   }
 }
 
-Trigger_Documents::Trigger_Documents(std::string config_path, std::string mapping_path)
+Trigger_Documents::Trigger_Documents(const Options& options, std::string config_path,
+                                     std::string mapping_path)
     : config_path_(std::move(config_path)),
       mapping_path_(std::move(mapping_path)),
-      config_(read_input("config", config_path_)) {
+      config_(read_input(options, "config", config_path_)) {
   if (!mapping_path_.empty()) {
-    mapping_ = read_input("mapping", mapping_path_);
+    mapping_ = read_input(options, "mapping", mapping_path_);
   }
 }
 

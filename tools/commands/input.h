@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/options.h"
 #include "tools/render/faults.h"
 #include "vemora/embedded_server/host/json_document.h"
 #include "vemora/embedded_server/host/trigger_host.h"
@@ -22,13 +23,14 @@ struct Unreadable_Document {
 };
 
 /// Reads a document; throws Unreadable_Document.
-embedded_server::Json_Document read_input(const std::string& role, const std::string& path);
+embedded_server::Json_Document read_input(const Options& options, const std::string& role,
+                                          const std::string& path);
 
 /// What `check` and `apply` are given.
 class Trigger_Documents {
  public:
   /// An empty mapping path stands for the stored mapping. Throws Unreadable_Document.
-  Trigger_Documents(std::string config_path, std::string mapping_path);
+  Trigger_Documents(const Options& options, std::string config_path, std::string mapping_path);
 
   const embedded_server::Json_Document& config() const { return config_; }
 

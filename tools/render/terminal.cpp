@@ -24,11 +24,15 @@ bool wants_colour() {
   return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
 }
 
+/// A cell that is wider sticks out of its own row, and does not widen all the others.
+constexpr std::size_t widest_column = 200;
+
 void print_row(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
   for (std::size_t column = 0; column < row.size(); ++column) {
     std::cout << row[column];
     if (column + 1 < row.size()) {
-      std::cout << std::string(widths[column] - count_letters(row[column]) + 2, ' ');
+      const std::size_t letters = count_letters(row[column]);
+      std::cout << std::string(std::max(widths[column], letters) - letters + 2, ' ');
     }
   }
   std::cout << '\n';
@@ -68,7 +72,7 @@ void print_table(const std::vector<std::string>& headings,
   for (std::size_t column = 0; column < headings.size(); ++column) {
     std::size_t width = count_letters(headings[column]);
     for (const std::vector<std::string>& row : rows) {
-      width = std::max(width, count_letters(row[column]));
+      width = std::max(width, std::min(count_letters(row[column]), widest_column));
     }
     widths.push_back(width);
   }

@@ -30,6 +30,7 @@ WRONG = {
     "standard input twice to check": (["check", "-", "-"], "MAPPING: CONFIG is read from standard input already"),
     **{f"the server id {text}": (["--server-id", text, "refresh"], f"--server-id: {text} is no unsigned 64-bit number")
        for text in ("x", "-1", "+1", "01", "0x1", "1.0", "1 ", str(LARGEST_ID + 1))},
+    "no number of values": (["--max-values", "many", "refresh"], "--max-values: many is no unsigned 64-bit number"),
 }
 
 
@@ -70,6 +71,7 @@ Options:
   --database FILE=vemora.db   The site's database: a file, or postgresql://USER@HOST/NAME?schema=SCHEMA
   --server-id ID=1            The server that this process works for
   --json                      Print one JSON document, for programs
+  --max-values N=20000000     How many values a document may have; each takes about 100 bytes of memory
   --log-level LEVEL=off       Log to standard error from this level on: off, trace, debug, detail, info, \
 warning, error, fatal
 

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+
+namespace kuv::test {
+
+/// How often this program has asked for memory: for what must not grow faster than its input.
+std::size_t allocations();
+
+}  // namespace kuv::test
