@@ -70,7 +70,10 @@ void Pass::begin_if_necessary() {
   if (transaction_) {
     return;
   }
-  transaction_ = std::make_unique<odb::transaction>(session_->begin());
+  // Its holder first: a transaction that nobody holds would keep its connection for ever.
+  auto transaction = std::make_unique<odb::transaction>();
+  transaction->reset(session_->begin());
+  transaction_ = std::move(transaction);
   if (purpose_ == Purpose::single_write) {
     session_->begin_writing();
   }
