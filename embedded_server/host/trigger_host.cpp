@@ -261,6 +261,7 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});
     }
     outcome.status = Status::failed;
+    outcome.changes_are_known = pass.changes_are_known();
   }
 }
 

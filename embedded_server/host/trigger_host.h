@@ -41,6 +41,7 @@ struct Pass_Outcome {
   std::optional<Trigger_Config_State> state;  ///< what the pusher received
   Changes changes;
   std::optional<Check_Fault> rejection;  ///< of a rejected document: what for, as check() tells it
+  bool changes_are_known = true;         ///< nobody may know what became of a commit
 };
 
 /// Who acts on what passes bring about. Where one is missing, nobody does.

@@ -66,6 +66,9 @@ class VEMORA_API Pass_Scope {
   /// Everything once store() has stored what it was given.
   Kept kept() const noexcept;
 
+  /// Not where nobody can know what became of a commit: changes() may say too little then.
+  bool changes_are_known() const;
+
   /// What the pass wrote; complete once it is committed or ended.
   const Changes& changes() const;
 

@@ -154,7 +154,7 @@ Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fau
   }
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
-  answer["changes"] = to_json(outcome.changes);
+  answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
   for (const std::string& remark : outcome.remarks) {
     answer["remarks"].append(remark);
   }
@@ -179,7 +179,12 @@ bool is_empty(const Changes& changes) {
          none(changes.eta_camera_links);
 }
 
-void print_changes(const Changes& changes) {
+void print_changes(const Pass_Outcome& outcome) {
+  const Changes& changes = outcome.changes;
+  if (!outcome.changes_are_known) {
+    std::cout << "What changed is not known.\n";
+    return;
+  }
   if (is_empty(changes)) {
     std::cout << "Nothing changed.\n";
     return;
@@ -222,7 +227,7 @@ void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_F
     std::cout << "note: " << printable(remark) << '\n';
   }
   if (outcome.status != Pass_Outcome::Status::rejected) {
-    print_changes(outcome.changes);
+    print_changes(outcome);
     std::cout << fmt::format("Cameras reconciled: {}\n", outcome.reconciled.size());
   }
   if (outcome.state) {

@@ -74,6 +74,10 @@ Kept Pass_Scope::kept() const noexcept {
   return pass.commit_not_known() ? Kept::not_known : Kept::nothing;
 }
 
+bool Pass_Scope::changes_are_known() const {
+  return state_->pass.commit_not_known() != Commit_Not_Known::Known::nothing;
+}
+
 const Changes& Pass_Scope::changes() const {
   return state_->pass.changes();
 }
