@@ -57,8 +57,8 @@ class Texts_To_Store {
   std::vector<Document_Fault> faults(const std::shared_ptr<Database>& database,
                                      const Json_Document& document) const {
     std::vector<Document_Fault> found;
-    for (const std::size_t index : unstorable_texts(database, texts_)) {
-      const Place& place = places_[index];
+    for (const Unstorable_Text& text : unstorable_texts(database, texts_)) {
+      const Place& place = places_[text.place];
       found.push_back(
           {"This database cannot hold the text.",
            place.is_key ? document.locate_key(*place.value) : document.locate(*place.value)});

@@ -6,11 +6,12 @@ namespace kuv::vemora::embedded_server {
 
 Noting_Parser::Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
                              const Json_Document& config, const Json_Document* mapping,
-                             std::vector<Check_Fault>& noted)
+                             std::vector<Check_Fault>& noted, Judge_Triggers judge)
     : parser_(std::move(repository), server_id),
       mapping_(mapping),
       in_config_("config", &config, Located_Faults::Wanted::first, noted),
-      in_mapping_("mapping", mapping, Located_Faults::Wanted::first, noted) {}
+      in_mapping_("mapping", mapping, Located_Faults::Wanted::first, noted),
+      judge_(std::move(judge)) {}
 
 Trigger_Mapping Noting_Parser::parse_trigger_mapping(const Json::Value& document) {
   return parser_.parse_trigger_mapping(mapping_ != nullptr ? mapping_->value() : document,
@@ -19,7 +20,10 @@ Trigger_Mapping Noting_Parser::parse_trigger_mapping(const Json::Value& document
 
 std::vector<Trigger_Config> Noting_Parser::parse_trigger_configs(const Json::Value& document,
                                                                  const Trigger_Mapping& mapping) {
-  return parser_.parse_trigger_configs(document, mapping, in_config_);
+  std::vector<Trigger_Config> triggers =
+      parser_.parse_trigger_configs(document, mapping, in_config_);
+  judge_(triggers);
+  return triggers;
 }
 
 Notification_Properties Noting_Parser::parse_config_properties(const Json::Value& document) {

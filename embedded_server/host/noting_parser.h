@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -10,15 +11,18 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// The parser of a pass on new documents. It throws what the parser throws, and notes what that was
-/// about.
+/// Is given the triggers that were parsed.
+using Judge_Triggers = std::function<void(const std::vector<Trigger_Config>&)>;
+
+/// The parser of a pass. It throws what the parser throws, and notes what that was about; has
+/// triggers judged that it threw nothing over.
 class Noting_Parser : public Trigger_Parser {
  public:
   /// Notes in `noted`, which outlives the parser. A mapping that is given is read as it was given,
   /// and not as the manager completed it: in a new document nothing may be missing.
   Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
                 const Json_Document& config, const Json_Document* mapping,
-                std::vector<Check_Fault>& noted);
+                std::vector<Check_Fault>& noted, Judge_Triggers judge);
 
   Trigger_Mapping parse_trigger_mapping(const Json::Value& document) override;
   std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
@@ -30,6 +34,7 @@ class Noting_Parser : public Trigger_Parser {
   const Json_Document* mapping_;
   Located_Faults in_config_;
   Located_Faults in_mapping_;
+  Judge_Triggers judge_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -9,6 +9,7 @@
 
 #include "vemora/embedded_server/host/located_faults.h"
 #include "vemora/embedded_server/host/noting_parser.h"
+#include "vemora/embedded_server/host/warn_of_unstorable_texts.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
@@ -20,11 +21,11 @@ namespace {
 using Directive_Config_Processing::Error;
 using Status = Pass_Outcome::Status;
 
-std::optional<Json::Value> object_in(const std::string& text) {
+std::optional<Json_Document> object_in(const std::string& text) {
   try {
     // However many values it has: whoever let it in allowed them.
-    Json::Value value = Json_Document(text, std::numeric_limits<std::size_t>::max()).value();
-    return value.isObject() ? std::make_optional(std::move(value)) : std::nullopt;
+    Json_Document document(text, std::numeric_limits<std::size_t>::max());
+    return document.value().isObject() ? std::make_optional(std::move(document)) : std::nullopt;
   } catch (const Document_Error&) {
     return std::nullopt;
   }
@@ -32,12 +33,9 @@ std::optional<Json::Value> object_in(const std::string& text) {
 
 /// A stored document was accepted before, so it can be read unless it was damaged since; before the
 /// first one it is empty.
-Json::Value stored_value(const std::optional<std::string>& text, const char* name) {
-  if (!text) {
-    return Json::Value(Json::objectValue);
-  }
-  if (auto value = object_in(*text)) {
-    return *std::move(value);
+Json_Document stored_document(const std::optional<std::string>& text, const char* name) {
+  if (auto document = object_in(text.value_or("{}"))) {
+    return *std::move(document);
   }
   throw Database_Error(
       fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
@@ -57,12 +55,9 @@ void require_bearable(const Inventory_Meta_Type_Resolver::Object_Types& types) {
   }
 }
 
-Json::Value stored_config(const Pass_Scope& pass) {
-  return stored_value(pass.documents().config, "configuration");
-}
-
 Json::Value value_of(const Json_Document* mapping, const Pass_Scope& pass) {
-  return mapping != nullptr ? mapping->value() : stored_value(pass.documents().mapping, "mapping");
+  return mapping != nullptr ? mapping->value()
+                            : stored_document(pass.documents().mapping, "mapping").value();
 }
 
 /// The documents of a manager that was just made have what a missing key stands for.
@@ -132,8 +127,9 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
   Kept_Note kept(kept_, pass);
   begin();
   std::vector<Check_Fault> noted;
-  Directive_Config_Processing::Result result = update_config(pass, config, mapping, noted);
   Pass_Outcome outcome;
+  Directive_Config_Processing::Result result =
+      update_config(pass, config, mapping, noted, outcome.warnings);
   outcome.status = status_of(result);
   outcome.errors = std::move(result.errors);
   finish(pass,
@@ -148,18 +144,16 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
   return outcome;
 }
 
-Directive_Config_Processing::Result Trigger_Host::update_config(Pass_Scope& pass,
-                                                                const Json_Document& config,
-                                                                const Json_Document* mapping,
-                                                                std::vector<Check_Fault>& noted) {
+Directive_Config_Processing::Result Trigger_Host::update_config(
+    Pass_Scope& pass, const Json_Document& config, const Json_Document* mapping,
+    std::vector<Check_Fault>& noted, std::vector<Document_Warning>& warnings) {
   const Json::Value schedules = value_of(mapping, pass);
   // The configuration before is about to be replaced: nothing is lost where it was damaged.
   const auto before = object_in(pass.documents().config.value_or("{}"));
   // A manager is made with objects alone; a mapping that is none is for its parser to reject.
   const Json::Value empty(Json::objectValue);
-  return make_manager(
-             before.value_or(empty), schedules.isObject() ? schedules : empty,
-             std::make_unique<Noting_Parser>(repository_, server_id_, config, mapping, noted))
+  return make_manager(before ? before->value() : empty, schedules.isObject() ? schedules : empty,
+                      make_parser(config, mapping, noted, warnings))
       ->update_config(config.value());
 }
 
@@ -169,10 +163,11 @@ Pass_Outcome Trigger_Host::refresh() {
   Pass_Scope pass(database_, server_id_);
   Kept_Note kept(kept_, pass);
   begin();
-  const auto manager =
-      make_manager(stored_config(pass), value_of(nullptr, pass),
-                   std::make_unique<Vemora_Trigger_Parser>(repository_, server_id_));
+  const Json_Document config = stored_document(pass.documents().config, "configuration");
+  std::vector<Check_Fault> unheeded;
   Pass_Outcome outcome;
+  const auto manager = make_manager(config.value(), value_of(nullptr, pass),
+                                    make_parser(config, nullptr, unheeded, outcome.warnings));
   Trigger_Config_State state;
   outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
   outcome.errors = std::move(state.errors);
@@ -183,6 +178,13 @@ Pass_Outcome Trigger_Host::refresh() {
 
 std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
                                              const Json_Document* mapping) {
+  std::vector<Document_Warning> unheeded;
+  return check(config, mapping, unheeded);
+}
+
+std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
+                                             const Json_Document* mapping,
+                                             std::vector<Document_Warning>& warnings) {
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
   std::vector<Check_Fault> found;
   Located_Faults in_config("config", &config, Located_Faults::Wanted::all, found);
@@ -194,12 +196,25 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
                          : with_default(value_of(nullptr, pass), "triggerMapping"),
       in_mapping);
   if (config.value().isObject()) {  // that it is none was told with the properties
-    parser.parse_trigger_configs(config.value(), schedules, in_config);
+    warn_of_unstorable_texts(database_,
+                             parser.parse_trigger_configs(config.value(), schedules, in_config),
+                             config, warnings);
   }
   if (pass.fault()) {
     throw Database_Error(*pass.fault());
   }
   return found;
+}
+
+/// Documents and lists outlive it.
+std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Json_Document& config,
+                                                          const Json_Document* mapping,
+                                                          std::vector<Check_Fault>& noted,
+                                                          std::vector<Document_Warning>& warnings) {
+  const auto judge = [this, &config, &warnings](const std::vector<Trigger_Config>& triggers) {
+    warn_of_unstorable_texts(database_, triggers, config, warnings);
+  };
+  return std::make_unique<Noting_Parser>(repository_, server_id_, config, mapping, noted, judge);
 }
 
 std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "vemora/embedded_server/host/check_fault.h"
+#include "vemora/embedded_server/host/document_warning.h"
 #include "vemora/embedded_server/host/json_document.h"
 #include "vemora/embedded_server/host/services.h"
 #include "vemora/embedded_server/persistent/changes.h"
@@ -40,6 +41,7 @@ struct Pass_Outcome {
   std::set<std::uint64_t> reconciled;         ///< cameras whose streams were brought in line
   std::optional<Trigger_Config_State> state;  ///< what the pusher received
   Changes changes;
+  std::vector<Document_Warning> warnings;
   std::optional<Check_Fault> rejection;  ///< of a rejected document: what for, as check() tells it
   bool changes_are_known = true;         ///< nobody may know what became of a commit
 };
@@ -74,13 +76,22 @@ class VEMORA_API Trigger_Host {
   /// Nothing when they are valid. Writes nothing and waits for nobody.
   std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
 
+  /// The same, and what else there is to say of the documents.
+  std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping,
+                                 std::vector<Document_Warning>& warnings);
+
  private:
   std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
                                                        const Json::Value& mapping,
                                                        std::unique_ptr<Trigger_Parser> parser);
+  std::unique_ptr<Trigger_Parser> make_parser(const Json_Document& config,
+                                              const Json_Document* mapping,
+                                              std::vector<Check_Fault>& noted,
+                                              std::vector<Document_Warning>& warnings);
   Directive_Config_Processing::Result update_config(Pass_Scope& pass, const Json_Document& config,
                                                     const Json_Document* mapping,
-                                                    std::vector<Check_Fault>& noted);
+                                                    std::vector<Check_Fault>& noted,
+                                                    std::vector<Document_Warning>& warnings);
   void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);

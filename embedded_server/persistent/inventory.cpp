@@ -12,6 +12,7 @@
 #include "rows-odb.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/texts/json_nesting.h"
+#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -170,6 +171,14 @@ std::map<std::string, std::set<std::string>> read_object_types(odb::database& da
   return types;
 }
 
+/// With a text that an engine cannot hold.
+std::string what_is_wrong_with(std::string_view text) {
+  if (text.find('\0') != std::string_view::npos) {
+    return "it has a zero byte (\\u0000)";
+  }
+  return is_utf8(text) ? "it has more bytes than a row can take" : "it has bytes that are no UTF-8";
+}
+
 }  // namespace
 
 Inventory_References load_inventory_references(const std::shared_ptr<Database>& database) {
@@ -191,13 +200,13 @@ Inventory_References load_inventory_references(const std::shared_ptr<Database>& 
   });
 }
 
-std::vector<std::size_t> unstorable_texts(const std::shared_ptr<Database>& database,
-                                          const std::vector<std::string_view>& texts) {
+std::vector<Unstorable_Text> unstorable_texts(const std::shared_ptr<Database>& database,
+                                              const std::vector<std::string_view>& texts) {
   return read(database, [&](Site_Index&) {
-    std::vector<std::size_t> unstorable;
+    std::vector<Unstorable_Text> unstorable;
     for (std::size_t place = 0; place < texts.size(); ++place) {
       if (!database->engine().can_hold({texts[place]})) {
-        unstorable.push_back(place);
+        unstorable.push_back({place, what_is_wrong_with(texts[place])});
       }
     }
     return unstorable;

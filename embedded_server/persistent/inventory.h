@@ -63,9 +63,15 @@ struct Inventory_References {
 VEMORA_API Inventory_References
 load_inventory_references(const std::shared_ptr<Database>& database);
 
-/// Those of the texts that no record of this database can have: their places in the list.
-VEMORA_API std::vector<std::size_t> unstorable_texts(const std::shared_ptr<Database>& database,
-                                                     const std::vector<std::string_view>& texts);
+/// A text that no record of a database can have.
+struct Unstorable_Text {
+  std::size_t place;  ///< in the list of texts
+  std::string why;    ///< "it has ...", for people
+};
+
+/// Those of the texts that no record of this database can have.
+VEMORA_API std::vector<Unstorable_Text> unstorable_texts(
+    const std::shared_ptr<Database>& database, const std::vector<std::string_view>& texts);
 
 /// What general object types stand for, as stored.
 VEMORA_API std::map<std::string, std::set<std::string>> load_object_types(

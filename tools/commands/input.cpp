@@ -14,6 +14,17 @@ Json_Document read_input(const Options& options, const std::string& role, const 
   }
 }
 
+std::vector<Located_Fault> located(
+    const std::vector<embedded_server::Document_Warning>& warnings,
+    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate) {
+  std::vector<Located_Fault> faults;
+  for (const embedded_server::Document_Warning& warning : warnings) {
+    faults.push_back(locate(warning.fault));
+    faults.back().warning = warning.code;
+  }
+  return faults;
+}
+
 Trigger_Documents::Trigger_Documents(const Options& options, std::string config_path,
                                      std::string mapping_path)
     : config_path_(std::move(config_path)),

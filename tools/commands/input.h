@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/options.h"
 #include "tools/render/faults.h"
@@ -25,6 +27,11 @@ struct Unreadable_Document {
 /// Reads a document; throws Unreadable_Document.
 embedded_server::Json_Document read_input(const Options& options, const std::string& role,
                                           const std::string& path);
+
+/// Warnings with the files that they stand in, as `locate` tells.
+std::vector<Located_Fault> located(
+    const std::vector<embedded_server::Document_Warning>& warnings,
+    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);
 
 /// What `check` and `apply` are given.
 class Trigger_Documents {

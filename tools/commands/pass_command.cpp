@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "tools/commands/input.h"
 #include "tools/render/pass.h"
 #include "tools/render/terminal.h"
 #include "tools/stored_note.h"
@@ -60,7 +61,7 @@ Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& 
   if (outcome.rejection) {
     place = locate(*outcome.rejection);
   }
-  print_outcome(options, outcome, place);
+  print_outcome(options, outcome, place, located(outcome.warnings, locate));
   return exit_status_of(outcome);
 }
 

@@ -67,7 +67,9 @@ void print_excerpt(const Located_Fault& located) {
 }
 
 void print_message(const Located_Fault& located) {
-  std::cout << place_of(located) << ": " << in_red("error: ") << printable(located.fault.message);
+  std::cout << place_of(located) << ": "
+            << (located.warning.empty() ? in_red("error: ") : "warning: ")
+            << printable(located.fault.message);
   if (located.id) {
     std::cout << fmt::format(" (trigger {})", *located.id);
   } else if (located.index) {
@@ -88,20 +90,21 @@ void print_for_people(std::size_t count,
     }
   }
   if (told < count) {
+    const std::string what = fault_at(told).warning.empty() ? "error" : "warning";
     std::cout << fmt::format("{} more {}; --json tells of each.\n", count - told,
-                             count - told == 1 ? "error" : "errors");
+                             count - told == 1 ? what : what + "s");
   }
 }
 
 /// Texts, and not values of the JSON library: those take many times the room.
 std::string to_json(std::size_t count, const std::function<Located_Fault(std::size_t)>& fault_at) {
   Json_Texts texts;
-  std::string answer = R"({"errors":[)";
+  std::string list = "[";
   for (std::size_t number = 0; number < count; ++number) {
-    answer += number == 0 ? "" : ",";
-    answer += texts.of(to_json(fault_at(number)));
+    list += number == 0 ? "" : ",";
+    list += texts.of(to_json(fault_at(number)));
   }
-  return answer + R"(],"success":false})";
+  return list + "]";
 }
 
 }  // namespace
@@ -110,6 +113,9 @@ Json::Value to_json(const Located_Fault& located) {
   Json::Value error(Json::objectValue);
   error["document"] = located.role;
   error["message"] = located.fault.message;
+  if (!located.warning.empty()) {
+    error["code"] = located.warning;
+  }
   if (located.index) {
     error["index"] = Json::UInt64(*located.index);
   }
@@ -131,7 +137,7 @@ void print_for_people(const Located_Fault& located) {
 void print_faults(const Options& options, std::size_t count,
                   const std::function<Located_Fault(std::size_t)>& fault_at) {
   if (options.json) {
-    std::cout << to_json(count, fault_at) << '\n';
+    std::cout << R"({"errors":)" << to_json(count, fault_at) << R"(,"success":false})" << '\n';
   } else {
     print_for_people(count, fault_at);
   }
@@ -139,6 +145,23 @@ void print_faults(const Options& options, std::size_t count,
 
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults) {
   print_faults(options, faults.size(), [&](std::size_t number) { return faults[number]; });
+}
+
+void print_check(const Options& options, std::size_t count,
+                 const std::function<Located_Fault(std::size_t)>& fault_at,
+                 const std::vector<Located_Fault>& warnings) {
+  const auto warning_at = [&](std::size_t number) { return warnings[number]; };
+  if (options.json) {
+    std::cout << R"({"errors":)" << to_json(count, fault_at) << R"(,"success":)"
+              << (count == 0 ? "true" : "false") << R"(,"warnings":)"
+              << to_json(warnings.size(), warning_at) << "}\n";
+    return;
+  }
+  print_for_people(count, fault_at);
+  print_for_people(warnings.size(), warning_at);
+  if (count == 0) {
+    std::cout << "Valid.\n";
+  }
 }
 
 void print_wrong_usage(bool json, const std::string& message) {

@@ -23,6 +23,7 @@ struct Located_Fault {
   std::string line;  ///< without a document, the line of the fault as far as it is known
   std::optional<std::size_t> index;
   std::optional<std::uint64_t> id;
+  std::string warning = {};  ///< the code of a warning; empty: an error
 };
 
 Json::Value to_json(const Located_Fault& located);
@@ -35,6 +36,11 @@ void print_for_people(const Located_Fault& located);
 void print_faults(const Options& options, std::size_t count,
                   const std::function<Located_Fault(std::size_t)>& fault_at);
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults);
+
+/// Prints what a check found: faults as above, warnings, and that there is no fault.
+void print_check(const Options& options, std::size_t count,
+                 const std::function<Located_Fault(std::size_t)>& fault_at,
+                 const std::vector<Located_Fault>& warnings);
 
 /// Prints why a command line was not understood.
 void print_wrong_usage(bool json, const std::string& message);

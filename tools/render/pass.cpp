@@ -145,13 +145,23 @@ void add_place(Json::Value& error, const Located_Fault& fault) {
   }
 }
 
-Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place) {
+Json::Value to_json(const std::vector<Located_Fault>& warnings) {
+  Json::Value list(Json::arrayValue);
+  for (const Located_Fault& warning : warnings) {
+    list.append(to_json(warning));
+  }
+  return list;
+}
+
+Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
+                    const std::vector<Located_Fault>& warnings) {
   Json::Value answer = empty_object();
   answer["success"] = outcome.status == Pass_Outcome::Status::done;
   answer["errors"] = errors_to_json(outcome);
   if (place) {
     add_place(answer["errors"][0], *place);
   }
+  answer["warnings"] = to_json(warnings);
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
   answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
@@ -221,8 +231,12 @@ void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> plac
   }
 }
 
-void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place) {
+void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
+                      const std::vector<Located_Fault>& warnings) {
   print_errors(outcome, place);
+  for (const Located_Fault& warning : warnings) {
+    print_for_people(warning);
+  }
   for (const std::string& remark : outcome.remarks) {
     std::cout << "note: " << printable(remark) << '\n';
   }
@@ -251,11 +265,12 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
 }
 
 void print_outcome(const Options& options, const Pass_Outcome& outcome,
-                   const std::optional<Located_Fault>& place) {
+                   const std::optional<Located_Fault>& place,
+                   const std::vector<Located_Fault>& warnings) {
   if (options.json) {
-    print_json(to_json(outcome, place));
+    print_json(to_json(outcome, place, warnings));
   } else {
-    print_for_people(outcome, place);
+    print_for_people(outcome, place, warnings);
   }
 }
 
@@ -273,7 +288,7 @@ void print_failed_pass(const Options& options, const std::string& message,
   }
   Pass_Outcome outcome;
   outcome.errors = {{Error::Category::failed_processing, message}};
-  Json::Value answer = to_json(outcome, std::nullopt);
+  Json::Value answer = to_json(outcome, std::nullopt, {});
   if (!stored.empty()) {
     answer["remarks"].append(stored);
     answer["changes"] = Json::Value();  // what was written got lost with the outcome

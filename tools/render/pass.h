@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/exit_status.h"
 #include "tools/options.h"
@@ -12,9 +13,11 @@ namespace kuv::vemora::tools {
 
 Exit_Status exit_status_of(const embedded_server::Pass_Outcome& outcome);
 
-/// Prints what became of a pass; of a rejected document also where, as far as that is known.
+/// Prints what became of a pass, with its warnings; of a rejected document also where, as far as
+/// that is known.
 void print_outcome(const Options& options, const embedded_server::Pass_Outcome& outcome,
-                   const std::optional<Located_Fault>& place);
+                   const std::optional<Located_Fault>& place,
+                   const std::vector<Located_Fault>& warnings = {});
 
 /// Prints that there was no pass, because a document could not be read.
 void print_no_pass(const Options& options, const Located_Fault& fault);

@@ -13,13 +13,13 @@ class Checked_Documents(Site):
 
     def errors(self, configuration, associations=None):
         answer = self.check(configuration, associations)
-        self.assertEqual(set(answer), {"success", "errors"})
+        self.assertEqual(set(answer), {"success", "errors", "warnings"})
         self.assertIs(answer["success"], False)
         return answer["errors"]
 
     def test_valid_documents_have_no_errors(self):
         self.assertEqual(self.check(config(trigger(7)), mapping(([1], [7])), expected=DONE),
-                         {"success": True, "errors": []})
+                         {"success": True, "errors": [], "warnings": []})
         self.assertEqual(self.run_tool("check", "config.json", "mapping.json").text, "Valid.\n")
 
     def test_a_fault_of_a_trigger_is_told_with_its_place_index_and_id(self):
