@@ -6,7 +6,7 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-constexpr std::chrono::steady_clock::duration poll_interval = std::chrono::milliseconds(5);
+constexpr std::chrono::steady_clock::duration time_between_tries = std::chrono::milliseconds(5);
 
 }  // namespace
 
@@ -15,7 +15,7 @@ bool Lock_Wait::pause() const {
   if (left <= std::chrono::steady_clock::duration::zero()) {
     return false;
   }
-  std::this_thread::sleep_for(std::min(left, poll_interval));
+  std::this_thread::sleep_for(std::min(left, time_between_tries));
   return true;
 }
 
