@@ -1,33 +1,18 @@
-# What other projects need: libraries, headers under vemora/, a CMake package and a pkg-config file.
+# What other projects need: libraries, the headers that the libraries name as public, a CMake package
+# and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
-set(vemora_libraries vemora_platform vemora_texts kuv_utils kuv_logging vemora_tags_json_converter
-                     vemora_persistent vemora_embedded_server vemora_trigger_manager)
+set(vemora_libraries vemora_platform vemora_trigger_manager)
+if(VEMORA_BUILD_EMBEDDED_SERVER)
+  list(APPEND vemora_libraries
+       vemora_texts kuv_utils kuv_logging vemora_tags_json_converter vemora_persistent
+       vemora_embedded_server)
+  install(TARGETS vemora-triggers RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 install(TARGETS ${vemora_libraries}
         EXPORT vemora_trigger_manager_targets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS vemora-triggers RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-
-set(headers ${CMAKE_INSTALL_INCLUDEDIR}/vemora)
-install(DIRECTORY platform DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
-install(FILES trigger_manager/trigger_manager.h trigger_manager/vemora_trigger_manager.h
-        DESTINATION ${headers}/trigger_manager)
-install(FILES trigger_parser/notification_properties.h trigger_parser/parser_fault.h
-              trigger_parser/trigger_config.h
-              trigger_parser/trigger_config_state.h trigger_parser/trigger_mapping.h
-              trigger_parser/trigger_parser.h trigger_parser/vemora_trigger_parser.h
-        DESTINATION ${headers}/trigger_parser)
-install(FILES embedded_server/persistent/backup.h embedded_server/persistent/changes.h embedded_server/persistent/database.h
-              embedded_server/persistent/database_error.h embedded_server/persistent/inventory.h
-              embedded_server/persistent/pass_scope.h embedded_server/persistent/site_reader.h
-              embedded_server/persistent/source_type_names.h
-        DESTINATION ${headers}/embedded_server/persistent)
-install(FILES embedded_server/texts/json_nesting.h embedded_server/texts/letters.h
-              embedded_server/texts/printable.h
-        DESTINATION ${headers}/embedded_server/texts)
-install(FILES embedded_server/logging/console.h DESTINATION ${headers}/embedded_server/logging)
-install(DIRECTORY embedded_server/host DESTINATION ${headers}/embedded_server
-        FILES_MATCHING PATTERN "*.h")
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vemora_trigger_manager)
 install(EXPORT vemora_trigger_manager_targets NAMESPACE vemora:: DESTINATION ${package_dir})

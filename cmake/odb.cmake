@@ -20,7 +20,7 @@ function(odb_generate target)
       COMMAND ${ODB_COMPILER} --multi-database dynamic --database common ${engines}
               --std c++11 -x -std=gnu++17 --generate-query
               --hxx-suffix .h --cxx-suffix .cpp --output-dir "${output}"
-              -I "${PROJECT_SOURCE_DIR}/include" "${path}"
+              -I "${PROJECT_SOURCE_DIR}" "${path}"
       # What a mapping header includes decides what is generated, so any of our headers may.
       DEPENDS "${path}" ${ODB_MAPPED_HEADERS}
       COMMENT "ODB ${name}"

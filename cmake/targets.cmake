@@ -27,6 +27,24 @@ function(vemora_add_library name)
   endif()
 endfunction()
 
+# What such a library is made of.
+function(vemora_add_objects name)
+  add_library(${name} OBJECT ${ARGN})
+  set_target_properties(${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_link_libraries(${name} PRIVATE vemora_build_options)
+endfunction()
+
+# The headers of a library that others may include: these are installed, and each is verified to
+# compile alone. All others are private to their folder.
+function(vemora_public_headers name scope)
+  target_sources(${name} ${scope} FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${ARGN})
+  set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
+
 function(vemora_add_executable name)
   add_executable(${name} ${ARGN})
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)

@@ -1,4 +1,4 @@
-#include "vemora/embedded_server/host/inventory_reader.h"
+#include "vemora/embedded_server/inventory/inventory_reader.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "vemora/embedded_server/host/json_document.h"
+#include "vemora/embedded_server/documents/json_document.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "vemora/embedded_server/host/json_grammar.h"
+#include "vemora/embedded_server/documents/json_grammar.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

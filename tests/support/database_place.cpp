@@ -71,10 +71,14 @@ std::vector<std::string> Database_Engine::storable(const std::vector<std::string
   return taken;
 }
 
+Database_Engine postgresql_engine() {
+  return {"postgresql", [] { return std::make_unique<PostgreSQL_Place>(); }, false, false};
+}
+
 std::vector<Database_Engine> database_engines() {
   return {
       {"sqlite", [] { return std::make_unique<SQLite_Place>(); }},
-      {"postgresql", [] { return std::make_unique<PostgreSQL_Place>(); }, false, false},
+      postgresql_engine(),
   };
 }
 

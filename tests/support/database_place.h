@@ -59,6 +59,9 @@ struct Database_Engine {
 /// By its name.
 std::ostream& operator<<(std::ostream& stream, const Database_Engine& engine);
 
+/// PostgreSQL, for tests that are about it alone.
+Database_Engine postgresql_engine();
+
 /// Every engine there is: one line each.
 std::vector<Database_Engine> database_engines();
 

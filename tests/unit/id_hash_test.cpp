@@ -1,4 +1,4 @@
-#include "embedded_server/persistent/index/id_hash.h"
+#include "vemora/embedded_server/persistent/index/id_hash.h"
 
 #include <gtest/gtest.h>
 

@@ -10,13 +10,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-Database_Engine postgresql() {
-  return {"postgresql", [] { return std::make_unique<PostgreSQL_Place>(); }, false, false};
-}
-
 class PostgreSQL_Faults : public testing::Test, public Site_At_Work {
  protected:
-  PostgreSQL_Faults() : Site_At_Work(postgresql()) {}
+  PostgreSQL_Faults() : Site_At_Work(postgresql_engine()) {}
 
   /// The database as a user opens it whose URL says more.
   std::shared_ptr<Database> open_with(const std::string& parameter,

@@ -13,15 +13,11 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-Database_Engine postgresql() {
-  return {"postgresql", [] { return std::make_unique<PostgreSQL_Place>(); }, false, false};
-}
-
 /// The cluster of the tests replicates synchronously to a standby that is never there. A connection
 /// that asks for it waits for that standby with each commit.
 class PostgreSQL_Replication : public testing::Test, public Site_At_Work {
  protected:
-  PostgreSQL_Replication() : Site_At_Work(postgresql()) {}
+  PostgreSQL_Replication() : Site_At_Work(postgresql_engine()) {}
 
   std::shared_ptr<Database> open_waiting(Database::Open_Mode mode = Database::Open_Mode::existing,
                                          std::chrono::milliseconds lock_wait = 30s) {

@@ -2,7 +2,7 @@
 
 #include <odb/sqlite/database.hxx>
 
-#include "embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/engine/engine.h"
 
 namespace kuv::test {
 

@@ -180,14 +180,17 @@ config.json:2:12: error: A key in double quotes is expected.
         self.write("new.json", config(trigger(8), trigger(9, object_source())))
         self.write("broken.json", config({}))
         self.write("none.json", mapping())
-        before, rows = self.files(), self.rows()
+        rows = self.rows()
+        self.show("triggers")  # a foreign program that closes a database takes its log away
+        before = self.files()
         for arguments in (["new.json"], ["new.json", "none.json"], ["broken.json"], ["missing.json"]):
             self.run_tool("check", *arguments)
-        self.assertEqual(self.rows(), rows)
         after = self.files()
         self.assertEqual(list(after), list(before))
         for name, content in before.items():
-            self.assertTrue(after[name] == content, f"{name} was changed")
+            if not name.endswith("-shm"):  # where SQLite notes who reads, not what is stored
+                self.assertTrue(after[name] == content, f"{name} was changed")
+        self.assertEqual(self.rows(), rows)
 
 
 TEXTS_THAT_ARE_NO_DOCUMENT = {

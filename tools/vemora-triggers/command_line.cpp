@@ -1,0 +1,180 @@
+#include "tools/vemora-triggers/command_line.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tools/vemora-triggers/commands/commands.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+constexpr const char* footer =
+    "Exit status: 0 done; 1 done, with errors of single triggers; 2 a document was rejected and\n"
+    "nothing changed; 3 the pass or the database failed, or the outcome could not be written;\n"
+    "64 wrong usage.";
+
+/// CLI11 takes signs, bases and numbers that do not fit; an id is none of those.
+std::string decimal_id(const std::string& text) {
+  std::uint64_t id = 0;
+  const char* const end = text.data() + text.size();
+  const auto [read, fault] = std::from_chars(text.data(), end, id);
+  const bool leading_zero = text.size() > 1 && text.front() == '0';
+  return fault == std::errc() && read == end && !leading_zero
+             ? std::string()
+             : text + " is no unsigned 64-bit number";
+}
+
+/// The path in a variable that was not set is no wish for something else.
+std::string some_path(const std::string& text) {
+  return text.empty() ? "a path must not be empty" : std::string();
+}
+
+CLI::Validator a_path() {
+  return CLI::Validator(some_path, "");
+}
+
+CLI::Validator one_of(std::vector<std::string> words) {
+  return CLI::Validator(
+      [words = std::move(words)](const std::string& text) {
+        const bool known = std::find(words.begin(), words.end(), text) != words.end();
+        return known ? std::string()
+                     : fmt::format("{} is none of {}", text, fmt::join(words, ", "));
+      },
+      "");
+}
+
+void add_global_options(CLI::App& app, Invocation& call) {
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.footer(footer);
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app.set_version_flag("--version", std::string("vemora-triggers ") + VEMORA_VERSION);
+  app.add_option("--database", call.options.database,
+                 "The site's database: a file, or postgresql://USER@HOST/NAME?schema=SCHEMA")
+      ->capture_default_str()
+      ->type_name("FILE")
+      ->check(a_path());
+  app.add_option("--server-id", call.options.server_id, "The server that this process works for")
+      ->capture_default_str()
+      ->type_name("ID")
+      ->check(CLI::Validator(decimal_id, ""));
+  app.add_flag("--json", call.options.json, "Print one JSON document, for programs");
+  app.add_option("--max-values", call.options.max_values,
+                 "How many values a document may have; each takes about 100 bytes of memory")
+      ->capture_default_str()
+      ->type_name("N")
+      ->check(CLI::Validator(decimal_id, ""));
+  app.add_option("--log-level", call.log_level,
+                 "Log to standard error from this level on: off, trace, debug, detail, info, "
+                 "warning, error, fatal")
+      ->capture_default_str()
+      ->type_name("LEVEL")
+      ->check(one_of({"off", "trace", "debug", "detail", "info", "warning", "error", "fatal"}));
+}
+
+void require_different_sources(const Invocation& call) {
+  if (call.config_path == "-" && call.mapping_path == "-") {
+    throw CLI::ValidationError("MAPPING", "CONFIG is read from standard input already");
+  }
+}
+
+void add_documents(CLI::App& command, Invocation& call) {
+  command.add_option("CONFIG", call.config_path, "The trigger configuration; - is standard input")
+      ->required()
+      ->type_name(" ")
+      ->check(a_path());
+  command
+      .add_option("MAPPING", call.mapping_path,
+                  "The trigger mapping; - is standard input; without it the stored one is used")
+      ->type_name(" ")
+      ->check(a_path());
+}
+
+void add_copies(CLI::App& app, Invocation& call) {
+  CLI::App* const copied =
+      app.add_subcommand("backup", "Copy the site into a file that can be kept anywhere");
+  copied->add_option("FILE", call.file, "The backup; one that is there is replaced when it is done")
+      ->required()
+      ->type_name(" ")
+      ->check(a_path());
+  copied->callback([&call] { call.command = [&call] { return backup(call.options, call.file); }; });
+
+  CLI::App* const restored =
+      app.add_subcommand("restore", "Put the site of a backup in the place of the one there is");
+  restored->add_option("FILE", call.file, "The backup")
+      ->required()
+      ->type_name(" ")
+      ->check(a_path());
+  restored->callback(
+      [&call] { call.command = [&call] { return restore(call.options, call.file); }; });
+}
+
+void add_commands(CLI::App& app, Invocation& call) {
+  CLI::App* const site = app.add_subcommand(
+      "init", "Create or update the site: servers, cameras, schedules, subscriptions");
+  site->add_option("INVENTORY", call.inventory_path, "What there is; - is standard input")
+      ->required()
+      ->type_name(" ")
+      ->check(a_path());
+  site->callback(
+      [&call] { call.command = [&call] { return init(call.options, call.inventory_path); }; });
+
+  CLI::App* const checked = app.add_subcommand("check", "Validate documents; nothing is written");
+  add_documents(*checked, call);
+  checked->callback([&call] {
+    require_different_sources(call);
+    call.command = [&call] { return check(call.options, call.config_path, call.mapping_path); };
+  });
+
+  CLI::App* const applied =
+      app.add_subcommand("apply", "Run the pass on new documents and store them");
+  add_documents(*applied, call);
+  applied->callback([&call] {
+    require_different_sources(call);
+    call.runs_pass = true;
+    call.command = [&call] { return apply(call.options, call.config_path, call.mapping_path); };
+  });
+
+  app.add_subcommand("refresh", "Run the pass on the stored documents")->callback([&call] {
+    call.runs_pass = true;
+    call.command = [&call] { return refresh(call.options); };
+  });
+
+  CLI::App* const shown = app.add_subcommand("show", "Show what is stored");
+  shown
+      ->add_option("WHAT", call.what,
+                   "triggers, subscriptions, detection, cameras, config, mapping")
+      ->required()
+      ->type_name(" ")
+      ->check(one_of({"triggers", "subscriptions", "detection", "cameras", "config", "mapping"}));
+  shown->callback([&call] { call.command = [&call] { return show(call.options, call.what); }; });
+
+  add_copies(app, call);
+
+  for (CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    command->group("Commands");
+  }
+}
+
+}  // namespace
+
+void describe_command_line(CLI::App& app, Invocation& call) {
+  add_global_options(app, call);
+  add_commands(app, call);
+}
+
+std::string complaint_of(const CLI::App& app, const CLI::ParseError& error) {
+  // What CLI11 calls a missing command is mostly a misspelt one.
+  const std::vector<std::string> unknown = app.remaining();
+  const bool misspelt = app.get_subcommands().empty() && !unknown.empty();
+  return misspelt ? "There is no command or option " + unknown.front() + "." : error.what();
+}
+
+}  // namespace kuv::vemora::tools

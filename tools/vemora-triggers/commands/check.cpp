@@ -1,0 +1,23 @@
+#include <vector>
+
+#include "tools/vemora-triggers/commands/commands.h"
+#include "tools/vemora-triggers/commands/input.h"
+#include "tools/vemora-triggers/render/faults.h"
+#include "vemora/embedded_server/host/trigger_host.h"
+
+namespace kuv::vemora::tools {
+
+Exit_Status check(const Options& options, const std::string& config_path,
+                  const std::string& mapping_path) {
+  const Trigger_Documents documents(options, config_path, mapping_path);
+  embedded_server::Trigger_Host host(embedded_server::Database::open(options.database),
+                                     options.server_id);
+  std::vector<embedded_server::Document_Warning> warnings;
+  const auto found = host.check(documents.config(), documents.mapping(), warnings);
+  print_check(
+      options, found.size(), [&](std::size_t number) { return documents.locate(found[number]); },
+      located(warnings, [&](const auto& fault) { return documents.locate(fault); }));
+  return found.empty() ? exit_done : exit_rejected;
+}
+
+}  // namespace kuv::vemora::tools

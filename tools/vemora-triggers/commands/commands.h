@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "tools/vemora-triggers/invocation/exit_status.h"
+#include "tools/vemora-triggers/invocation/options.h"
+
+namespace kuv::vemora::tools {
+
+// Each command prints its outcome to standard output and answers the exit status. Documents that
+// cannot be read and databases that fail are thrown (Document_Error, Database_Error).
+
+Exit_Status init(const Options& options, const std::string& inventory_path);
+
+/// An empty mapping path stands for the stored mapping.
+Exit_Status check(const Options& options, const std::string& config_path,
+                  const std::string& mapping_path);
+Exit_Status apply(const Options& options, const std::string& config_path,
+                  const std::string& mapping_path);
+
+Exit_Status refresh(const Options& options);
+Exit_Status show(const Options& options, const std::string& what);
+
+/// On a database that is no file they are wrong usage.
+Exit_Status backup(const Options& options, const std::string& file);
+Exit_Status restore(const Options& options, const std::string& file);
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/vemora-triggers/invocation/options.h"
+#include "tools/vemora-triggers/render/faults.h"
+#include "vemora/embedded_server/documents/json_document.h"
+#include "vemora/embedded_server/host/trigger_host.h"
+
+namespace kuv::vemora::tools {
+
+/// A document that could not be read, with what it was to be.
+struct Unreadable_Document {
+  std::string role;  ///< "inventory", "config" or "mapping"
+  std::string path;
+  embedded_server::Document_Fault fault;
+  std::string line;
+
+  Located_Fault located() const {
+    return {role, path, fault, nullptr, line, std::nullopt, std::nullopt};
+  }
+};
+
+/// Reads a document; throws Unreadable_Document.
+embedded_server::Json_Document read_input(const Options& options, const std::string& role,
+                                          const std::string& path);
+
+/// Warnings with the files that they stand in, as `locate` tells.
+std::vector<Located_Fault> located(
+    const std::vector<embedded_server::Document_Warning>& warnings,
+    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);
+
+/// What `check` and `apply` are given.
+class Trigger_Documents {
+ public:
+  /// An empty mapping path stands for the stored mapping. Throws Unreadable_Document.
+  Trigger_Documents(const Options& options, std::string config_path, std::string mapping_path);
+
+  const embedded_server::Json_Document& config() const { return config_; }
+
+  /// Null for the stored one.
+  const embedded_server::Json_Document* mapping() const { return mapping_ ? &*mapping_ : nullptr; }
+
+  /// A fault of these documents with the file and the line that it stands in.
+  Located_Fault locate(const embedded_server::Check_Fault& found) const;
+
+ private:
+  std::string config_path_;
+  std::string mapping_path_;
+  embedded_server::Json_Document config_;
+  std::optional<embedded_server::Json_Document> mapping_;
+};
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,68 @@
+#include "tools/vemora-triggers/commands/pass_command.h"
+
+#include <optional>
+
+#include "tools/vemora-triggers/commands/input.h"
+#include "tools/vemora-triggers/process/stored_note.h"
+#include "tools/vemora-triggers/render/pass.h"
+#include "tools/vemora-triggers/render/terminal.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+using embedded_server::Kept;
+using embedded_server::Pass_Outcome;
+using embedded_server::Trigger_Host;
+
+/// For the time when the outcome, which says more, is lost.
+const char* sentence(Kept kept) {
+  switch (kept) {
+    case Kept::nothing:
+      break;
+    case Kept::not_known:
+      return "It is not known whether what the pass wrote was kept.";
+    case Kept::records:
+      return "The records of the pass are committed. Repeat the command, so that its documents are "
+             "stored too.";
+    case Kept::records_perhaps_more:
+      return "The records of the pass are committed; it is not known whether its documents are "
+             "stored too.";
+    case Kept::everything:
+      return "The pass is done, and all that it changed is stored.";
+  }
+  return "";
+}
+
+/// Notes at its end what became of the pass, however that came.
+class Noted_Pass {
+ public:
+  explicit Noted_Pass(const Trigger_Host& host) : host_(host) {}
+  ~Noted_Pass() { note_stored(sentence(host_.kept())); }
+  Noted_Pass(const Noted_Pass&) = delete;
+  Noted_Pass& operator=(const Noted_Pass&) = delete;
+
+ private:
+  const Trigger_Host& host_;
+};
+
+Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pass& run) {
+  const Progress_Line progress(doing);
+  Trigger_Host host(embedded_server::Database::open(options.database), options.server_id);
+  const Noted_Pass noted(host);
+  return run(host);
+}
+
+}  // namespace
+
+Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
+                     const Locate_Fault& locate) {
+  const Pass_Outcome outcome = outcome_of(options, doing, run);
+  std::optional<Located_Fault> place;
+  if (outcome.rejection) {
+    place = locate(*outcome.rejection);
+  }
+  print_outcome(options, outcome, place, located(outcome.warnings, locate));
+  return exit_status_of(outcome);
+}
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+
+#include "tools/vemora-triggers/invocation/exit_status.h"
+#include "tools/vemora-triggers/invocation/options.h"
+#include "tools/vemora-triggers/render/faults.h"
+#include "vemora/embedded_server/host/trigger_host.h"
+
+namespace kuv::vemora::tools {
+
+using Run_Pass = std::function<embedded_server::Pass_Outcome(embedded_server::Trigger_Host&)>;
+using Locate_Fault = std::function<Located_Fault(const embedded_server::Check_Fault&)>;
+
+/// Runs a pass on the database and prints what became of it. Where it throws, stored_note() tells
+/// what is stored all the same.
+Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
+                     const Locate_Fault& locate);
+
+}  // namespace kuv::vemora::tools

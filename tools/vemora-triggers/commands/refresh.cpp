@@ -1,0 +1,14 @@
+#include "tools/vemora-triggers/commands/commands.h"
+#include "tools/vemora-triggers/commands/pass_command.h"
+
+namespace kuv::vemora::tools {
+
+Exit_Status refresh(const Options& options) {
+  return run_pass(
+      options, "refreshing", [](auto& host) { return host.refresh(); },
+      [](const auto& fault) {
+        return Located_Fault{fault.document, "", fault.fault, nullptr, "", fault.index, fault.id};
+      });
+}
+
+}  // namespace kuv::vemora::tools

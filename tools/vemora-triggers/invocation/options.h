@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "vemora/embedded_server/documents/json_grammar.h"
+
+namespace kuv::vemora::tools {
+
+/// What is said before the command.
+struct Options {
+  std::string database = "vemora.db";
+  std::uint64_t server_id = 1;
+  bool json = false;
+  std::uint64_t max_values = embedded_server::most_values_unless_told;  ///< of a document
+};
+
+}  // namespace kuv::vemora::tools

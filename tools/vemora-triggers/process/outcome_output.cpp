@@ -1,0 +1,53 @@
+#include "tools/vemora-triggers/process/outcome_output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <iostream>
+
+namespace kuv::vemora::tools {
+
+Outcome_Output::Outcome_Output() : before_(std::cout.rdbuf(&text_)) {
+  std::cout.exceptions(std::ios::badbit | std::ios::failbit);
+}
+
+Outcome_Output::~Outcome_Output() {
+  std::cout.exceptions(std::ios::goodbit);
+  std::cout.rdbuf(before_);
+}
+
+void Outcome_Output::discard() noexcept {
+  text_.text.clear();
+  std::cout.clear();
+}
+
+bool Outcome_Output::deliver() noexcept {
+  return write_whole(STDOUT_FILENO, text_.text.data(), text_.text.size());
+}
+
+Outcome_Output::Text::int_type Outcome_Output::Text::overflow(int_type letter) {
+  if (!traits_type::eq_int_type(letter, traits_type::eof())) {
+    text.push_back(traits_type::to_char_type(letter));
+  }
+  return traits_type::not_eof(letter);
+}
+
+std::streamsize Outcome_Output::Text::xsputn(const char* letters, std::streamsize count) {
+  text.append(letters, static_cast<std::size_t>(count));
+  return count;
+}
+
+bool write_whole(int descriptor, const char* text, std::size_t size) noexcept {
+  while (size > 0) {
+    const ssize_t written = ::write(descriptor, text, size);
+    if (written < 0 && errno != EINTR) {
+      return false;
+    }
+    const std::size_t done = written < 0 ? 0 : static_cast<std::size_t>(written);
+    text += done;
+    size -= done;
+  }
+  return true;
+}
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/vemora-triggers/invocation/options.h"
+#include "vemora/embedded_server/documents/json_document.h"
+
+namespace kuv::vemora::tools {
+
+/// A fault of a document, and the file that it stands in.
+struct Located_Fault {
+  std::string role;  ///< "inventory", "config" or "mapping"
+  std::string path;  ///< empty: the stored one
+  embedded_server::Document_Fault fault;
+  const embedded_server::Json_Document* document = nullptr;  ///< null when it is not at hand
+  std::string line;  ///< without a document, the line of the fault as far as it is known
+  std::optional<std::size_t> index;
+  std::optional<std::uint64_t> id;
+  std::string warning = {};  ///< the code of a warning; empty: an error
+};
+
+Json::Value to_json(const Located_Fault& located);
+
+/// Prints where a fault is, what it is and the line that it stands in.
+void print_for_people(const Located_Fault& located);
+
+/// Prints why documents are rejected: as JSON each fault; for people the first ones, and how many
+/// more there are.
+void print_faults(const Options& options, std::size_t count,
+                  const std::function<Located_Fault(std::size_t)>& fault_at);
+void print_faults(const Options& options, const std::vector<Located_Fault>& faults);
+
+/// Prints what a check found: faults as above, warnings, and that there is no fault.
+void print_check(const Options& options, std::size_t count,
+                 const std::function<Located_Fault(std::size_t)>& fault_at,
+                 const std::vector<Located_Fault>& warnings);
+
+/// Prints why a command line was not understood.
+void print_wrong_usage(bool json, const std::string& message);
+
+/// Prints why a command failed, and what is stored all the same (empty: nothing).
+void print_failure(const Options& options, const std::string& message, const std::string& stored);
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,300 @@
+#include "tools/vemora-triggers/render/pass.h"
+
+#include <fmt/format.h>
+
+#include <iostream>
+#include <string>
+
+#include "tools/vemora-triggers/render/json.h"
+#include "tools/vemora-triggers/render/terminal.h"
+#include "vemora/embedded_server/texts/printable.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+using Directive_Config_Processing::Error;
+using embedded_server::Changes;
+using embedded_server::Pass_Outcome;
+using embedded_server::printable;
+
+std::string key_of(std::uint64_t id) {
+  return std::to_string(id);
+}
+
+Json::Value empty_object() {
+  return Json::Value(Json::objectValue);
+}
+
+Json::Value to_json(const std::set<std::uint64_t>& ids) {
+  Json::Value list(Json::arrayValue);
+  for (const std::uint64_t id : ids) {
+    list.append(Json::UInt64(id));
+  }
+  return list;
+}
+
+Json::Value to_json(const std::set<std::string>& texts) {
+  Json::Value list(Json::arrayValue);
+  for (const std::string& text : texts) {
+    list.append(text);
+  }
+  return list;
+}
+
+Json::Value to_json(const std::set<Object_Search_Item>& items) {
+  Json::Value list(Json::arrayValue);
+  for (const Object_Search_Item& item : items) {
+    Json::Value entry = empty_object();
+    entry["type"] = item.object_type;
+    entry["motionRequired"] = item.motion_required;
+    list.append(entry);
+  }
+  return list;
+}
+
+template <class Value>
+Json::Value to_json(const std::map<std::uint64_t, Value>& by_id) {
+  Json::Value object = empty_object();
+  for (const auto& [id, value] : by_id) {
+    object[key_of(id)] = to_json(value);
+  }
+  return object;
+}
+
+Json::Value to_json(const Trigger_Config::Options& options) {
+  Json::Value object = empty_object();
+  object["anyTime"] = options.any_time;
+  return object;
+}
+
+template <class Value>
+Json::Value by_trigger(const std::map<std::uint64_t, Value>& values) {
+  Json::Value object = empty_object();
+  for (const auto& [id, value] : values) {
+    object[key_of(id)] = to_json(value);
+  }
+  return object;
+}
+
+Json::Value to_json(const std::optional<Notification_Properties::Milliseconds>& duration) {
+  return duration ? Json::Value(Json::UInt(duration->count())) : Json::Value();
+}
+
+Json::Value to_json(const Notification_Properties& properties) {
+  Json::Value object = empty_object();
+  object["maxLatencyMs"] = to_json(properties.max_latency);
+  object["digestCooldownMs"] = to_json(properties.digest_cooldown);
+  object["ackTimeoutMs"] = to_json(properties.ack_timeout);
+  object["nackDelayMs"] = to_json(properties.nack_delay);
+  return object;
+}
+
+Json::Value to_json(const std::optional<Trigger_Config_State>& state) {
+  if (!state) {
+    return {};
+  }
+  Json::Value object = empty_object();
+  object["appliedTriggers"] = by_trigger(state->applied_triggers);
+  object["onvifTopicsByTrigger"] = by_trigger(state->onvif_topics_by_trigger);
+  object["subscriptionsByTrigger"] = by_trigger(state->subscriptions_by_trigger);
+  object["searchItemsByTrigger"] = by_trigger(state->search_items_by_trigger);
+  object["properties"] = to_json(state->properties);
+  return object;
+}
+
+template <class Item>
+Json::Value counts(const Changes::Of<Item>& changes) {
+  Json::Value object = empty_object();
+  object["written"] = Json::UInt64(changes.added.size() + changes.updated.size());
+  object["deleted"] = Json::UInt64(changes.deleted.size());
+  return object;
+}
+
+Json::Value to_json(const Changes& changes) {
+  Json::Value object = empty_object();
+  object["triggers"] = counts(changes.triggers);
+  object["subscriptions"] = counts(changes.subscriptions);
+  object["subscriptionLinks"] = counts(changes.subscription_links);
+  object["detection"] = counts(changes.eta_cameras);
+  object["detectionLinks"] = counts(changes.eta_camera_links);
+  return object;
+}
+
+Json::Value to_json(const Error& error) {
+  Json::Value entry = empty_object();
+  entry["category"] = static_cast<int>(error.category);
+  entry["message"] = error.message;
+  return entry;
+}
+
+Json::Value errors_to_json(const Pass_Outcome& outcome) {
+  Json::Value list(Json::arrayValue);
+  for (const Error& error : outcome.errors) {
+    list.append(to_json(error));
+  }
+  return list;
+}
+
+/// The members of a fault beside those of an error; the message stays the library's.
+void add_place(Json::Value& error, const Located_Fault& fault) {
+  const Json::Value place = to_json(fault);
+  for (auto member = place.begin(); member != place.end(); ++member) {
+    if (!error.isMember(member.name())) {
+      error[member.name()] = *member;
+    }
+  }
+}
+
+Json::Value to_json(const std::vector<Located_Fault>& warnings) {
+  Json::Value list(Json::arrayValue);
+  for (const Located_Fault& warning : warnings) {
+    list.append(to_json(warning));
+  }
+  return list;
+}
+
+Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
+                    const std::vector<Located_Fault>& warnings) {
+  Json::Value answer = empty_object();
+  answer["success"] = outcome.status == Pass_Outcome::Status::done;
+  answer["errors"] = errors_to_json(outcome);
+  if (place) {
+    add_place(answer["errors"][0], *place);
+  }
+  answer["warnings"] = to_json(warnings);
+  answer["reconciled"] = to_json(outcome.reconciled);
+  answer["state"] = to_json(outcome.state);
+  answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
+  for (const std::string& remark : outcome.remarks) {
+    answer["remarks"].append(remark);
+  }
+  return answer;
+}
+
+template <class Item>
+void print_count(const char* what, const Changes::Of<Item>& changes) {
+  const std::size_t written = changes.added.size() + changes.updated.size();
+  if (written + changes.deleted.size() != 0) {
+    std::cout << fmt::format("  {:<20} {:>8} written {:>8} deleted\n", what, written,
+                             changes.deleted.size());
+  }
+}
+
+bool is_empty(const Changes& changes) {
+  const auto none = [](const auto& kind) {
+    return kind.added.empty() && kind.updated.empty() && kind.deleted.empty();
+  };
+  return none(changes.triggers) && none(changes.subscriptions) &&
+         none(changes.subscription_links) && none(changes.eta_cameras) &&
+         none(changes.eta_camera_links);
+}
+
+void print_changes(const Pass_Outcome& outcome) {
+  const Changes& changes = outcome.changes;
+  if (!outcome.changes_are_known) {
+    std::cout << "What changed is not known.\n";
+    return;
+  }
+  if (is_empty(changes)) {
+    std::cout << "Nothing changed.\n";
+    return;
+  }
+  std::cout << "Changed:\n";
+  print_count("triggers", changes.triggers);
+  print_count("subscriptions", changes.subscriptions);
+  print_count("subscription links", changes.subscription_links);
+  print_count("detection records", changes.eta_cameras);
+  print_count("detection links", changes.eta_camera_links);
+}
+
+const char* headline(Pass_Outcome::Status status, bool without_errors) {
+  switch (status) {
+    case Pass_Outcome::Status::done:
+      return without_errors ? "Done." : "Done, with errors.";
+    case Pass_Outcome::Status::rejected:
+      return "Rejected; nothing changed.";
+    case Pass_Outcome::Status::failed:
+      break;
+  }
+  return "Failed.";
+}
+
+/// The library's own texts; that of a rejected document where it stands, if that is known.
+void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> place) {
+  for (const Error& error : outcome.errors) {
+    if (place) {
+      place->fault.message = error.message;
+      print_for_people(*place);
+    } else {
+      std::cout << in_red("error: ") << printable(error.message) << '\n';
+    }
+  }
+}
+
+void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
+                      const std::vector<Located_Fault>& warnings) {
+  print_errors(outcome, place);
+  for (const Located_Fault& warning : warnings) {
+    print_for_people(warning);
+  }
+  for (const std::string& remark : outcome.remarks) {
+    std::cout << "note: " << printable(remark) << '\n';
+  }
+  if (outcome.status != Pass_Outcome::Status::rejected) {
+    print_changes(outcome);
+    std::cout << fmt::format("Cameras reconciled: {}\n", outcome.reconciled.size());
+  }
+  if (outcome.state) {
+    std::cout << fmt::format("Active triggers: {}\n", outcome.state->applied_triggers.size());
+  }
+  std::cout << headline(outcome.status, outcome.errors.empty()) << '\n';
+}
+
+}  // namespace
+
+Exit_Status exit_status_of(const Pass_Outcome& outcome) {
+  switch (outcome.status) {
+    case Pass_Outcome::Status::done:
+      return outcome.errors.empty() ? exit_done : exit_trigger_errors;
+    case Pass_Outcome::Status::rejected:
+      return exit_rejected;
+    case Pass_Outcome::Status::failed:
+      break;
+  }
+  return exit_failed;
+}
+
+void print_outcome(const Options& options, const Pass_Outcome& outcome,
+                   const std::optional<Located_Fault>& place,
+                   const std::vector<Located_Fault>& warnings) {
+  if (options.json) {
+    print_json(to_json(outcome, place, warnings));
+  } else {
+    print_for_people(outcome, place, warnings);
+  }
+}
+
+void print_no_pass(const Options& options, const Located_Fault& fault) {
+  Pass_Outcome outcome;
+  outcome.status = Pass_Outcome::Status::rejected;
+  outcome.errors = {{Error::Category::rejected_document, fault.fault.message}};
+  print_outcome(options, outcome, fault);
+}
+
+void print_failed_pass(const Options& options, const std::string& message,
+                       const std::string& stored) {
+  if (!options.json) {
+    return print_failure(options, message, stored);
+  }
+  Pass_Outcome outcome;
+  outcome.errors = {{Error::Category::failed_processing, message}};
+  Json::Value answer = to_json(outcome, std::nullopt, {});
+  if (!stored.empty()) {
+    answer["remarks"].append(stored);
+    answer["changes"] = Json::Value();  // what was written got lost with the outcome
+    answer["reconciled"] = Json::Value();
+  }
+  print_json(answer);
+}
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,264 @@
+#include "tools/vemora-triggers/render/records.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <json/value.h>
+
+#include <chrono>
+#include <string>
+
+#include "tools/vemora-triggers/render/json.h"
+#include "tools/vemora-triggers/render/terminal.h"
+#include "vemora/embedded_server/persistent/source_type_names.h"
+#include "vemora/embedded_server/texts/printable.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+using embedded_server::printable;
+using std::chrono::duration_cast;
+using std::chrono::milliseconds;
+
+Json::Value ids_to_json(const std::vector<std::uint64_t>& ids) {
+  Json::Value list(Json::arrayValue);
+  for (const std::uint64_t id : ids) {
+    list.append(Json::UInt64(id));
+  }
+  return list;
+}
+
+Json::Value to_json(const Activity_Duration& activity) {
+  Json::Value object(Json::objectValue);
+  object["mode"] =
+      activity.mode == Activity_Duration_Mode::object_track ? "object-track" : "object-presence";
+  object["minDurationMs"] = Json::Int64(duration_cast<milliseconds>(activity.min_duration).count());
+  if (activity.dropout.count() != 0) {
+    object["dropoutMs"] = Json::Int64(duration_cast<milliseconds>(activity.dropout).count());
+  }
+  return object;
+}
+
+Json::Value to_json(const Trigger_Source& source) {
+  Json::Value object(Json::objectValue);
+  object["type"] = std::string(name_of(source.type));
+  if (source.onvif_topic) {
+    object["onvifTopic"] = *source.onvif_topic;
+  }
+  if (source.search_item) {
+    object["searchItem"]["type"] = source.search_item->object_type;
+    object["searchItem"]["motionRequired"] = source.search_item->motion_required;
+  }
+  if (source.activity_duration) {
+    object["activityDuration"] = to_json(*source.activity_duration);
+  }
+  return object;
+}
+
+std::vector<std::uint64_t> schedule_ids(const trigger& record) {
+  std::vector<std::uint64_t> ids;
+  for (const Trigger_Mapping_Entry& entry : record.schedules) {
+    ids.push_back(entry.schedule->id);
+  }
+  return ids;
+}
+
+Json::Value to_json(const trigger& record) {
+  Json::Value object(Json::objectValue);
+  object["id"] = Json::UInt64(record.id);
+  object["name"] = record.name;
+  object["scheduleIds"] = ids_to_json(schedule_ids(record));
+  object["sources"] = Json::Value(Json::arrayValue);
+  for (const Trigger_Source& source : record.sources) {
+    object["sources"].append(to_json(source));
+  }
+  return object;
+}
+
+template <class Linked>
+Json::Value linked_id(const odb::lazy_shared_ptr<Linked>& link) {
+  const Linked* const loaded = link.get();
+  return loaded != nullptr ? Json::Value(Json::UInt64(loaded->id)) : Json::Value();
+}
+
+Json::Value to_json(const std::optional<std::string>& text) {
+  return text ? Json::Value(*text) : Json::Value();
+}
+
+Json::Value to_json(const metadata_event_subscription& record) {
+  Json::Value object(Json::objectValue);
+  object["id"] = Json::UInt64(record.id);
+  object["name"] = record.name;
+  object["onvifTopic"] = to_json(record.onvif_topic);
+  object["cameraId"] =
+      record.camera ? Json::Value(Json::UInt64(record.camera_id())) : Json::Value();
+  object["triggerIds"] = ids_to_json(record.trigger_ids());
+  object["tags"] = Json::Value(Json::objectValue);
+  for (const Tag_Entry& tag : record.tags) {
+    object["tags"][tag.name] = to_json(tag.info.value);
+  }
+  object["categoryId"] = linked_id(record.category);
+  object["cameraIds"] = Json::Value(Json::arrayValue);
+  for (const auto& link : record.camera_links) {
+    object["cameraIds"].append(linked_id(link));
+  }
+  return object;
+}
+
+std::vector<std::uint64_t> trigger_ids(const eta_camera& record) {
+  std::vector<std::uint64_t> ids;
+  for (const std::shared_ptr<trigger>& held : record.triggers) {
+    ids.push_back(held->id);
+  }
+  return ids;
+}
+
+Json::Value to_json(const eta_camera& record) {
+  Json::Value object(Json::objectValue);
+  object["id"] = Json::UInt64(record.id);
+  object["cameraId"] = Json::UInt64(record.camera_id());
+  object["triggerIds"] = ids_to_json(trigger_ids(record));
+  return object;
+}
+
+std::vector<std::string> topics_of(const camera& record) {
+  std::vector<std::string> topics;
+  const auto found = record.capabilities.tree().get_child_optional(
+      "Metadata.Mode.capabilities.On.TopicFilter.capabilities");
+  if (found) {
+    for (const auto& [topic, ignored] : *found) {
+      topics.push_back(topic);
+    }
+  }
+  return topics;
+}
+
+Json::Value to_json(const camera& record) {
+  Json::Value object(Json::objectValue);
+  object["id"] = Json::UInt64(record.id);
+  object["name"] = record.name;
+  object["tags"] = Json::Value(Json::objectValue);
+  for (const auto& [name, info] : record.tags) {
+    object["tags"][name] = to_json(info.value);
+  }
+  object["objectDetection"] = record.object_detection;
+  object["motionDetection"] = record.motion_detection;
+  object["onvifTopics"] = Json::Value(Json::arrayValue);
+  for (const std::string& topic : topics_of(record)) {
+    object["onvifTopics"].append(topic);
+  }
+  return object;
+}
+
+template <class Record>
+void print_list(const Records<Record>& records) {
+  Json::Value list(Json::arrayValue);
+  for (const std::shared_ptr<Record>& record : records) {
+    list.append(to_json(*record));
+  }
+  print_json(list);
+}
+
+std::string join(const std::vector<std::uint64_t>& ids) {
+  return fmt::format("{}", fmt::join(ids, " "));
+}
+
+std::string describe(const Trigger_Source& source) {
+  std::string text(name_of(source.type));
+  if (source.onvif_topic) {
+    text += " " + *source.onvif_topic;
+  }
+  if (source.search_item) {
+    text += " " + source.search_item->object_type;
+    text += source.search_item->motion_required ? " in motion" : "";
+  }
+  if (source.activity_duration) {
+    text += fmt::format(" for {} s",
+                        static_cast<double>(source.activity_duration->min_duration.count()) / 1e6);
+  }
+  return printable(text);
+}
+
+std::string describe(const std::string& name, const std::optional<std::string>& value) {
+  return printable(value ? name + "=" + *value : name);
+}
+
+std::string describe_tags(const metadata_event_subscription& record) {
+  std::vector<std::string> tags;
+  for (const Tag_Entry& tag : record.tags) {
+    tags.push_back(describe(tag.name, tag.info.value));
+  }
+  return fmt::format("{}", fmt::join(tags, " "));
+}
+
+std::string describe_tags(const camera& record) {
+  std::vector<std::string> tags;
+  for (const auto& [name, info] : record.tags) {
+    tags.push_back(describe(name, info.value));
+  }
+  return fmt::format("{}", fmt::join(tags, " "));
+}
+
+}  // namespace
+
+void print_triggers(const Options& options, const Records<trigger>& records) {
+  if (options.json) {
+    print_list(records);
+    return;
+  }
+  std::vector<std::vector<std::string>> rows;
+  for (const std::shared_ptr<trigger>& record : records) {
+    std::vector<std::string> sources;
+    for (const Trigger_Source& source : record->sources) {
+      sources.push_back(describe(source));
+    }
+    rows.push_back({std::to_string(record->id), printable(record->name),
+                    join(schedule_ids(*record)), fmt::format("{}", fmt::join(sources, ", "))});
+  }
+  print_table({"ID", "NAME", "SCHEDULES", "SOURCES"}, rows);
+}
+
+void print_subscriptions(const Options& options,
+                         const Records<metadata_event_subscription>& records) {
+  if (options.json) {
+    print_list(records);
+    return;
+  }
+  std::vector<std::vector<std::string>> rows;
+  for (const std::shared_ptr<metadata_event_subscription>& record : records) {
+    rows.push_back({std::to_string(record->id),
+                    record->camera ? std::to_string(record->camera_id()) : "-",
+                    printable(record->onvif_topic.value_or("(" + record->name + ")")),
+                    describe_tags(*record), join(record->trigger_ids())});
+  }
+  print_table({"ID", "CAMERA", "TOPIC (OR NAME)", "TAGS", "TRIGGERS"}, rows);
+}
+
+void print_detection(const Options& options, const Records<eta_camera>& records) {
+  if (options.json) {
+    print_list(records);
+    return;
+  }
+  std::vector<std::vector<std::string>> rows;
+  for (const std::shared_ptr<eta_camera>& record : records) {
+    rows.push_back({std::to_string(record->id), std::to_string(record->camera_id()),
+                    join(trigger_ids(*record))});
+  }
+  print_table({"ID", "CAMERA", "TRIGGERS"}, rows);
+}
+
+void print_cameras(const Options& options, const Records<camera>& records) {
+  if (options.json) {
+    print_list(records);
+    return;
+  }
+  std::vector<std::vector<std::string>> rows;
+  for (const std::shared_ptr<camera>& record : records) {
+    rows.push_back({std::to_string(record->id), printable(record->name), describe_tags(*record),
+                    record->object_detection ? "objects" : "-",
+                    record->motion_detection ? "motion" : "-",
+                    std::to_string(topics_of(*record).size())});
+  }
+  print_table({"ID", "NAME", "TAGS", "DETECTS", "", "TOPICS"}, rows);
+}
+
+}  // namespace kuv::vemora::tools

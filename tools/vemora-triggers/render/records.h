@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "tools/vemora-triggers/invocation/options.h"
+#include "vemora/platform/records/camera.h"
+#include "vemora/platform/records/eta_camera.h"
+#include "vemora/platform/records/metadata_event_subscription.h"
+#include "vemora/platform/records/trigger.h"
+
+namespace kuv::vemora::tools {
+
+template <class Record>
+using Records = std::vector<std::shared_ptr<Record>>;
+
+void print_triggers(const Options& options, const Records<trigger>& records);
+void print_subscriptions(const Options& options,
+                         const Records<metadata_event_subscription>& records);
+void print_detection(const Options& options, const Records<eta_camera>& records);
+void print_cameras(const Options& options, const Records<camera>& records);
+
+}  // namespace kuv::vemora::tools

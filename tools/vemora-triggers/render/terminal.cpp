@@ -1,0 +1,118 @@
+#include "tools/vemora-triggers/render/terminal.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string_view>
+#include <utility>
+
+#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/printable.h"
+
+namespace kuv::vemora::tools {
+namespace {
+
+using embedded_server::count_letters;
+
+bool wants_colour() {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
+  const char* const refused = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
+}
+
+/// A cell that is wider sticks out of its own row, and does not widen all the others.
+constexpr std::size_t widest_column = 200;
+
+void print_row(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
+  for (std::size_t column = 0; column < row.size(); ++column) {
+    std::cout << row[column];
+    if (column + 1 < row.size()) {
+      const std::size_t letters = count_letters(row[column]);
+      std::cout << std::string(std::max(widths[column], letters) - letters + 2, ' ');
+    }
+  }
+  std::cout << '\n';
+}
+
+/// Line ends and tabs, which lay a document out, stay.
+void print_printable_lines(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of("\n\t"), text.size());
+    std::string_view piece = text.substr(0, end);
+    const std::string_view behind = text.substr(end, 1);
+    text.remove_prefix(end + behind.size());
+    if (behind == "\n" && !piece.empty() && piece.back() == '\r') {
+      piece.remove_suffix(1);
+    }
+    std::cout << embedded_server::printable(piece) << behind;
+  }
+}
+
+}  // namespace
+
+void print_text(const std::string& text) {
+  if (isatty(STDOUT_FILENO) == 1) {
+    print_printable_lines(text);
+  } else {
+    std::cout << text;
+  }
+}
+
+std::string in_red(const std::string& text) {
+  return wants_colour() ? "\x1b[31m" + text + "\x1b[0m" : text;
+}
+
+void print_table(const std::vector<std::string>& headings,
+                 const std::vector<std::vector<std::string>>& rows) {
+  std::vector<std::size_t> widths;
+  for (std::size_t column = 0; column < headings.size(); ++column) {
+    std::size_t width = count_letters(headings[column]);
+    for (const std::vector<std::string>& row : rows) {
+      width = std::max(width, std::min(count_letters(row[column]), widest_column));
+    }
+    widths.push_back(width);
+  }
+  print_row(headings, widths);
+  for (const std::vector<std::string>& row : rows) {
+    print_row(row, widths);
+  }
+}
+
+Progress_Line::Progress_Line(std::string what) : what_(std::move(what)) {
+  if (isatty(STDERR_FILENO) != 1) {
+    return;
+  }
+  try {
+    ticker_ = std::thread([this] { tick(); });
+  } catch (const std::exception&) {  // there is no memory or no thread: nothing depends on the line
+  }
+}
+
+Progress_Line::~Progress_Line() {
+  if (ticker_.joinable()) {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      done_ = true;
+    }
+    finished_.notify_all();
+    ticker_.join();
+  }
+}
+
+void Progress_Line::tick() {
+  std::unique_lock<std::mutex> lock(mutex_);
+  int seconds = 0;
+  while (!finished_.wait_for(lock, std::chrono::seconds(1), [this] { return done_; })) {
+    // Each piece as it is: for a text there might be no memory, and nobody to tell.
+    std::cerr << '\r' << what_ << " ... " << ++seconds << " s" << std::flush;
+  }
+  if (seconds > 0) {
+    std::cerr << "\r\x1b[K" << std::flush;
+  }
+}
+
+}  // namespace kuv::vemora::tools

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "vemora/embedded_server/documents/document_fault.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// Why a document would be rejected.
+struct Check_Fault {
+  std::string document;  ///< "config" or "mapping"
+  Document_Fault fault;
+  std::optional<std::size_t> index;  ///< of the trigger or association in its array
+  std::optional<std::uint64_t> id;   ///< of the trigger
+};
+
+}  // namespace kuv::vemora::embedded_server

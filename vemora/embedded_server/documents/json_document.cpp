@@ -1,0 +1,117 @@
+#include "vemora/embedded_server/documents/json_document.h"
+
+#include <json/reader.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include "vemora/embedded_server/documents/json_grammar.h"
+#include "vemora/embedded_server/documents/read_file.h"
+#include "vemora/embedded_server/texts/letters.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+/// Where the reader means. It counts bytes, from behind a byte order mark, and takes a carriage
+/// return for the end of a line.
+std::size_t offset_told_by_reader(std::string_view text, std::size_t line, std::size_t column) {
+  std::size_t offset = byte_order_mark_size(text);
+  for (std::size_t passed = 1; passed < line && offset < text.size(); ++passed) {
+    offset = std::min(text.find_first_of("\r\n", offset), text.size() - 1) + 1;
+    if (text[offset - 1] == '\r' && offset < text.size() && text[offset] == '\n') {
+      ++offset;
+    }
+  }
+  return offset + column - 1;
+}
+
+/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n", and what it
+/// stumbles over after the first one in the same way.
+Document_Fault fault_in_report(const std::string& report, std::string_view text,
+                               const Text_Places& places) {
+  std::size_t line = 0;
+  std::size_t column = 0;
+  int head = 0;
+  if (std::sscanf(report.c_str(), "* Line %zu, Column %zu\n%n", &line, &column, &head) != 2) {
+    return {report, {}};
+  }
+  std::string message = report.substr(static_cast<std::size_t>(head));
+  message.erase(std::min(message.find("\n* Line "), message.find_last_not_of('\n') + 1));
+  return {message, places.locate(text, offset_told_by_reader(text, line, column))};
+}
+
+std::string_view line_of(std::string_view text, const Text_Places& places, std::size_t number) {
+  std::string_view found = text.substr(places.begin_of_line(text, number));
+  found = found.substr(0, found.find('\n'));
+  if (!found.empty() && found.back() == '\r') {
+    found.remove_suffix(1);
+  }
+  return found;
+}
+
+Json::Value parse(const std::string& text, const Text_Places& places, std::size_t most_values) {
+  const auto reject = [&](const Document_Fault& fault) {
+    throw Document_Error(fault, line_of(text, places, fault.location.line));
+  };
+  if (const auto fault = find_grammar_fault(text, most_values)) {
+    reject({fault->message, places.locate(text, fault->offset)});
+  }
+  Json::CharReaderBuilder builder;
+  Json::CharReaderBuilder::strictMode(&builder.settings_);
+  builder["stackLimit"] = Json::UInt64(deepest_nesting);
+  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  Json::Value value;
+  std::string report;
+  if (!reader->parse(text.data(), text.data() + text.size(), &value, &report)) {
+    reject(fault_in_report(report, text, places));
+  }
+  return value;
+}
+
+}  // namespace
+
+Json_Document::Json_Document(std::string text, std::size_t most_values)
+    : text_(std::move(text)), places_(text_), value_(parse(text_, places_, most_values)) {}
+
+Json_Document Json_Document::read(const std::string& path, std::size_t limit,
+                                  std::size_t most_values) {
+  return Json_Document(read_file(path, limit), most_values);
+}
+
+std::size_t Json_Document::offset_of(const Json::Value& part) const {
+  return byte_order_mark_size(text_) + static_cast<std::size_t>(part.getOffsetStart());
+}
+
+Location Json_Document::locate(const Json::Value& part) const {
+  return places_.locate(text_, offset_of(part));
+}
+
+Location Json_Document::locate_offset(std::size_t offset, Text_Place& last) const {
+  return places_.locate(text_, byte_order_mark_size(text_) + offset, last);
+}
+
+Surroundings Json_Document::surroundings(const Location& place) const {
+  return places_.surroundings(text_, place);
+}
+
+Location Json_Document::locate_key(const Json::Value& member) const {
+  // Backwards from the value: a colon, the quote that ends the key, and the one that begins it,
+  // which is the next that is not escaped, that is, has an even number of backslashes before it.
+  const std::size_t colon = text_.rfind(':', offset_of(member) - 1);
+  const std::size_t end = text_.rfind('"', colon);
+  std::size_t begin = end;
+  std::size_t backslashes = 0;
+  do {
+    begin = text_.rfind('"', begin - 1);
+    backslashes = begin - (text_.find_last_not_of('\\', begin - 1) + 1);
+  } while (backslashes % 2 != 0);
+  return places_.locate(text_, begin);
+}
+
+std::string_view Json_Document::line(std::size_t number) const {
+  return line_of(text_, places_, number);
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,21 @@
+#include "vemora/embedded_server/documents/json_text.h"
+
+#include <json/writer.h>
+
+#include <memory>
+#include <sstream>
+
+namespace kuv::vemora::embedded_server {
+
+std::string json_text(const Json::Value& value, Json_Letters letters) {
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "";
+  builder["emitUTF8"] = letters == Json_Letters::utf8;
+  const std::unique_ptr<Json::StreamWriter> writer(builder.newStreamWriter());
+  std::ostringstream stream;
+  stream.exceptions(std::ios::badbit | std::ios::failbit);
+  writer->write(value, &stream);
+  return stream.str();
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,408 @@
+#include "vemora/embedded_server/inventory/inventory_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "vemora/embedded_server/documents/json_text.h"
+#include "vemora/embedded_server/host/services.h"
+#include "vemora/embedded_server/texts/letters.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+/// An id is written as an integer: 7.0 equals one and is none.
+bool is_id(const Json::Value& value) {
+  return value.type() != Json::realValue && value.isUInt64();
+}
+
+std::string_view text_of(const Json::Value& value) {
+  const char* begin = nullptr;
+  const char* end = nullptr;
+  value.getString(&begin, &end);
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+std::string_view key_of(const Json::Value::const_iterator& member) {
+  const char* end = nullptr;
+  const char* const begin = member.memberName(&end);
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+/// A name as it stands in messages: one that many faults name must not be told whole by each.
+std::string shortened(const std::string& name) {
+  constexpr std::size_t most_letters = 200;
+  const std::string_view beginning = first_letters(name, most_letters);
+  return std::string(beginning) + (beginning.size() < name.size() ? "..." : "");
+}
+
+/// The texts of a document that are to be stored.
+class Texts_To_Store {
+ public:
+  void add(const Json::Value& text) {
+    texts_.push_back(text_of(text));
+    places_.push_back({&text, false});
+  }
+
+  void add_key(const Json::Value::const_iterator& member) {
+    texts_.push_back(key_of(member));
+    places_.push_back({&*member, true});
+  }
+
+  /// A fault for each that the database cannot hold.
+  std::vector<Document_Fault> faults(const std::shared_ptr<Database>& database,
+                                     const Json_Document& document) const {
+    std::vector<Document_Fault> found;
+    for (const Unstorable_Text& text : unstorable_texts(database, texts_)) {
+      const Place& place = places_[text.place];
+      found.push_back(
+          {"This database cannot hold the text.",
+           place.is_key ? document.locate_key(*place.value) : document.locate(*place.value)});
+    }
+    return found;
+  }
+
+ private:
+  struct Place {
+    const Json::Value* value;
+    bool is_key;  ///< of the value
+  };
+
+  std::vector<std::string_view> texts_;
+  std::vector<Place> places_;
+};
+
+/// Reads one document and gathers what is wrong with it.
+class Inventory_Reader {
+ public:
+  Inventory_Reader(const Json_Document& document, const Inventory_References& stored)
+      : document_(document), stored_(stored) {}
+
+  Read_Inventory read(const std::shared_ptr<Database>& database) {
+    const Json::Value& root = document_.value();
+    if (!root.isObject()) {
+      fault(root, "An inventory must be a JSON object.");
+      return std::move(result_);
+    }
+    require_known_keys(root, {"servers", "cameras", "schedules", "eventCategories", "subscriptions",
+                              "objectTypes"});
+    // What is referred to comes before what refers to it.
+    read_records(root, "servers", [this](const Json::Value& record) { read_server(record); });
+    read_records(root, "cameras", [this](const Json::Value& record) { read_camera(record); });
+    read_records(root, "schedules", [this](const Json::Value& record) { read_schedule(record); });
+    read_records(root, "eventCategories",
+                 [this](const Json::Value& record) { read_category(record); });
+    read_records(root, "subscriptions",
+                 [this](const Json::Value& record) { read_subscription(record); });
+    read_object_types(root["objectTypes"]);
+    if (database) {
+      refuse_unstorable_texts(database);
+    }
+    std::stable_sort(result_.faults.begin(), result_.faults.end(),
+                     [](const auto& a, const auto& b) {
+                       return std::tie(a.location.line, a.location.column) <
+                              std::tie(b.location.line, b.location.column);
+                     });
+    return std::move(result_);
+  }
+
+ private:
+  void fault(const Json::Value& place, std::string message) {
+    result_.faults.push_back({std::move(message), document_.locate(place)});
+  }
+
+  void refuse_unstorable_texts(const std::shared_ptr<Database>& database) {
+    const std::vector<Document_Fault> found = texts_.faults(database, document_);
+    result_.faults.insert(result_.faults.end(), found.begin(), found.end());
+  }
+
+  void require_known_keys(const Json::Value& object,
+                          std::initializer_list<std::string_view> known) {
+    for (auto member = object.begin(); member != object.end(); ++member) {
+      if (std::find(known.begin(), known.end(), member.name()) == known.end()) {
+        result_.faults.push_back(
+            {fmt::format("Unknown key \"{}\".", member.name()), document_.locate_key(*member)});
+      }
+    }
+  }
+
+  template <class Read>
+  void read_records(const Json::Value& root, const char* key, Read read) {
+    const Json::Value& records = root[key];
+    if (records.isNull() && !root.isMember(key)) {
+      return;
+    }
+    if (!records.isArray()) {
+      fault(records, fmt::format("\"{}\" must be an array of JSON objects.", key));
+      return;
+    }
+    seen_ids_.clear();
+    for (const Json::Value& record : records) {
+      if (record.isObject()) {
+        read(record);
+      } else {
+        fault(record, fmt::format("\"{}\" must be an array of JSON objects.", key));
+      }
+    }
+  }
+
+  std::uint64_t read_id(const Json::Value& record) {
+    const Json::Value& id = record["id"];
+    if (!is_id(id)) {
+      fault(record.isMember("id") ? id : record, "\"id\" must be an unsigned 64-bit integer.");
+      return 0;
+    }
+    if (!seen_ids_.insert(id.asUInt64()).second) {
+      fault(id, fmt::format("The id {} is given twice.", id.asUInt64()));
+    }
+    return id.asUInt64();
+  }
+
+  std::string read_name(const Json::Value& record) {
+    if (!record.isMember("name")) {
+      return {};
+    }
+    const Json::Value& name = record["name"];
+    if (!name.isString()) {
+      fault(name, "\"name\" must be a string.");
+      return {};
+    }
+    texts_.add(name);
+    return name.asString();
+  }
+
+  bool read_flag(const Json::Value& record, const char* key, bool fallback) {
+    if (!record.isMember(key)) {
+      return fallback;
+    }
+    const Json::Value& flag = record[key];
+    if (!flag.isBool()) {
+      fault(flag, fmt::format("\"{}\" must be true or false.", key));
+      return fallback;
+    }
+    return flag.asBool();
+  }
+
+  Tag_Map read_tags(const Json::Value& record) {
+    Tag_Map tags;
+    if (!record.isMember("tags")) {
+      return tags;
+    }
+    const Json::Value& given = record["tags"];
+    if (!given.isObject()) {
+      fault(given, "\"tags\" must be a JSON object.");
+      return tags;
+    }
+    for (auto tag = given.begin(); tag != given.end(); ++tag) {
+      texts_.add_key(tag);
+      if (tag->isString()) {
+        texts_.add(*tag);
+        tags[tag.name()].value = tag->asString();
+      } else if (tag->isNull()) {
+        tags[tag.name()].value = std::nullopt;
+      } else {
+        fault(*tag, fmt::format("Tag \"{}\" must be a string or null.", tag.name()));
+      }
+    }
+    return tags;
+  }
+
+  void read_server(const Json::Value& given) {
+    require_known_keys(given, {"id", "name", "tags"});
+    server record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    record.tags = read_tags(given);
+    result_.inventory.servers.push_back(std::move(record));
+  }
+
+  void read_camera(const Json::Value& given) {
+    require_known_keys(
+        given, {"id", "name", "tags", "objectDetection", "motionDetection", "capabilities"});
+    Inventory::Camera record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    record.tags = read_tags(given);
+    record.object_detection = read_flag(given, "objectDetection", false);
+    record.motion_detection = read_flag(given, "motionDetection", false);
+    record.capabilities = read_capabilities(given);
+    camera_ids_.insert(record.id);
+    result_.inventory.cameras.push_back(std::move(record));
+  }
+
+  std::string read_capabilities(const Json::Value& record) {
+    if (!record.isMember("capabilities")) {
+      return {};
+    }
+    const Json::Value& capabilities = record["capabilities"];
+    if (!capabilities.isObject()) {
+      fault(capabilities, "\"capabilities\" must be a JSON object.");
+      return {};
+    }
+    require_utf8(capabilities);
+    return json_text(capabilities, Json_Letters::utf8);
+  }
+
+  /// Capabilities are stored as JSON: control characters are escapes there, all else stays as it is
+  /// and would be unreadable ever after.
+  void require_utf8(const Json::Value& part) {
+    constexpr const char* message = "\"capabilities\" must be UTF-8.";
+    if (part.isString() && !is_utf8(text_of(part))) {
+      fault(part, message);
+    }
+    for (auto member = part.begin(); member != part.end(); ++member) {
+      if (part.isObject() && !is_utf8(key_of(member))) {
+        result_.faults.push_back({message, document_.locate_key(*member)});
+      }
+      require_utf8(*member);
+    }
+  }
+
+  void read_schedule(const Json::Value& given) {
+    require_known_keys(given, {"id", "name", "usable"});
+    schedule record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    record.usable = read_flag(given, "usable", true);
+    result_.inventory.schedules.push_back(std::move(record));
+  }
+
+  void read_category(const Json::Value& given) {
+    require_known_keys(given, {"id", "name"});
+    metadata_event_category record;
+    record.id = read_id(given);
+    record.name = read_name(given);
+    category_ids_.insert(record.id);
+    result_.inventory.categories.push_back(std::move(record));
+  }
+
+  void read_subscription(const Json::Value& given) {
+    require_known_keys(given, {"id", "name", "categoryId", "tags", "cameraIds"});
+    Inventory::Subscription record;
+    record.id = read_id(given);
+    if (stored_.topic_subscription_ids.count(record.id) != 0) {
+      fault(given["id"], fmt::format("The id {} is that of a topic subscription.", record.id));
+    }
+    record.name = read_name(given);
+    record.category_id = read_category_id(given["categoryId"]);
+    record.tags = read_tags(given);
+    record.camera_ids = read_camera_ids(given);
+    result_.inventory.subscriptions.push_back(std::move(record));
+  }
+
+  std::optional<std::uint64_t> read_category_id(const Json::Value& id) {
+    if (id.isNull()) {
+      return std::nullopt;
+    }
+    if (!is_id(id)) {
+      fault(id, "\"categoryId\" must be an unsigned 64-bit integer.");
+      return std::nullopt;
+    }
+    if (category_ids_.count(id.asUInt64()) + stored_.category_ids.count(id.asUInt64()) == 0) {
+      fault(id, fmt::format("There is no event category {}.", id.asUInt64()));
+    }
+    return id.asUInt64();
+  }
+
+  std::set<std::uint64_t> read_camera_ids(const Json::Value& record) {
+    std::set<std::uint64_t> ids;
+    if (!record.isMember("cameraIds")) {
+      return ids;
+    }
+    const Json::Value& given = record["cameraIds"];
+    if (!given.isArray()) {
+      fault(given, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
+      return ids;
+    }
+    for (const Json::Value& id : given) {
+      if (!is_id(id)) {
+        fault(id, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
+      } else if (camera_ids_.count(id.asUInt64()) + stored_.camera_ids.count(id.asUInt64()) == 0) {
+        fault(id, fmt::format("There is no camera {}.", id.asUInt64()));
+      } else {
+        ids.insert(id.asUInt64());
+      }
+    }
+    return ids;
+  }
+
+  void read_object_types(const Json::Value& given) {
+    if (given.isNull() && !document_.value().isMember("objectTypes")) {
+      return;
+    }
+    if (!given.isObject()) {
+      fault(given, "\"objectTypes\" must be a JSON object.");
+      return;
+    }
+    auto known = stored_.object_types;
+    for (auto type = given.begin(); type != given.end(); ++type) {
+      texts_.add_key(type);
+      const std::set<std::string> stands_for = read_object_type(type.name(), *type);
+      known[type.name()] = stands_for;
+      result_.inventory.object_types[type.name()] = stands_for;
+    }
+    refuse_overgrown_types(given, known);
+    for (const std::vector<std::string>& cycle : find_cycles(known)) {
+      const auto ours = std::find_if(cycle.begin(), cycle.end(), [&given](const std::string& name) {
+        return given.isMember(name);
+      });
+      fault(ours == cycle.end() ? given : given[*ours],
+            fmt::format("Object type \"{}\" stands for itself: \"{}\".", cycle.front(),
+                        fmt::join(cycle, "\" > \"")));
+    }
+  }
+
+  void refuse_overgrown_types(const Json::Value& given,
+                              const std::map<std::string, std::set<std::string>>& known) {
+    const Overgrown_Types overgrown = find_overgrown(known);
+    if (overgrown.too_many_general) {
+      fault(given,
+            fmt::format("There are more than {} general object types.", most_general_object_types));
+    }
+    for (const std::string& name : overgrown.names) {
+      fault(given.isMember(name) ? given[name] : given,
+            fmt::format("Object type \"{}\" stands for more than {} types.", shortened(name),
+                        most_types_of_a_general_one));
+    }
+  }
+
+  std::set<std::string> read_object_type(const std::string& name, const Json::Value& given) {
+    std::set<std::string> types;
+    if (!given.isArray() || given.empty()) {
+      fault(given, fmt::format("Object type \"{}\" must be a non-empty array of strings.",
+                               shortened(name)));
+      return types;
+    }
+    for (const Json::Value& type : given) {
+      if (!type.isString() || type.asString().empty()) {
+        fault(type, fmt::format("Object type \"{}\" must be a non-empty array of strings.",
+                                shortened(name)));
+      } else {
+        texts_.add(type);
+        types.insert(type.asString());
+      }
+    }
+    return types;
+  }
+
+  const Json_Document& document_;
+  const Inventory_References& stored_;
+  Read_Inventory result_;
+  Texts_To_Store texts_;
+  std::set<std::uint64_t> seen_ids_;  ///< of the kind being read
+  std::set<std::uint64_t> camera_ids_;
+  std::set<std::uint64_t> category_ids_;
+};
+
+}  // namespace
+
+Read_Inventory read_inventory(const Json_Document& document, const Inventory_References& stored,
+                              const std::shared_ptr<Database>& database) {
+  return Inventory_Reader(document, stored).read(database);
+}
+
+}  // namespace kuv::vemora::embedded_server

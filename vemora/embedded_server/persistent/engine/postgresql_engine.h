@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/engine/postgresql_location.h"
+#include "vemora/embedded_server/persistent/engine/postgresql_row_writer.h"
+
+namespace odb::pgsql {
+class database;
+}
+
+namespace kuv::vemora::embedded_server {
+
+/// A schema of its own in a cluster that may serve many sites. Processes queue up at an advisory
+/// lock, which goes with the connection that its holder writes through.
+class PostgreSQL_Engine : public Engine {
+ public:
+  PostgreSQL_Engine(const std::string& url, std::chrono::milliseconds lock_wait);
+  ~PostgreSQL_Engine() override;
+
+  odb::database& odb() override;
+  Row_Writer& rows() override { return rows_; }
+  const std::string& location() const override { return location_.shown; }
+  std::unique_ptr<Session> open_session(Session::Access access) override;
+  void migrate(Session& session) override;
+  std::optional<std::int32_t> schema_version() override;
+  bool can_hold(std::initializer_list<std::string_view> texts) override;
+  bool holds_transaction() override;
+  std::string describe(const std::exception& fault) override;
+
+ private:
+  PostgreSQL_Location location_;
+  std::chrono::milliseconds lock_wait_;
+  std::unique_ptr<odb::pgsql::database> database_;
+  PostgreSQL_Row_Writer rows_;
+};
+
+}  // namespace kuv::vemora::embedded_server

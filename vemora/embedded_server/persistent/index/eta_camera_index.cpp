@@ -1,0 +1,111 @@
+#include "vemora/embedded_server/persistent/index/eta_camera_index.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "records-odb.h"
+#include "rows-odb.h"
+#include "vemora/embedded_server/persistent/index/row_reader.h"
+
+namespace kuv::vemora::embedded_server {
+
+ETA_Camera_Index::ETA_Camera_Index(odb::database& database, const Camera_Index& cameras,
+                                   const Trigger_Index& triggers)
+    : cameras_(cameras), triggers_(triggers), ids_(database, "eta_camera") {
+  load_records(database);
+  records_.load_links<rows::ETA_Camera_Trigger>(database, triggers_);
+}
+
+void ETA_Camera_Index::load_records(odb::database& database) {
+  for_each_row<rows::ETA_Camera>(database, "id", [&](const rows::ETA_Camera& row) {
+    auto record = std::make_shared<Record>();
+    record->id = row.id;
+    const std::shared_ptr<camera> watched = cameras_.find(row.camera_id);
+    record->camera = watched ? odb::lazy_shared_ptr<camera>(watched)
+                             : odb::lazy_shared_ptr<camera>(database, row.camera_id);
+    by_camera_.emplace(row.camera_id, &records_.load(std::move(record)));
+  });
+}
+
+std::shared_ptr<eta_camera> ETA_Camera_Index::find_by_camera(std::uint64_t camera_id) const {
+  const auto found = by_camera_.find(camera_id);
+  return found == by_camera_.end() ? nullptr : found->second->record;
+}
+
+ETA_Camera_Index::List ETA_Camera_Index::all() {
+  List found;
+  found.reserve(records_.all().size());
+  for (const auto& [id, entry] : records_.all()) {
+    found.push_back(entry.record);
+  }
+  return found;
+}
+
+ETA_Camera_Index::List ETA_Camera_Index::matching(const Query& query) {
+  std::unordered_set<std::uint64_t, Id_Hash> named;
+  for (const std::shared_ptr<camera>& record : query.cameras) {
+    named.insert(record->id);
+  }
+  const bool inside = query.cameras_match == Query::Cameras::matching;
+  const auto fits = [&](const std::shared_ptr<Record>& record) {
+    return named.empty() || (named.count(record->camera_id()) != 0) == inside;
+  };
+  List found;
+  if (query.trigger) {
+    for (const Entry* const entry : records_.holders(query.trigger->id)) {
+      found.push_back(entry->record);
+    }
+  } else {
+    found = all();
+  }
+  found.erase(std::remove_if(found.begin(), found.end(), [&](const auto& r) { return !fits(r); }),
+              found.end());
+  return found;
+}
+
+bool ETA_Camera_Index::add(const std::shared_ptr<Record>& added) {
+  const auto is_stored = [this](const std::shared_ptr<trigger>& held) {
+    return triggers_.contains(held->id);
+  };
+  if (!added->camera || !cameras_.find(added->camera_id()) || find_by_camera(added->camera_id()) ||
+      !std::all_of(added->triggers.begin(), added->triggers.end(), is_stored)) {
+    return false;
+  }
+  added->id = ids_.allocate(
+      [this](std::uint64_t id) { return records_.find(id) != nullptr || deleted_.count(id) != 0; });
+  added_.insert(added->id);
+  by_camera_.emplace(added->camera_id(), &records_.insert(added));
+  return true;
+}
+
+bool ETA_Camera_Index::update(const std::shared_ptr<Record>& changed) {
+  return records_.update(changed, [this](std::uint64_t id) { return triggers_.find(id); });
+}
+
+void ETA_Camera_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
+  records_.drop_triggers(dead);
+}
+
+void ETA_Camera_Index::delete_without_triggers() {
+  const auto goes = [](const Record& record) { return held_nothing_when_stored(record); };
+  records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
+    by_camera_.erase(record->camera_id());
+    if (added_.erase(record->id) == 0) {
+      deleted_.insert(record->id);
+    }
+  });
+}
+
+ETA_Camera_Index::Net_Changes ETA_Camera_Index::settle() {
+  Net_Changes net;
+  for (const std::uint64_t id : added_) {
+    net.added.push_back({id, records_.find(id)->record->camera_id()});
+  }
+  net.deleted.assign(deleted_.begin(), deleted_.end());
+  net.links = records_.settle().links;
+  added_.clear();
+  deleted_.clear();
+  return net;
+}
+
+}  // namespace kuv::vemora::embedded_server

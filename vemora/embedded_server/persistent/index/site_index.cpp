@@ -1,0 +1,89 @@
+#include "vemora/embedded_server/persistent/index/site_index.h"
+
+namespace kuv::vemora::embedded_server {
+
+Camera_Index& Site_Index::cameras() {
+  if (!cameras_) {
+    cameras_ = std::make_unique<Camera_Index>(database_, capability_guard_);
+  }
+  return *cameras_;
+}
+
+Schedule_Index& Site_Index::schedules() {
+  if (!schedules_) {
+    schedules_ = std::make_unique<Schedule_Index>(database_);
+  }
+  return *schedules_;
+}
+
+Trigger_Index& Site_Index::triggers() {
+  if (!triggers_) {
+    triggers_ = std::make_unique<Trigger_Index>(database_, schedules());
+  }
+  return *triggers_;
+}
+
+Subscription_Index& Site_Index::subscriptions() {
+  if (!subscriptions_) {
+    subscriptions_ = std::make_unique<Subscription_Index>(database_, cameras(), triggers());
+  }
+  return *subscriptions_;
+}
+
+ETA_Camera_Index& Site_Index::eta_cameras() {
+  if (!eta_cameras_) {
+    eta_cameras_ = std::make_unique<ETA_Camera_Index>(database_, cameras(), triggers());
+  }
+  return *eta_cameras_;
+}
+
+bool Site_Index::add_trigger(const std::shared_ptr<trigger>& added) {
+  if (triggers().contains(added->id)) {
+    return false;
+  }
+  triggers().insert(added);
+  return true;
+}
+
+void Site_Index::restore_trigger(std::uint64_t id) {
+  const std::shared_ptr<trigger> fresh = triggers().restore(id);
+  subscriptions().replace_trigger(fresh);
+  eta_cameras().replace_trigger(fresh);
+}
+
+void Site_Index::delete_triggers(const std::set<std::uint64_t>& dead) {
+  if (dead.empty()) {
+    return;
+  }
+  subscriptions().drop_triggers(dead);
+  eta_cameras().drop_triggers(dead);
+  for (const std::uint64_t id : dead) {
+    triggers().erase(id);
+  }
+}
+
+Site_Index::Net_Changes Site_Index::settle() {
+  Net_Changes net;
+  if (triggers_) {
+    net.triggers = triggers_->settle();
+    net.strays = triggers_->take_strays();
+  }
+  if (subscriptions_) {
+    net.subscriptions = subscriptions_->settle();
+  }
+  if (eta_cameras_) {
+    net.eta_cameras = eta_cameras_->settle();
+  }
+  return net;
+}
+
+void Site_Index::save_ids() {
+  if (subscriptions_) {
+    subscriptions_->save_ids();
+  }
+  if (eta_cameras_) {
+    eta_cameras_->save_ids();
+  }
+}
+
+}  // namespace kuv::vemora::embedded_server

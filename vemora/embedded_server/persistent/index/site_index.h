@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+
+#include "vemora/embedded_server/persistent/index/camera_index.h"
+#include "vemora/embedded_server/persistent/index/eta_camera_index.h"
+#include "vemora/embedded_server/persistent/index/schedule_index.h"
+#include "vemora/embedded_server/persistent/index/subscription_index.h"
+#include "vemora/embedded_server/persistent/index/trigger_index.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// The site as one pass sees it: what the database held when it was first asked for, one ordered
+/// statement a table, and everything the pass did to it since. All queries are answered from here;
+/// nothing of it outlives the pass.
+class Site_Index {
+ public:
+  explicit Site_Index(odb::database& database, Capability_Guard capability_guard)
+      : database_(database), capability_guard_(std::move(capability_guard)) {}
+
+  Camera_Index& cameras();
+  Schedule_Index& schedules();
+  Trigger_Index& triggers();
+  Subscription_Index& subscriptions();
+  ETA_Camera_Index& eta_cameras();
+
+  /// Stores a new trigger; false when its id is taken.
+  bool add_trigger(const std::shared_ptr<trigger>& added);
+
+  /// Forgets refused changes of a trigger wherever its record is held.
+  void restore_trigger(std::uint64_t id);
+
+  /// Deletes triggers, and their links with them.
+  void delete_triggers(const std::set<std::uint64_t>& dead);
+
+  /// What the pass changed, as far as anything was loaded at all.
+  struct Net_Changes {
+    std::map<std::uint64_t, Trigger_Index::Change> triggers;
+    Trigger_Index::Strays strays;
+    Subscription_Index::Net_Changes subscriptions;
+    ETA_Camera_Index::Net_Changes eta_cameras;
+  };
+  Net_Changes settle();
+  void save_ids();
+
+ private:
+  odb::database& database_;
+  Capability_Guard capability_guard_;
+  std::unique_ptr<Camera_Index> cameras_;
+  std::unique_ptr<Schedule_Index> schedules_;
+  std::unique_ptr<Trigger_Index> triggers_;
+  std::unique_ptr<Subscription_Index> subscriptions_;
+  std::unique_ptr<ETA_Camera_Index> eta_cameras_;
+};
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,71 @@
+#include "vemora/embedded_server/persistent/pass/documents.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <odb/database.hxx>
+#include <string>
+
+#include "rows-odb.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+std::optional<std::string> load_document(odb::database& database, const std::string& kind) {
+  rows::Document row;
+  return database.find(kind, row)
+             ? std::make_optional<std::string>(row.text.begin(), row.text.end())
+             : std::nullopt;
+}
+
+/// Whether storing it would change nothing.
+bool is_stored(odb::database& database, const std::string& kind,
+               const std::optional<std::string>& text) {
+  return !text || load_document(database, kind) == text;
+}
+
+void store_document(odb::database& database, const std::string& kind,
+                    const std::optional<std::string>& text) {
+  if (!text) {
+    return;
+  }
+  rows::Document row;
+  const bool exists = database.find(kind, row);
+  if (exists && std::equal(row.text.begin(), row.text.end(), text->begin(), text->end())) {
+    return;
+  }
+  row.kind = kind;
+  row.text.assign(text->begin(), text->end());
+  if (exists) {
+    database.update(row);
+  } else {
+    database.persist(row);
+  }
+}
+
+}  // namespace
+
+void require_owner(odb::database& database, std::uint64_t server_id) {
+  rows::Site site;
+  database.load(1, site);
+  if (site.server_id && *site.server_id != server_id) {
+    throw Database_Error(
+        fmt::format("it belongs to server {}, not to server {}", *site.server_id, server_id));
+  }
+}
+
+Documents load_documents(odb::database& database) {
+  return {load_document(database, "config"), load_document(database, "mapping")};
+}
+
+bool are_stored(odb::database& database, const Documents& accepted) {
+  return is_stored(database, "config", accepted.config) &&
+         is_stored(database, "mapping", accepted.mapping);
+}
+
+void store_documents(odb::database& database, const Documents& accepted) {
+  store_document(database, "config", accepted.config);
+  store_document(database, "mapping", accepted.mapping);
+}
+
+}  // namespace kuv::vemora::embedded_server

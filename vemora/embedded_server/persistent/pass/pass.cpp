@@ -1,0 +1,265 @@
+#include "vemora/embedded_server/persistent/pass/pass.h"
+
+#include <fmt/format.h>
+
+#include <new>
+#include <odb/exception.hxx>
+#include <stdexcept>
+
+#include "vemora/embedded_server/persistent/pass/join_pass.h"
+#include "vemora/embedded_server/persistent/pass/verify_index.h"
+#include "vemora/embedded_server/persistent/pass/write_changes.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+constexpr const char* out_of_memory = "out of memory";  // short enough for a string without any
+
+thread_local Pass* open_pass = nullptr;
+
+/// Capabilities are looked at by whoever holds a camera, in a pass or after it.
+Capability_Guard capability_guard(const std::shared_ptr<Database>& database) {
+  return [database](const std::function<void()>& action) {
+    read(database, [&action](Site_Index&) { action(); });
+  };
+}
+
+}  // namespace
+
+Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode mode,
+           std::optional<std::uint64_t> server_id)
+    : database_(std::move(database)),
+      purpose_(purpose),
+      mode_(mode),
+      server_id_(server_id),
+      site_(database_->engine().odb(), capability_guard(database_)) {
+  if (open_pass != nullptr) {
+    throw std::logic_error("a pass is open on this thread already");
+  }
+  open_session();
+  open_pass = this;
+}
+
+void Pass::open_session() {
+  try {
+    session_ = engine().open_session(purpose_ == Purpose::single_read
+                                         ? Engine::Session::Access::shared
+                                         : Engine::Session::Access::exclusive);
+  } catch (const std::exception& fault) {
+    throw Database_Error(
+        fmt::format("database {}: {}", engine().location(), engine().describe(fault)));
+  }
+}
+
+Pass::~Pass() {
+  if (purpose_ == Purpose::single_write) {
+    database_->note_kept(commits_ > 0        ? Kept::everything
+                         : commit_not_known_ ? Kept::not_known
+                                             : Kept::nothing);
+  }
+  open_pass = nullptr;
+}
+
+Pass* Pass::current(const Database& database) {
+  return open_pass != nullptr && open_pass->database_.get() == &database ? open_pass : nullptr;
+}
+
+/// Whoever will write on the ground of what it reads may do so from the first statement on. A whole
+/// pass may turn out to write nothing, and keeps nobody out before it knows.
+void Pass::begin_if_necessary() {
+  if (transaction_) {
+    return;
+  }
+  // Its holder first: a transaction that nobody holds would keep its connection for ever.
+  auto transaction = std::make_unique<odb::transaction>();
+  transaction->reset(session_->begin());
+  transaction_ = std::move(transaction);
+  if (purpose_ == Purpose::single_write) {
+    session_->begin_writing();
+  }
+}
+
+void Pass::begin_writing() {
+  begin_if_necessary();
+  session_->begin_writing();
+}
+
+odb::database& Pass::odb() {
+  begin_if_necessary();
+  return engine().odb();
+}
+
+void Pass::commit() {
+  run([this](Site_Index& site) {
+    store_changes(site);
+    verify_against_database();
+  });
+}
+
+void Pass::commit_operation() {
+  try {
+    commit();
+  } catch (const Database_Error& fault) {
+    if (commit_not_known_) {
+      throw Database_Error(
+          fmt::format("{}; {}", fault.what(), fate_of("what was written", *commit_not_known_)));
+    }
+    throw;
+  }
+}
+
+void Pass::store_changes(Site_Index& site) {
+  const Site_Index::Net_Changes net = site.settle();
+  Changes changes = changes_;
+  append_changes(net, changes);
+  if (mode_ == Pass_Scope::Mode::commit) {
+    bool begun = false;
+    try {
+      require_in_place();
+      write(net);
+      begun = true;
+      session_->commit(*transaction_);
+    } catch (const std::exception& fault) {
+      lost_ = true;       // half of it may be written: it goes as a whole
+      note_fault(fault);  // as long as the connection still knows what it was
+      note_fate(fault, begun, changes);
+      transaction_.reset();
+      throw;
+    }
+    ++commits_;
+    uncommitted_ = false;
+    transaction_.reset();
+  }
+  changes_ = std::move(changes);
+  if (commits_ > 0) {
+    require_in_place();
+  }
+}
+
+/// What became of a commit, once it was `begun`, with these changes.
+void Pass::note_fate(const std::exception& fault, bool begun, Changes& changes) noexcept {
+  const auto* const not_known = dynamic_cast<const Commit_Not_Known*>(&fault);
+  if (not_known != nullptr) {
+    commit_not_known_ = not_known->known();
+  } else if (begun && dynamic_cast<const std::bad_alloc*>(&fault) != nullptr) {
+    // Without memory, the engine cannot even say that it does not know.
+    commit_not_known_ = Commit_Not_Known::Known::nothing;
+  }
+  if (commit_not_known_ == Commit_Not_Known::Known::committed_here) {
+    changes_ = std::move(changes);
+  }
+}
+
+void Pass::confirm_place() {
+  throw_if_faulty();
+  try {
+    require_in_place();
+  } catch (const Database_Error& error) {
+    note_fault(error);
+    throw Database_Error(*fault_);
+  }
+}
+
+/// Says also what became of what was committed.
+void Pass::require_in_place() {
+  try {
+    engine().require_in_place();
+  } catch (const Database_Error& error) {
+    throw Database_Error(
+        commits_ > 0 ? fmt::format("{}; what was committed went into that file", error.what())
+                     : error.what());
+  }
+}
+
+void Pass::write(const Site_Index::Net_Changes& net) {
+  if (is_empty(net)) {
+    return;
+  }
+  begin_writing();
+  write_changes(engine(), net);
+  site_.save_ids();
+  if (server_id_) {
+    claim_for(engine().odb(), *server_id_);
+  }
+}
+
+void Pass::end() {
+  if (!fault_) {
+    try {
+      commit();
+      return;
+    } catch (const std::exception&) {  // which sticks
+    }
+  }
+  // What failed behind the commit only read.
+  if (uncommitted_ && !commit_what_came_before_the_fault()) {
+    throw Database_Error(fmt::format("{}; {}", *fault_,
+                                     commit_not_known_
+                                         ? fate_of("what the pass wrote", *commit_not_known_)
+                                         : std::string("nothing that the pass wrote was kept")));
+  }
+}
+
+/// False when the database lost it.
+bool Pass::commit_what_came_before_the_fault() {
+  if (lost_ || !transaction_ || !engine().holds_transaction()) {
+    lost_ = true;
+    return false;
+  }
+  std::optional<std::string> fault = std::move(fault_);
+  fault_.reset();
+  try {
+    run([this](Site_Index& site) { store_changes(site); });
+  } catch (const std::exception&) {
+    lost_ = true;
+  }
+  fault_ = std::move(fault);
+  return !lost_;
+}
+
+/// Fails for want of memory as little as for anything else: a fault that did not stick would let
+/// the pass go on with half a site.
+void Pass::note_fault(const std::exception& fault) noexcept {
+  if (fault_) {
+    return;  // the first one, on its way out of an operation within an operation
+  }
+  const bool of_the_database = dynamic_cast<const Database_Error*>(&fault) != nullptr ||
+                               dynamic_cast<const odb::exception*>(&fault) != nullptr;
+  fault_.emplace();
+  if (!of_the_database) {
+    poison(fault.what());
+    return;
+  }
+  try {
+    fault_ = fmt::format("database {}: {}", engine().location(), engine().describe(fault));
+  } catch (const std::exception&) {
+    *fault_ = out_of_memory;
+  }
+}
+
+/// What failed was no operation of the database, so the site in memory may be half changed.
+void Pass::poison(const char* reason) noexcept {
+  lost_ = true;
+  try {
+    fault_ = reason;
+  } catch (const std::bad_alloc&) {
+    fault_.emplace(out_of_memory);
+  }
+  transaction_.reset();
+}
+
+void Pass::throw_if_faulty() const {
+  if (fault_) {
+    throw Database_Error(*fault_);
+  }
+}
+
+void Pass::verify_against_database() {
+#ifndef NDEBUG
+  if (purpose_ == Purpose::whole_pass && mode_ == Pass_Scope::Mode::commit) {
+    verify_index(*session_, engine().odb(), site_);
+  }
+#endif
+}
+
+}  // namespace kuv::vemora::embedded_server

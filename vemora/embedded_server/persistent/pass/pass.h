@@ -1,0 +1,125 @@
+#pragma once
+
+#include "vemora/platform/odb_runtime.h"
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <odb/transaction.hxx>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/engine/commit_not_known.h"
+#include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/index/site_index.h"
+#include "vemora/embedded_server/persistent/pass_scope.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// One transaction and the site as it is seen in it; what Pass_Scope and every single operation are
+/// made of.
+class Pass {
+ public:
+  enum class Purpose {
+    whole_pass,    ///< keeps other passes out, and is told when its last write is done
+    single_write,  ///< keeps other passes out
+    single_read,
+  };
+
+  /// One at a time on a thread, over whatever database: throws std::logic_error otherwise.
+  Pass(std::shared_ptr<Database> database, Purpose purpose,
+       Pass_Scope::Mode mode = Pass_Scope::Mode::commit,
+       std::optional<std::uint64_t> server_id = std::nullopt);
+  ~Pass();
+  Pass(const Pass&) = delete;
+  Pass& operator=(const Pass&) = delete;
+
+  /// The one that is open over this database on this thread; null when there is none.
+  static Pass* current(const Database& database);
+
+  Purpose purpose() const { return purpose_; }
+
+  /// Runs an operation on the site. A fault in it sticks: it is thrown as Database_Error, and by
+  /// every operation from then on.
+  template <class Operation>
+  auto run(Operation operation) {
+    throw_if_faulty();
+    try {
+      begin_if_necessary();
+      return operation(site_);
+    } catch (const std::exception& fault) {
+      note_fault(fault);
+      throw Database_Error(*fault_);
+    } catch (...) {
+      poison("an unknown failure");
+      throw;
+    }
+  }
+
+  /// Waits until other programs let this one write, in a transaction of its own as well.
+  void begin_writing();
+
+  /// Writes what changed and commits it.
+  void commit();
+
+  /// The same at the end of a single operation: a fault says what became of the commit.
+  void commit_operation();
+
+  /// Commits what a pass that failed had done until then. Throws when the database lost that.
+  void end();
+
+  /// To be called before success is told: a database that is not there any more is a fault too.
+  void confirm_place();
+
+  /// To be called by each operation that writes.
+  void note_write() { uncommitted_ = true; }
+
+  /// Of a commit that nobody can know the fate of, what is known all the same; nothing where there
+  /// was none.
+  const std::optional<Commit_Not_Known::Known>& commit_not_known() const {
+    return commit_not_known_;
+  }
+
+  /// How many commits were carried out.
+  int commits() const noexcept { return commits_; }
+
+  const Changes& changes() const { return changes_; }
+  const std::optional<std::string>& fault() const { return fault_; }
+
+  Engine& engine() { return database_->engine(); }
+
+  /// The database itself, with a transaction begun.
+  odb::database& odb();
+
+ private:
+  void open_session();
+  void begin_if_necessary();
+  void store_changes(Site_Index& site);
+  void write(const Site_Index::Net_Changes& net);
+  void require_in_place();
+  bool commit_what_came_before_the_fault();
+  void note_fate(const std::exception& fault, bool begun, Changes& changes) noexcept;
+  void note_fault(const std::exception& fault) noexcept;
+  void poison(const char* reason) noexcept;
+  void throw_if_faulty() const;
+  void verify_against_database();
+
+  std::shared_ptr<Database> database_;
+  Purpose purpose_;
+  Pass_Scope::Mode mode_;
+  std::optional<std::uint64_t> server_id_;
+  std::unique_ptr<Engine::Session> session_;
+  std::unique_ptr<odb::transaction> transaction_;
+  Site_Index site_;
+  Changes changes_;
+  std::optional<std::string> fault_;
+  int commits_ = 0;
+  std::optional<Commit_Not_Known::Known> commit_not_known_;
+  bool lost_ = false;        ///< what was done cannot be committed any more
+  bool uncommitted_ = true;  ///< something may have been done since the last commit
+};
+
+}  // namespace kuv::vemora::embedded_server

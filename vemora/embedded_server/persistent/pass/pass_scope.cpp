@@ -1,0 +1,125 @@
+#include "vemora/embedded_server/persistent/pass_scope.h"
+
+#include <fmt/format.h>
+
+#include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/pass/documents.h"
+#include "vemora/embedded_server/persistent/pass/pass.h"
+#include "vemora/embedded_server/persistent/pass/pending_cameras.h"
+#include "vemora/embedded_server/persistent/pass/write_changes.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// What the scope keeps beside the pass itself.
+class Pass_Scope::State {
+ public:
+  State(std::shared_ptr<Database> database, std::uint64_t id, Mode chosen)
+      : server_id(id),
+        mode(chosen),
+        pass(std::move(database),
+             chosen == Mode::read_only ? Pass::Purpose::single_read : Pass::Purpose::whole_pass,
+             chosen, id) {}
+
+  /// Asked first, so that what is stored already keeps nobody out.
+  bool changes_by_storing(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
+    bool changes = false;
+    pass.run([&](Site_Index&) {
+      changes = !are_stored(pass.odb(), accepted) || are_pending(pass.engine(), reconciled) ||
+                !is_claimed(pass.odb());
+    });
+    pass.commit();
+    return changes;
+  }
+
+  std::uint64_t server_id;
+  Mode mode;
+  Pass pass;
+  Documents documents;
+  bool has_nothing_to_store = false;
+  int commits_before_storing = -1;  ///< of the pass; negative as long as nothing is to be stored
+};
+
+Pass_Scope::Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_id, Mode mode)
+    : state_(std::make_unique<State>(std::move(database), server_id, mode)) {
+  state_->pass.run([this](Site_Index&) {
+    require_owner(state_->pass.odb(), state_->server_id);
+    state_->documents = load_documents(state_->pass.odb());
+  });
+}
+
+Pass_Scope::~Pass_Scope() = default;
+
+const Documents& Pass_Scope::documents() const {
+  return state_->documents;
+}
+
+void Pass_Scope::end() {
+  state_->pass.end();
+}
+
+const std::optional<std::string>& Pass_Scope::fault() const {
+  return state_->pass.fault();
+}
+
+Kept Pass_Scope::kept() const noexcept {
+  const Pass& pass = state_->pass;
+  const bool has_stored =
+      state_->commits_before_storing >= 0 && pass.commits() > state_->commits_before_storing;
+  if (has_stored || state_->has_nothing_to_store) {
+    return Kept::everything;
+  }
+  if (pass.commits() > 0) {
+    return pass.commit_not_known() ? Kept::records_perhaps_more : Kept::records;
+  }
+  return pass.commit_not_known() ? Kept::not_known : Kept::nothing;
+}
+
+bool Pass_Scope::changes_are_known() const {
+  return state_->pass.commit_not_known() != Commit_Not_Known::Known::nothing;
+}
+
+const Changes& Pass_Scope::changes() const {
+  return state_->pass.changes();
+}
+
+std::set<std::uint64_t> Pass_Scope::pending_cameras() {
+  std::set<std::uint64_t> ids;
+  state_->pass.run([this, &ids](Site_Index&) { ids = load_pending(state_->pass.engine()); });
+  state_->pass.commit();  // what is stored next must not stand on what was read here
+  return ids;
+}
+
+void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
+  const bool nothing = !accepted.config && !accepted.mapping && reconciled.empty();
+  if (state_->mode != Mode::commit) {
+    return;
+  }
+  if (nothing || !state_->changes_by_storing(accepted, reconciled)) {
+    state_->pass.confirm_place();
+    state_->has_nothing_to_store = true;
+    return;
+  }
+  state_->pass.run([&](Site_Index&) {
+    state_->pass.begin_writing();
+    store_documents(state_->pass.odb(), accepted);
+    strike_out_pending(state_->pass.engine(), reconciled);
+    claim_for(state_->pass.odb(), state_->server_id);
+  });
+  state_->commits_before_storing = state_->pass.commits();
+  try {
+    state_->pass.commit();
+  } catch (const Database_Error& error) {
+    const auto& not_known = state_->pass.commit_not_known();
+    if (!not_known) {
+      throw;
+    }
+    throw Database_Error(fmt::format(
+        *not_known == Commit_Not_Known::Known::nothing
+            ? "{}; it is not known whether the documents were stored"
+            : "{}; the documents are stored on this server, and it is not known whether a standby "
+              "has them",
+        error.what()));
+  }
+}
+
+}  // namespace kuv::vemora::embedded_server

@@ -1,0 +1,36 @@
+#include "vemora/trigger_parser/faults.h"
+
+#include "vemora/trigger_parser/validation.h"
+
+namespace kuv::vemora {
+
+std::size_t offset_of(const Json::Value& value) {
+  return static_cast<std::size_t>(value.getOffsetStart());
+}
+
+bool Faults::tell(const std::string& message, std::optional<std::size_t> offset) {
+  ++count_;
+  if (sink_ == nullptr) {
+    return false;
+  }
+  const auto index = index_ == no_element ? std::nullopt : std::make_optional(index_);
+  // As an exception says it, whose text ends with the first NUL: a tag's name may hold one.
+  return sink_->take({message.c_str(), offset, index, id_});
+}
+
+void Faults::add(const Json::Value& value, const std::string& message) {
+  if (!tell(message, offset_of(value))) {
+    raise_validation_error(message);
+  }
+}
+
+void Faults::add_literal(const Json::Value& value, const char* message) {
+  add(value, message);
+}
+
+void Faults::add_literal(const Member& member, const char* message) {
+  const bool is_there = &member.value != &Json::Value::nullSingleton();
+  add(is_there ? member.value : member.owner, message);
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,95 @@
+#include "vemora/trigger_parser/parse_activity_duration.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "vemora/trigger_parser/find_members.h"
+
+namespace kuv::vemora {
+namespace {
+
+struct Limits {
+  std::uint32_t least;
+  std::uint32_t most;
+};
+
+constexpr Limits min_duration_limits{1000, 28800000};  // 1 s to 8 h, in milliseconds
+constexpr Limits dropout_limits{1000, 600000};         // 1 s to 10 min, in milliseconds
+
+std::chrono::microseconds checked_duration(const Json::Value& value, const Limits& limits,
+                                           const char* key, Faults& faults) {
+  const std::uint32_t milliseconds = value.asUInt();
+  if (milliseconds < limits.least || milliseconds > limits.most) {
+    faults.add(value, fmt::format("\"activityDuration.{}\" must be between {} and {}.", key,
+                                  limits.least, limits.most));
+  }
+  return std::chrono::milliseconds(milliseconds);
+}
+
+/// For a mode that is none, the one that asks for least: nobody knows what was meant, and nothing
+/// shall be missed that the right one may do without.
+Activity_Duration_Mode parse_mode(const Json::Value& mode, Faults& faults) {
+  if (mode.isNull()) {
+    return Activity_Duration_Mode::object_presence;
+  }
+  if (!faults.require(mode.isString(), mode, "\"activityDuration.mode\" must be a string.")) {
+    return Activity_Duration_Mode::object_track;
+  }
+  const std::string name = mode.asString();
+  if (name == "object-presence") {
+    return Activity_Duration_Mode::object_presence;
+  }
+  faults.require(name == "object-track", mode,
+                 "\"activityDuration.mode\" must be \"object-presence\" or \"object-track\".");
+  return Activity_Duration_Mode::object_track;
+}
+
+std::chrono::microseconds parse_min_duration(const Member& duration, Faults& faults) {
+  // Zero is what a form sends that was left empty, so it counts as missing and not as too short.
+  const bool given = duration.value.isUInt() && duration.value.asUInt() != 0;
+  return faults.require(given, duration,
+                        "\"activityDuration.minDurationMs\" is missing or invalid.")
+             ? checked_duration(duration.value, min_duration_limits, "minDurationMs", faults)
+             : std::chrono::microseconds::zero();
+}
+
+/// A track needs no dropout: the object stays the same when it is out of sight for a while.
+/// Presence does, since every frame is asked anew.
+std::chrono::microseconds parse_dropout(const Member& dropout, Activity_Duration_Mode mode,
+                                        Faults& faults) {
+  if (dropout.value.isNull()) {
+    faults.require(mode == Activity_Duration_Mode::object_track, dropout,
+                   "\"activityDuration.dropoutMs\" is missing or invalid.");
+    return std::chrono::microseconds::zero();
+  }
+  return faults.require(dropout.value.isUInt(), dropout,
+                        "\"activityDuration.dropoutMs\" must be an unsigned integer.")
+             ? checked_duration(dropout.value, dropout_limits, "dropoutMs", faults)
+             : std::chrono::microseconds::zero();
+}
+
+}  // namespace
+
+std::optional<Activity_Duration> parse_activity_duration(const Json::Value& activity,
+                                                         Trigger_Source_Type source_type,
+                                                         Faults& faults) {
+  if (activity.isNull() || !faults.require(activity.isObject(), activity,
+                                           "\"activityDuration\" must be a JSON object.")) {
+    return std::nullopt;
+  }
+  const auto [mode, min_duration, dropout] =
+      find_members(activity, "mode", "minDurationMs", "dropoutMs");
+  Activity_Duration parsed;
+  parsed.mode = parse_mode(*mode, faults);
+  if (source_type == Trigger_Source_Type::motion_detection) {
+    parsed.mode = Activity_Duration_Mode::object_presence;  // motion has no track to follow
+  }
+  parsed.min_duration = parse_min_duration({*min_duration, activity}, faults);
+  parsed.dropout = parse_dropout({*dropout, activity}, parsed.mode, faults);
+  return parsed;
+}
+
+}  // namespace kuv::vemora

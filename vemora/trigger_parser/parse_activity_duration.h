@@ -1,0 +1,17 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <optional>
+
+#include "vemora/trigger_parser/faults.h"
+#include "vemora/trigger_parser/trigger_config.h"
+
+namespace kuv::vemora {
+
+/// The "activityDuration" of a source of that type; nothing when it is null or absent.
+std::optional<Activity_Duration> parse_activity_duration(const Json::Value& activity,
+                                                         Trigger_Source_Type source_type,
+                                                         Faults& faults);
+
+}  // namespace kuv::vemora

@@ -1,0 +1,31 @@
+#include "vemora/trigger_parser/parse_ids.h"
+
+#include "vemora/platform/utils/json.h"
+
+namespace kuv::vemora {
+namespace {
+
+/// Asks who judged the array about each of its elements.
+void tell_wrong_elements(const Json::Value& array, const char* message, Faults& faults) {
+  const std::size_t before = faults.count();
+  for (const Json::Value& element : array) {
+    Json::Value alone(Json::arrayValue);
+    alone.append(element);
+    std::vector<std::uint64_t> ids;
+    faults.require(kuv::utils::transform_json_array(alone, ids), element, message);
+  }
+  faults.require(faults.count() > before, array, message);  // of each alone nothing was said
+}
+
+}  // namespace
+
+std::vector<std::uint64_t> parse_ids(const Json::Value& array, const char* message,
+                                     Faults& faults) {
+  std::vector<std::uint64_t> ids;
+  if (!kuv::utils::transform_json_array(array, ids)) {
+    tell_wrong_elements(array, message, faults);
+  }
+  return ids;
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,146 @@
+#include "vemora/trigger_parser/parse_sources.h"
+
+#include <locale>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "vemora/platform/database_enums.h"
+#include "vemora/trigger_parser/find_members.h"
+#include "vemora/trigger_parser/parse_activity_duration.h"
+
+namespace kuv::vemora {
+namespace {
+
+using Letters = std::ctype<char>;
+
+/// A type that this server does not know is no fault: configurations are shared with newer servers,
+/// and the source is theirs.
+std::optional<Trigger_Source_Type> parse_type(const Member& type, const Letters& letters,
+                                              Faults& faults) {
+  if (!faults.require(type.value.isString(), type,
+                      "\"type\" field is missing or invalid for source.")) {
+    return std::nullopt;
+  }
+  std::string name = type.value.asString();
+  for (char& character : name) {
+    character = letters.tolower(character);
+  }
+  try {
+    return Database_Enums::convert<Trigger_Source_Type>(name);
+  } catch (...) {
+    return std::nullopt;
+  }
+}
+
+/// Leaves nothing when it is no topic.
+void parse_onvif_topic(const Member& topic, std::optional<std::string>& parsed, Faults& faults) {
+  if (!faults.require(topic.value.isString(), topic,
+                      "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.")) {
+    return;
+  }
+  parsed = topic.value.asString();
+  if (!faults.require(
+          !parsed->empty(), topic,
+          "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")) {
+    parsed.reset();
+  }
+}
+
+/// Empty when it is none.
+std::string parse_object_type(const Member& type, Faults& faults) {
+  std::string parsed;
+  if (faults.require(type.value.isString(), type,
+                     "An object-detection source has a missing or invalid object type.")) {
+    parsed = type.value.asString();
+    faults.require(!parsed.empty(), type,
+                   "An object-detection source has an empty object type specified.");
+  }
+  return parsed;
+}
+
+/// Leaves nothing when it has no object type.
+void parse_search_item(const Member& item, std::optional<Object_Search_Item>& parsed,
+                       Faults& faults) {
+  // The quote at the end belongs to the message: operators' tools look for this very text.
+  if (!faults.require(item.value.isObject(), item,
+                      "\"searchItem\" object is missing or invalid.\"")) {
+    return;
+  }
+  const auto [type, motion_required] = find_members(item.value, "type", "motionRequired");
+  parsed.emplace();
+  parsed->object_type = parse_object_type({*type, item.value}, faults);
+  if (motion_required != &Json::Value::nullSingleton()) {  // a null that is there is no flag
+    parsed->motion_required =
+        faults.require(motion_required->isBool(), *motion_required,
+                       "An object-detection source has an invalid \"motionRequired\" field.") &&
+        motion_required->asBool();
+  }
+  if (parsed->object_type.empty()) {
+    parsed.reset();
+  }
+}
+
+/// Whether it can be told which other source this one would be the same as.
+bool is_comparable(const Trigger_Source& source) {
+  switch (source.type) {
+    case Trigger_Source_Type::onvif_metadata:
+      return source.onvif_topic.has_value();
+    case Trigger_Source_Type::object_detection:
+      return source.search_item.has_value();
+    default:
+      return true;
+  }
+}
+
+/// One source; nothing when it is dropped, and when it is too faulty to be compared with others.
+std::optional<Trigger_Source> parse_source(const Json::Value& source, const Letters& letters,
+                                           Faults& faults) {
+  std::optional<Trigger_Source> parsed;
+  if (!faults.require(source.isObject(), source, "\"sources\" must be an array of JSON objects.")) {
+    return parsed;
+  }
+  const auto [type_name, topic, item, duration] =
+      find_members(source, "type", "onvifTopic", "searchItem", "activityDuration");
+  const std::optional<Trigger_Source_Type> type = parse_type({*type_name, source}, letters, faults);
+  if (!type || *type == Trigger_Source_Type::external) {
+    return parsed;  // external sources fire by themselves, there is nothing to subscribe to
+  }
+  parsed.emplace();
+  parsed->type = *type;
+  if (*type == Trigger_Source_Type::onvif_metadata) {
+    parse_onvif_topic({*topic, source}, parsed->onvif_topic, faults);
+  } else if (*type == Trigger_Source_Type::object_detection) {
+    parse_search_item({*item, source}, parsed->search_item, faults);
+    parsed->activity_duration = parse_activity_duration(*duration, *type, faults);
+  } else if (*type == Trigger_Source_Type::motion_detection) {
+    parsed->activity_duration = parse_activity_duration(*duration, *type, faults);
+  }
+  if (!is_comparable(*parsed)) {
+    parsed.reset();
+  }
+  return parsed;
+}
+
+}  // namespace
+
+std::set<Trigger_Source> parse_sources(const Member& sources, Faults& faults) {
+  std::set<Trigger_Source> parsed;
+  if (!faults.require(sources.value.isArray(), sources,
+                      "\"sources\" array is missing or invalid.") ||
+      !faults.require(!sources.value.empty(), sources, "\"sources\" array is empty.")) {
+    return parsed;
+  }
+  const std::locale locale;
+  const auto& letters = std::use_facet<Letters>(locale);
+  for (const Json::Value& element : sources.value) {
+    std::optional<Trigger_Source> source = parse_source(element, letters, faults);
+    if (source) {
+      faults.require(parsed.insert(std::move(*source)).second, element,
+                     "Duplicate entry in \"sources\" detected.");
+    }
+  }
+  return parsed;
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <set>
+
+#include "vemora/trigger_parser/faults.h"
+#include "vemora/trigger_parser/trigger_config.h"
+
+namespace kuv::vemora {
+
+/// The sources of a trigger from its "sources" array; empty when each of them was dropped.
+std::set<Trigger_Source> parse_sources(const Member& sources, Faults& faults);
+
+}  // namespace kuv::vemora

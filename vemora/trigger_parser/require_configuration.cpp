@@ -1,0 +1,10 @@
+#include "vemora/trigger_parser/require_configuration.h"
+
+namespace kuv::vemora {
+
+bool require_configuration(const Json::Value& document, Faults& faults) {
+  return faults.require(document.isObject(), document,
+                        "Trigger configuration must be a JSON object.");
+}
+
+}  // namespace kuv::vemora

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <json/value.h>
+
+#include "vemora/trigger_parser/faults.h"
+
+namespace kuv::vemora {
+
+/// Whether a trigger configuration document is one at all, that is, has keys.
+bool require_configuration(const Json::Value& document, Faults& faults);
+
+}  // namespace kuv::vemora

@@ -1,0 +1,14 @@
+#include "vemora/trigger_parser/validation.h"
+
+#include <stdexcept>
+
+#include "vemora/platform/errors/error_codes.h"
+#include "vemora/platform/errors/vemora_error.h"
+
+namespace kuv::vemora {
+
+void raise_validation_error(const std::string& message) {
+  throw Backend_Error<std::runtime_error>(message, error_codes::invalid_document);
+}
+
+}  // namespace kuv::vemora
