@@ -1,5 +1,7 @@
 #include "vemora/trigger_parser/faults.h"
 
+#include <utility>
+
 #include "vemora/trigger_parser/validation.h"
 
 namespace kuv::vemora {
@@ -15,7 +17,8 @@ bool Faults::tell(const std::string& message, std::optional<std::size_t> offset)
   }
   const auto index = index_ == no_element ? std::nullopt : std::make_optional(index_);
   // As an exception says it, whose text ends with the first NUL: a tag's name may hold one.
-  return sink_->take({message.c_str(), offset, index, id_});
+  std::string said = message.substr(0, message.find('\0'));
+  return sink_->take({std::move(said), offset, index, id_});
 }
 
 void Faults::add(const Json::Value& value, const std::string& message) {

@@ -6,7 +6,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "vemora/embedded_server/persistent/inventory.h"
 
@@ -27,9 +26,8 @@ class Stored_Texts {
     }
   }
 
-  std::unordered_map<std::uint64_t, Objections> objections(
-      const std::shared_ptr<Database>& database) const {
-    std::unordered_map<std::uint64_t, Objections> found;
+  std::map<std::uint64_t, Objections> objections(const std::shared_ptr<Database>& database) const {
+    std::map<std::uint64_t, Objections> found;
     for (const Unstorable_Text& text : unstorable_texts(database, texts_)) {
       found[ids_[text.place]].emplace(texts_[text.place], text.why);
     }

@@ -40,7 +40,7 @@ std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_
 
 std::string sqlite_path_of(const std::string& location) {
   const bool prefixed = location.compare(0, sqlite_prefix.size(), sqlite_prefix) == 0;
-  const std::string path = prefixed ? location.substr(sqlite_prefix.size()) : location;
+  std::string path = prefixed ? location.substr(sqlite_prefix.size()) : location;
   if (path.empty()) {
     throw Database_Error("no database named");
   }
