@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <initializer_list>
 #include <iostream>
@@ -29,7 +30,7 @@ class Arguments {
   int count() const { return count_; }
   char** texts() const { return texts_; }
 
-  bool hold(std::string_view wanted) const {
+  bool hold(std::string_view wanted) const noexcept {
     return std::any_of(texts_, texts_ + count_,
                        [&](const char* text) { return std::string_view(text) == wanted; });
   }
@@ -64,13 +65,51 @@ Exit_Status run(const Invocation& call, Outcome_Output& output) {
   }
 }
 
+void tell_out_of_memory(const Arguments& arguments) noexcept {
+  print_out_of_memory(arguments.hold("--json"),
+                      arguments.hold("apply") || arguments.hold("refresh"), stored_note());
+}
+
+/// CLI11 copies names in functions that promise not to throw: where there is no memory for that,
+/// the program would be aborted. As long as this lives, nothing has been done yet, and that is
+/// said.
+class Understanding {
+ public:
+  explicit Understanding(const Arguments& arguments) : before_(std::set_terminate(&give_up)) {
+    arguments_ = &arguments;
+  }
+  ~Understanding() { std::set_terminate(before_); }
+  Understanding(const Understanding&) = delete;
+  Understanding& operator=(const Understanding&) = delete;
+
+ private:
+  [[noreturn]] static void give_up() {
+    try {
+      std::rethrow_exception(std::current_exception());
+    } catch (const std::bad_alloc&) {
+      tell_out_of_memory(*arguments_);
+      std::_Exit(exit_failed);
+    } catch (...) {
+      std::abort();
+    }
+  }
+
+  static inline const Arguments* arguments_ = nullptr;
+  std::terminate_handler before_;
+};
+
+void understand(CLI::App& app, const Arguments& arguments) {
+  const Understanding in_progress(arguments);
+  app.parse(arguments.count(), arguments.texts());
+}
+
 Exit_Status understand_and_run(const Arguments& arguments, Outcome_Output& output) {
   CLI::App app("Runs the triggers of a video-management server on a database of its own.",
                "vemora-triggers");
   Invocation call;
   describe_command_line(app, call);
   try {
-    app.parse(arguments.count(), arguments.texts());
+    understand(app, arguments);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {  // --help, --version
       app.exit(error, std::cout, std::cerr);
@@ -85,8 +124,7 @@ Exit_Status understand_and_run(const Arguments& arguments, Outcome_Output& outpu
 /// There is no memory, or none for saying what else is wrong.
 Exit_Status give_up(const Arguments& arguments, Outcome_Output& output) noexcept {
   output.discard();
-  print_out_of_memory(arguments.hold("--json"),
-                      arguments.hold("apply") || arguments.hold("refresh"), stored_note());
+  tell_out_of_memory(arguments);
   return exit_failed;
 }
 

@@ -41,19 +41,22 @@ class Allocations_Test(unittest.TestCase):
     def test_no_allocation_succeeds_from_some_point_on(self):
         self.try_every_point(for_good=True)
 
-    def try_every_point(self, for_good):
-        cases = [case for case in self.campaign.cases() if re.search(CASES, case.name)]
+    def test_one_failed_allocation_while_the_command_line_is_understood(self):
+        self.try_every_point(for_good=False, cases="^apply, with a log$", stride=1, most=900)
+
+    def try_every_point(self, for_good, cases=CASES, stride=STRIDE, most=None):
+        cases = [case for case in self.campaign.cases() if re.search(cases, case.name)]
         for case in cases:
             self.campaign.prepare(case)
             self.assertGreater(case.undisturbed.by_operator_new, 300)
             self.assertGreater(case.undisturbed.allocations, case.undisturbed.by_operator_new)
         points = sum(case.undisturbed.allocations for case in cases)
-        stride = STRIDE or max(1, points // POINTS_OF_A_SHORT_RUN)
+        stride = stride or max(1, points // POINTS_OF_A_SHORT_RUN)
         total = collections.Counter()
         for case in cases:
             # Behind the last one nothing fails, which shows that the end was reached.
             last = case.undisturbed.allocations + 1
-            numbers = [*range(FIRST, last, stride), last]
+            numbers = [*range(FIRST, min(last, most or last), stride), last]
             tally = self.campaign.run(
                 case, ((number, Fault(ALLOCATION, number, for_good)) for number in numbers), self.report)
             self.assertGreater(tally["beyond the end"], 0)

@@ -54,6 +54,14 @@ bool is_unreadable(const SQLite_Fault& fault) {
                                : sqlite3_errstr(code));
 }
 
+/// Where it has no memory for the name, SQLite attaches an empty database instead.
+void require_name_of_attached(SQLite_Handle& coming) {
+  const char* const name = sqlite3_db_filename(coming.get(), "before");
+  if (name == nullptr || *name == '\0') {
+    fail(SQLITE_NOMEM);
+  }
+}
+
 [[noreturn]] void fail_not_knowing(int code) {
   throw Commit_Not_Known(
       fmt::format("{}; it is not known whether the backup was restored", sqlite3_errstr(code)));
@@ -100,6 +108,7 @@ void Replaced_Site::note_pending_cameras(SQLite_Handle& coming) {
 /// False where the site that goes cannot be read.
 bool Replaced_Site::note_different(SQLite_Handle& coming) {
   coming.run_with("ATTACH ? AS before", real_path(path_));
+  require_name_of_attached(coming);
   try {
     coming.run(note_different_cameras);
   } catch (const SQLite_Fault& fault) {
