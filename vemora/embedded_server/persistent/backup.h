@@ -1,11 +1,10 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
-#include <set>
 #include <string>
 
+#include "vemora/embedded_server/persistent/copied_site.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/platform/export.h"
 
@@ -15,24 +14,6 @@ namespace kuv::vemora::embedded_server {
 class VEMORA_API Not_In_A_File : public Database_Error {
  public:
   using Database_Error::Database_Error;
-};
-
-/// The disk failed in the commit of a restore: the site is the one before or that of the backup.
-class VEMORA_API Restore_Not_Known : public Database_Error {
- public:
-  using Database_Error::Database_Error;
-};
-
-/// What a copy of a site holds.
-struct Site_Counts {
-  std::uint64_t triggers = 0;
-  std::uint64_t subscriptions = 0;
-  std::uint64_t cameras = 0;
-};
-
-struct Restored_Site {
-  Site_Counts counts;
-  std::set<std::uint64_t> pending_cameras;  ///< to be reconciled by the next pass
 };
 
 /// Writes the site into a file of its own, which can be moved and copied like any other: nothing

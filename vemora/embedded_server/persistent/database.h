@@ -9,6 +9,7 @@
 
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/kept.h"
+#include "vemora/embedded_server/persistent/open_mode.h"
 #include "vemora/platform/export.h"
 #include "vemora/platform/repositories/repository.h"
 
@@ -19,11 +20,7 @@ class Engine;
 /// The database of one site. Shared by everything that works on it; may be used from any thread.
 class VEMORA_API Database : public std::enable_shared_from_this<Database> {
  public:
-  enum class Open_Mode {
-    existing,          ///< must be a database of ours; a fault otherwise
-    as_found,          ///< may hold no site yet, see holds_site(); null where there is no file
-    create_if_absent,  ///< makes an empty one where there is nothing yet
-  };
+  using Open_Mode = embedded_server::Open_Mode;
 
   /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH", or
   /// "postgresql://USER@HOST:PORT/DATABASE?schema=NAME". `lock_wait` bounds every wait for another
@@ -32,7 +29,6 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
       const std::string& location, Open_Mode mode = Open_Mode::existing,
       std::chrono::milliseconds lock_wait = std::chrono::seconds(30));
 
-  explicit Database(std::unique_ptr<Engine> engine, bool holds_site = true);
   ~Database();
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
@@ -56,6 +52,8 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   Engine& engine() { return *engine_; }
 
  private:
+  Database(std::unique_ptr<Engine> engine, bool holds_site);
+
   std::unique_ptr<Engine> engine_;
   bool holds_site_;
   std::atomic<Kept> kept_ = Kept::nothing;

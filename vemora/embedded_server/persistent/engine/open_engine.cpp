@@ -7,7 +7,9 @@
 #include <string_view>
 #include <system_error>
 
+#include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_engine.h"
+#include "vemora/embedded_server/persistent/engine/postgresql_location.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_engine.h"
 
 namespace kuv::vemora::embedded_server {
@@ -22,13 +24,13 @@ bool is_absent(const std::string& path) {
 
 }  // namespace
 
-std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_Mode mode,
+std::unique_ptr<Engine> open_engine(const std::string& location, Open_Mode mode,
                                     std::chrono::milliseconds lock_wait) {
   if (is_postgresql_location(location)) {
     return std::make_unique<PostgreSQL_Engine>(location, lock_wait);
   }
   const std::string path = sqlite_path_of(location);
-  if (mode == Database::Open_Mode::as_found && is_absent(path)) {
+  if (mode == Open_Mode::as_found && is_absent(path)) {
     return nullptr;
   }
   try {

@@ -4,13 +4,13 @@
 #include <memory>
 #include <string>
 
-#include "vemora/embedded_server/persistent/database.h"
 #include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/open_mode.h"
 
 namespace kuv::vemora::embedded_server {
 
 /// The engine that a location names; null where the mode allows for that. Throws Database_Error.
-std::unique_ptr<Engine> open_engine(const std::string& location, Database::Open_Mode mode,
+std::unique_ptr<Engine> open_engine(const std::string& location, Open_Mode mode,
                                     std::chrono::milliseconds lock_wait);
 
 /// The path of the SQLite file that a location names. Throws Database_Error where it names none.

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "vemora/embedded_server/persistent/backup.h"
+#include "vemora/embedded_server/persistent/copied_site.h"
 
 namespace kuv::vemora::embedded_server {
 

@@ -25,13 +25,13 @@ namespace {
 // most nine bytes in the head of a row, and eight more when it is a number.
 constexpr std::size_t numbers_of_a_row = 160;
 
-void require_file(const std::string& path, Database::Open_Mode mode) {
+void require_file(const std::string& path, Open_Mode mode) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   if (std::filesystem::is_directory(status)) {
     throw Database_Error(fmt::format("{} is a directory, not a database", path));
   }
-  if (mode == Database::Open_Mode::existing && !std::filesystem::exists(status)) {
+  if (mode == Open_Mode::existing && !std::filesystem::exists(status)) {
     throw Database_Error(fmt::format("there is no database {}; \"init\" makes one", path));
   }
 }
@@ -42,13 +42,13 @@ sqlite3* current_handle() {
 
 }  // namespace
 
-SQLite_Engine::SQLite_Engine(const std::string& path, Database::Open_Mode mode,
+SQLite_Engine::SQLite_Engine(const std::string& path, Open_Mode mode,
                              std::chrono::milliseconds lock_wait)
     : path_(path), files_(path), lock_wait_(lock_wait) {
   require_file(path, mode);
   // Foreign keys are not declared, see the schema, and a cache of its own keeps a connection clear
   // of the table locks that shared ones have.
-  const int create = mode == Database::Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
+  const int create = mode == Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
   const int access = files_.is_read_only() ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI
                                            : SQLITE_OPEN_READWRITE | create;
   database_ = std::make_unique<odb::sqlite::database>(

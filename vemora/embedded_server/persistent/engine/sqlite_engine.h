@@ -4,10 +4,10 @@
 #include <memory>
 #include <string>
 
-#include "vemora/embedded_server/persistent/database.h"
 #include "vemora/embedded_server/persistent/engine/engine.h"
 #include "vemora/embedded_server/persistent/engine/odb_row_writer.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_files.h"
+#include "vemora/embedded_server/persistent/open_mode.h"
 
 namespace odb::sqlite {
 class database;
@@ -18,8 +18,7 @@ namespace kuv::vemora::embedded_server {
 /// One file, no server. Processes queue up at a lock file beside it.
 class SQLite_Engine : public Engine {
  public:
-  SQLite_Engine(const std::string& path, Database::Open_Mode mode,
-                std::chrono::milliseconds lock_wait);
+  SQLite_Engine(const std::string& path, Open_Mode mode, std::chrono::milliseconds lock_wait);
   ~SQLite_Engine() override;
 
   odb::database& odb() override;

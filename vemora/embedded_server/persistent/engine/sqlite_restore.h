@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vemora/embedded_server/persistent/backup.h"
+#include "vemora/embedded_server/persistent/copied_site.h"
 
 namespace kuv::vemora::embedded_server {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vemora/embedded_server/persistent/backup.h"
+#include "vemora/embedded_server/persistent/copied_site.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_handle.h"
 
 namespace kuv::vemora::embedded_server {

@@ -35,4 +35,14 @@ auto write(const std::shared_ptr<Database>& database, Operation operation) {
   }
 }
 
+/// Runs the last write of a pass and commits the pass with it: what is told to the capture manager
+/// and the pusher after that is stored. On its own it is like any other.
+template <class Operation>
+void write_and_commit_pass(const std::shared_ptr<Database>& database, Operation operation) {
+  write(database, std::move(operation));
+  if (Pass* const pass = Pass::current(*database)) {
+    pass->commit();
+  }
+}
+
 }  // namespace kuv::vemora::embedded_server

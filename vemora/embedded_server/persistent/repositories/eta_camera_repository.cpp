@@ -33,12 +33,10 @@ class Stored_ETA_Cameras : public ETA_Camera_Repository {
     return read(database_, [](Site_Index& site) { return site.eta_cameras().all(); });
   }
 
-  /// The last write of a pass: what is told to anybody after it must be committed.
+  /// The trigger manager calls this after all its other writes.
   void delete_stale() override {
-    write(database_, [](Site_Index& site) { site.eta_cameras().delete_without_triggers(); });
-    if (Pass* const pass = Pass::current(*database_)) {
-      pass->commit();
-    }
+    write_and_commit_pass(database_,
+                          [](Site_Index& site) { site.eta_cameras().delete_without_triggers(); });
   }
 
  private:

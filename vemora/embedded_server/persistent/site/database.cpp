@@ -31,12 +31,12 @@ void migrate(Engine& engine) {
 }
 
 /// Whether the database holds a site, when all is done that the mode asks for.
-bool find_site(Engine& engine, Database::Open_Mode mode) {
+bool find_site(Engine& engine, Open_Mode mode) {
   const std::optional<std::int32_t> version = known_version(engine);
-  if (!version && mode == Database::Open_Mode::existing) {
+  if (!version && mode == Open_Mode::existing) {
     throw Database_Error("it holds no site; \"init\" makes one");
   }
-  if (!version && mode == Database::Open_Mode::as_found) {
+  if (!version && mode == Open_Mode::as_found) {
     return false;
   }
   if (version != current_schema_version) {
@@ -55,7 +55,7 @@ std::shared_ptr<Database> Database::open(const std::string& location, Open_Mode 
   }
   try {
     const bool holds_site = find_site(*engine, mode);
-    return std::make_shared<Database>(std::move(engine), holds_site);
+    return std::shared_ptr<Database>(new Database(std::move(engine), holds_site));
   } catch (const Commit_Not_Known& fault) {
     throw Database_Error(
         fmt::format("database {}: {}; {}", engine->location(), fault.what(),
