@@ -85,11 +85,13 @@ void require_different_sources(const Invocation& call) {
   }
 }
 
+/// An argument that is the path of a file.
+void add_path(CLI::App& command, const char* name, std::string& path, const char* meaning) {
+  command.add_option(name, path, meaning)->required()->type_name(" ")->check(a_path());
+}
+
 void add_documents(CLI::App& command, Invocation& call) {
-  command.add_option("CONFIG", call.config_path, "The trigger configuration; - is standard input")
-      ->required()
-      ->type_name(" ")
-      ->check(a_path());
+  add_path(command, "CONFIG", call.config_path, "The trigger configuration; - is standard input");
   command
       .add_option("MAPPING", call.mapping_path,
                   "The trigger mapping; - is standard input; without it the stored one is used")
@@ -100,18 +102,12 @@ void add_documents(CLI::App& command, Invocation& call) {
 void add_copies(CLI::App& app, Invocation& call) {
   CLI::App* const copied =
       app.add_subcommand("backup", "Copy the site into a file that can be kept anywhere");
-  copied->add_option("FILE", call.file, "The backup; one that is there is replaced when it is done")
-      ->required()
-      ->type_name(" ")
-      ->check(a_path());
+  add_path(*copied, "FILE", call.file, "The backup; one that is there is replaced when it is done");
   copied->callback([&call] { call.command = [&call] { return backup(call.options, call.file); }; });
 
   CLI::App* const restored =
       app.add_subcommand("restore", "Put the site of a backup in the place of the one there is");
-  restored->add_option("FILE", call.file, "The backup")
-      ->required()
-      ->type_name(" ")
-      ->check(a_path());
+  add_path(*restored, "FILE", call.file, "The backup");
   restored->callback(
       [&call] { call.command = [&call] { return restore(call.options, call.file); }; });
 }
@@ -119,10 +115,7 @@ void add_copies(CLI::App& app, Invocation& call) {
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
-  site->add_option("INVENTORY", call.inventory_path, "What there is; - is standard input")
-      ->required()
-      ->type_name(" ")
-      ->check(a_path());
+  add_path(*site, "INVENTORY", call.inventory_path, "What there is; - is standard input");
   site->callback(
       [&call] { call.command = [&call] { return init(call.options, call.inventory_path); }; });
 

@@ -17,47 +17,22 @@ using embedded_server::Changes;
 using embedded_server::Pass_Outcome;
 using embedded_server::printable;
 
-std::string key_of(std::uint64_t id) {
-  return std::to_string(id);
-}
-
 Json::Value empty_object() {
   return Json::Value(Json::objectValue);
 }
 
-Json::Value to_json(const std::set<std::uint64_t>& ids) {
-  Json::Value list(Json::arrayValue);
-  for (const std::uint64_t id : ids) {
-    list.append(Json::UInt64(id));
-  }
-  return list;
+Json::Value to_json(std::uint64_t id) {
+  return Json::UInt64(id);
 }
 
-Json::Value to_json(const std::set<std::string>& texts) {
-  Json::Value list(Json::arrayValue);
-  for (const std::string& text : texts) {
-    list.append(text);
-  }
-  return list;
+Json::Value to_json(const std::string& text) {
+  return text;
 }
 
-Json::Value to_json(const std::set<Object_Search_Item>& items) {
-  Json::Value list(Json::arrayValue);
-  for (const Object_Search_Item& item : items) {
-    Json::Value entry = empty_object();
-    entry["type"] = item.object_type;
-    entry["motionRequired"] = item.motion_required;
-    list.append(entry);
-  }
-  return list;
-}
-
-template <class Value>
-Json::Value to_json(const std::map<std::uint64_t, Value>& by_id) {
+Json::Value to_json(const Object_Search_Item& item) {
   Json::Value object = empty_object();
-  for (const auto& [id, value] : by_id) {
-    object[key_of(id)] = to_json(value);
-  }
+  object["type"] = item.object_type;
+  object["motionRequired"] = item.motion_required;
   return object;
 }
 
@@ -67,11 +42,32 @@ Json::Value to_json(const Trigger_Config::Options& options) {
   return object;
 }
 
-template <class Value>
-Json::Value by_trigger(const std::map<std::uint64_t, Value>& values) {
+Json::Value to_json(const Error& error) {
   Json::Value object = empty_object();
-  for (const auto& [id, value] : values) {
-    object[key_of(id)] = to_json(value);
+  object["category"] = static_cast<int>(error.category);
+  object["message"] = error.message;
+  return object;
+}
+
+template <class Items>
+Json::Value list_to_json(const Items& items) {
+  Json::Value list(Json::arrayValue);
+  for (const auto& item : items) {
+    list.append(to_json(item));
+  }
+  return list;
+}
+
+template <class Item>
+Json::Value to_json(const std::set<Item>& items) {
+  return list_to_json(items);
+}
+
+template <class Value>
+Json::Value to_json(const std::map<std::uint64_t, Value>& by_id) {
+  Json::Value object = empty_object();
+  for (const auto& [id, value] : by_id) {
+    object[std::to_string(id)] = to_json(value);
   }
   return object;
 }
@@ -94,10 +90,10 @@ Json::Value to_json(const std::optional<Trigger_Config_State>& state) {
     return {};
   }
   Json::Value object = empty_object();
-  object["appliedTriggers"] = by_trigger(state->applied_triggers);
-  object["onvifTopicsByTrigger"] = by_trigger(state->onvif_topics_by_trigger);
-  object["subscriptionsByTrigger"] = by_trigger(state->subscriptions_by_trigger);
-  object["searchItemsByTrigger"] = by_trigger(state->search_items_by_trigger);
+  object["appliedTriggers"] = to_json(state->applied_triggers);
+  object["onvifTopicsByTrigger"] = to_json(state->onvif_topics_by_trigger);
+  object["subscriptionsByTrigger"] = to_json(state->subscriptions_by_trigger);
+  object["searchItemsByTrigger"] = to_json(state->search_items_by_trigger);
   object["properties"] = to_json(state->properties);
   return object;
 }
@@ -120,21 +116,6 @@ Json::Value to_json(const Changes& changes) {
   return object;
 }
 
-Json::Value to_json(const Error& error) {
-  Json::Value entry = empty_object();
-  entry["category"] = static_cast<int>(error.category);
-  entry["message"] = error.message;
-  return entry;
-}
-
-Json::Value errors_to_json(const Pass_Outcome& outcome) {
-  Json::Value list(Json::arrayValue);
-  for (const Error& error : outcome.errors) {
-    list.append(to_json(error));
-  }
-  return list;
-}
-
 /// The members of a fault beside those of an error; the message stays the library's.
 void add_place(Json::Value& error, const Located_Fault& fault) {
   const Json::Value place = to_json(fault);
@@ -145,23 +126,15 @@ void add_place(Json::Value& error, const Located_Fault& fault) {
   }
 }
 
-Json::Value to_json(const std::vector<Located_Fault>& warnings) {
-  Json::Value list(Json::arrayValue);
-  for (const Located_Fault& warning : warnings) {
-    list.append(to_json(warning));
-  }
-  return list;
-}
-
 Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
                     const std::vector<Located_Fault>& warnings) {
   Json::Value answer = empty_object();
   answer["success"] = outcome.status == Pass_Outcome::Status::done;
-  answer["errors"] = errors_to_json(outcome);
+  answer["errors"] = list_to_json(outcome.errors);
   if (place) {
     add_place(answer["errors"][0], *place);
   }
-  answer["warnings"] = to_json(warnings);
+  answer["warnings"] = list_to_json(warnings);
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
   answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();

@@ -84,6 +84,16 @@ Json::Value to_json(const std::optional<std::string>& text) {
   return text ? Json::Value(*text) : Json::Value();
 }
 
+/// The tags of any record: they are entries or members of a map.
+template <class Tags>
+Json::Value tags_to_json(const Tags& tags) {
+  Json::Value object(Json::objectValue);
+  for (const auto& [name, info] : tags) {
+    object[name] = to_json(info.value);
+  }
+  return object;
+}
+
 Json::Value to_json(const metadata_event_subscription& record) {
   Json::Value object(Json::objectValue);
   object["id"] = Json::UInt64(record.id);
@@ -92,10 +102,7 @@ Json::Value to_json(const metadata_event_subscription& record) {
   object["cameraId"] =
       record.camera ? Json::Value(Json::UInt64(record.camera_id())) : Json::Value();
   object["triggerIds"] = ids_to_json(record.trigger_ids());
-  object["tags"] = Json::Value(Json::objectValue);
-  for (const Tag_Entry& tag : record.tags) {
-    object["tags"][tag.name] = to_json(tag.info.value);
-  }
+  object["tags"] = tags_to_json(record.tags);
   object["categoryId"] = linked_id(record.category);
   object["cameraIds"] = Json::Value(Json::arrayValue);
   for (const auto& link : record.camera_links) {
@@ -136,10 +143,7 @@ Json::Value to_json(const camera& record) {
   Json::Value object(Json::objectValue);
   object["id"] = Json::UInt64(record.id);
   object["name"] = record.name;
-  object["tags"] = Json::Value(Json::objectValue);
-  for (const auto& [name, info] : record.tags) {
-    object["tags"][name] = to_json(info.value);
-  }
+  object["tags"] = tags_to_json(record.tags);
   object["objectDetection"] = record.object_detection;
   object["motionDetection"] = record.motion_detection;
   object["onvifTopics"] = Json::Value(Json::arrayValue);
@@ -147,15 +151,6 @@ Json::Value to_json(const camera& record) {
     object["onvifTopics"].append(topic);
   }
   return object;
-}
-
-template <class Record>
-void print_list(const Records<Record>& records) {
-  Json::Value list(Json::arrayValue);
-  for (const std::shared_ptr<Record>& record : records) {
-    list.append(to_json(*record));
-  }
-  print_json(list);
 }
 
 std::string join(const std::vector<std::uint64_t>& ids) {
@@ -178,87 +173,84 @@ std::string describe(const Trigger_Source& source) {
   return printable(text);
 }
 
-std::string describe(const std::string& name, const std::optional<std::string>& value) {
-  return printable(value ? name + "=" + *value : name);
+std::string describe_sources(const trigger& record) {
+  std::vector<std::string> sources;
+  for (const Trigger_Source& source : record.sources) {
+    sources.push_back(describe(source));
+  }
+  return fmt::format("{}", fmt::join(sources, ", "));
 }
 
-std::string describe_tags(const metadata_event_subscription& record) {
-  std::vector<std::string> tags;
-  for (const Tag_Entry& tag : record.tags) {
-    tags.push_back(describe(tag.name, tag.info.value));
+template <class Tags>
+std::string describe_tags(const Tags& tags) {
+  std::vector<std::string> texts;
+  for (const auto& [name, info] : tags) {
+    texts.push_back(printable(info.value ? name + "=" + *info.value : name));
   }
-  return fmt::format("{}", fmt::join(tags, " "));
+  return fmt::format("{}", fmt::join(texts, " "));
 }
 
-std::string describe_tags(const camera& record) {
-  std::vector<std::string> tags;
-  for (const auto& [name, info] : record.tags) {
-    tags.push_back(describe(name, info.value));
+using Row = std::vector<std::string>;
+
+/// As a JSON list, or as a table with a row for each record.
+template <class Record, class To_Row>
+void print_records(const Options& options, const Records<Record>& records, const Row& headings,
+                   To_Row to_row) {
+  Json::Value list(Json::arrayValue);
+  std::vector<Row> rows;
+  for (const std::shared_ptr<Record>& record : records) {
+    if (options.json) {
+      list.append(to_json(*record));
+    } else {
+      rows.push_back(to_row(*record));
+    }
   }
-  return fmt::format("{}", fmt::join(tags, " "));
+  if (options.json) {
+    print_json(list);
+  } else {
+    print_table(headings, rows);
+  }
 }
 
 }  // namespace
 
 void print_triggers(const Options& options, const Records<trigger>& records) {
-  if (options.json) {
-    print_list(records);
-    return;
-  }
-  std::vector<std::vector<std::string>> rows;
-  for (const std::shared_ptr<trigger>& record : records) {
-    std::vector<std::string> sources;
-    for (const Trigger_Source& source : record->sources) {
-      sources.push_back(describe(source));
-    }
-    rows.push_back({std::to_string(record->id), printable(record->name),
-                    join(schedule_ids(*record)), fmt::format("{}", fmt::join(sources, ", "))});
-  }
-  print_table({"ID", "NAME", "SCHEDULES", "SOURCES"}, rows);
+  print_records(options, records, {"ID", "NAME", "SCHEDULES", "SOURCES"},
+                [](const trigger& record) -> Row {
+                  return {std::to_string(record.id), printable(record.name),
+                          join(schedule_ids(record)), describe_sources(record)};
+                });
 }
 
 void print_subscriptions(const Options& options,
                          const Records<metadata_event_subscription>& records) {
-  if (options.json) {
-    print_list(records);
-    return;
-  }
-  std::vector<std::vector<std::string>> rows;
-  for (const std::shared_ptr<metadata_event_subscription>& record : records) {
-    rows.push_back({std::to_string(record->id),
-                    record->camera ? std::to_string(record->camera_id()) : "-",
-                    printable(record->onvif_topic.value_or("(" + record->name + ")")),
-                    describe_tags(*record), join(record->trigger_ids())});
-  }
-  print_table({"ID", "CAMERA", "TOPIC (OR NAME)", "TAGS", "TRIGGERS"}, rows);
+  print_records(options, records, {"ID", "CAMERA", "TOPIC (OR NAME)", "TAGS", "TRIGGERS"},
+                [](const metadata_event_subscription& record) -> Row {
+                  return {std::to_string(record.id),
+                          record.camera ? std::to_string(record.camera_id()) : "-",
+                          printable(record.onvif_topic.value_or("(" + record.name + ")")),
+                          describe_tags(record.tags), join(record.trigger_ids())};
+                });
 }
 
 void print_detection(const Options& options, const Records<eta_camera>& records) {
-  if (options.json) {
-    print_list(records);
-    return;
-  }
-  std::vector<std::vector<std::string>> rows;
-  for (const std::shared_ptr<eta_camera>& record : records) {
-    rows.push_back({std::to_string(record->id), std::to_string(record->camera_id()),
-                    join(trigger_ids(*record))});
-  }
-  print_table({"ID", "CAMERA", "TRIGGERS"}, rows);
+  print_records(options, records, {"ID", "CAMERA", "TRIGGERS"},
+                [](const eta_camera& record) -> Row {
+                  return {std::to_string(record.id), std::to_string(record.camera_id()),
+                          join(trigger_ids(record))};
+                });
 }
 
 void print_cameras(const Options& options, const Records<camera>& records) {
-  if (options.json) {
-    print_list(records);
-    return;
-  }
-  std::vector<std::vector<std::string>> rows;
-  for (const std::shared_ptr<camera>& record : records) {
-    rows.push_back({std::to_string(record->id), printable(record->name), describe_tags(*record),
-                    record->object_detection ? "objects" : "-",
-                    record->motion_detection ? "motion" : "-",
-                    std::to_string(topics_of(*record).size())});
-  }
-  print_table({"ID", "NAME", "TAGS", "DETECTS", "", "TOPICS"}, rows);
+  print_records(options, records, {"ID", "NAME", "TAGS", "DETECTS", "", "TOPICS"},
+                [](const camera& record) -> Row {
+                  return {std::to_string(record.id),
+                          printable(record.name),
+                          describe_tags(record.tags),
+                          record.object_detection ? "objects" : "-",
+                          record.motion_detection ? "motion" : "-",
+                          std::to_string(topics_of(record).size())};
+                });
 }
 
 }  // namespace kuv::vemora::tools

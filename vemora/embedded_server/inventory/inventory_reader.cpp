@@ -98,7 +98,7 @@ class Inventory_Reader {
                  [this](const Json::Value& record) { read_category(record); });
     read_records(root, "subscriptions",
                  [this](const Json::Value& record) { read_subscription(record); });
-    read_object_types(root["objectTypes"]);
+    read_object_types(root);
     if (database) {
       refuse_unstorable_texts(database);
     }
@@ -130,22 +130,34 @@ class Inventory_Reader {
     }
   }
 
+  /// A member that may be left out: null then, and also when it is of another kind, which is a
+  /// fault.
+  const Json::Value* find_member(const Json::Value& object, const char* key,
+                                 bool (Json::Value::*is_kind)() const, const char* kind) {
+    if (!object.isMember(key)) {
+      return nullptr;
+    }
+    const Json::Value& member = object[key];
+    if (!(member.*is_kind)()) {
+      fault(member, fmt::format("\"{}\" must be {}.", key, kind));
+      return nullptr;
+    }
+    return &member;
+  }
+
   template <class Read>
   void read_records(const Json::Value& root, const char* key, Read read) {
-    const Json::Value& records = root[key];
-    if (records.isNull() && !root.isMember(key)) {
-      return;
-    }
-    if (!records.isArray()) {
-      fault(records, fmt::format("\"{}\" must be an array of JSON objects.", key));
+    const char* const kind = "an array of JSON objects";
+    const Json::Value* const records = find_member(root, key, &Json::Value::isArray, kind);
+    if (records == nullptr) {
       return;
     }
     seen_ids_.clear();
-    for (const Json::Value& record : records) {
+    for (const Json::Value& record : *records) {
       if (record.isObject()) {
         read(record);
       } else {
-        fault(record, fmt::format("\"{}\" must be an array of JSON objects.", key));
+        fault(record, fmt::format("\"{}\" must be {}.", key, kind));
       }
     }
   }
@@ -163,41 +175,30 @@ class Inventory_Reader {
   }
 
   std::string read_name(const Json::Value& record) {
-    if (!record.isMember("name")) {
+    const Json::Value* const name = find_member(record, "name", &Json::Value::isString, "a string");
+    if (name == nullptr) {
       return {};
     }
-    const Json::Value& name = record["name"];
-    if (!name.isString()) {
-      fault(name, "\"name\" must be a string.");
-      return {};
-    }
-    texts_.add(name);
-    return name.asString();
+    texts_.add(*name);
+    return name->asString();
   }
 
   bool read_flag(const Json::Value& record, const char* key, bool fallback) {
-    if (!record.isMember(key)) {
-      return fallback;
-    }
-    const Json::Value& flag = record[key];
-    if (!flag.isBool()) {
-      fault(flag, fmt::format("\"{}\" must be true or false.", key));
-      return fallback;
-    }
-    return flag.asBool();
+    const Json::Value* const flag = find_member(record, key, &Json::Value::isBool, "true or false");
+    return flag == nullptr ? fallback : flag->asBool();
+  }
+
+  const Json::Value* find_object(const Json::Value& record, const char* key) {
+    return find_member(record, key, &Json::Value::isObject, "a JSON object");
   }
 
   Tag_Map read_tags(const Json::Value& record) {
     Tag_Map tags;
-    if (!record.isMember("tags")) {
+    const Json::Value* const given = find_object(record, "tags");
+    if (given == nullptr) {
       return tags;
     }
-    const Json::Value& given = record["tags"];
-    if (!given.isObject()) {
-      fault(given, "\"tags\" must be a JSON object.");
-      return tags;
-    }
-    for (auto tag = given.begin(); tag != given.end(); ++tag) {
+    for (auto tag = given->begin(); tag != given->end(); ++tag) {
       texts_.add_key(tag);
       if (tag->isString()) {
         texts_.add(*tag);
@@ -235,16 +236,12 @@ class Inventory_Reader {
   }
 
   std::string read_capabilities(const Json::Value& record) {
-    if (!record.isMember("capabilities")) {
+    const Json::Value* const capabilities = find_object(record, "capabilities");
+    if (capabilities == nullptr) {
       return {};
     }
-    const Json::Value& capabilities = record["capabilities"];
-    if (!capabilities.isObject()) {
-      fault(capabilities, "\"capabilities\" must be a JSON object.");
-      return {};
-    }
-    require_utf8(capabilities);
-    return json_text(capabilities, Json_Letters::utf8);
+    require_utf8(*capabilities);
+    return json_text(*capabilities, Json_Letters::utf8);
   }
 
   /// Capabilities are stored as JSON: control characters are escapes there, all else stays as it is
@@ -310,17 +307,14 @@ class Inventory_Reader {
 
   std::set<std::uint64_t> read_camera_ids(const Json::Value& record) {
     std::set<std::uint64_t> ids;
-    if (!record.isMember("cameraIds")) {
+    const char* const kind = "an array of unsigned 64-bit integers";
+    const Json::Value* const given = find_member(record, "cameraIds", &Json::Value::isArray, kind);
+    if (given == nullptr) {
       return ids;
     }
-    const Json::Value& given = record["cameraIds"];
-    if (!given.isArray()) {
-      fault(given, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
-      return ids;
-    }
-    for (const Json::Value& id : given) {
+    for (const Json::Value& id : *given) {
       if (!is_id(id)) {
-        fault(id, "\"cameraIds\" must be an array of unsigned 64-bit integers.");
+        fault(id, fmt::format("\"cameraIds\" must be {}.", kind));
       } else if (camera_ids_.count(id.asUInt64()) + stored_.camera_ids.count(id.asUInt64()) == 0) {
         fault(id, fmt::format("There is no camera {}.", id.asUInt64()));
       } else {
@@ -330,14 +324,12 @@ class Inventory_Reader {
     return ids;
   }
 
-  void read_object_types(const Json::Value& given) {
-    if (given.isNull() && !document_.value().isMember("objectTypes")) {
+  void read_object_types(const Json::Value& root) {
+    const Json::Value* const types = find_object(root, "objectTypes");
+    if (types == nullptr) {
       return;
     }
-    if (!given.isObject()) {
-      fault(given, "\"objectTypes\" must be a JSON object.");
-      return;
-    }
+    const Json::Value& given = *types;
     auto known = stored_.object_types;
     for (auto type = given.begin(); type != given.end(); ++type) {
       texts_.add_key(type);
