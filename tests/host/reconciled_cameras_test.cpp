@@ -13,8 +13,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "system/passes/random_site.h"
-#include "system/passes/whole_pass_test.h"
+#include "system/passes/random_life.h"
 #include "vemora/embedded_server/host/trigger_host.h"
 
 namespace kuv::test {
@@ -130,18 +129,13 @@ class Random_History {
   }
 
   void live(int passes) {
-    for (int number = 0; number < passes && !testing::Test::HasFailure(); ++number) {
-      SCOPED_TRACE("pass " + std::to_string(number));
-      if (random_.one_in(3)) {
-        random_.change();
-        server_.site.store_in(server_.database());
-      }
-      if (random_.one_in(6)) {
-        host_.reset();
-        server_.close();
-      }
-      next_pass();
-    }
+    test::live(
+        passes, random_, server_,
+        [this] {
+          host_.reset();
+          server_.close();
+        },
+        [this] { next_pass(); });
   }
 
  private:

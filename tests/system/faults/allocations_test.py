@@ -7,12 +7,11 @@ stored, and the same command ends, repeated, where an undisturbed run ends.
     FAULT_TRACE=1       prints to standard error where the failing calls came from
 """
 
-import collections
 import os
 import re
 import unittest
 
-from campaign import Campaign
+from campaign import Campaign_Test
 from fault_server import ALLOCATION, Fault
 
 STRIDE = int(os.environ.get("FAULT_STRIDE", "0"))
@@ -21,19 +20,9 @@ CASES = os.environ.get("FAULT_CASE", "")
 POINTS_OF_A_SHORT_RUN = 1500
 
 
-class Allocations_Test(unittest.TestCase):
-    def setUp(self):
-        self.campaign = Campaign()
-        self.addCleanup(self.campaign.close)
-        self.complaints = collections.Counter()
-        self.examples = {}
-
-    def report(self, case, number, fault, complaint, run):
-        key = (case.name, complaint)
-        self.complaints[key] += 1
-        if key not in self.examples:
-            said = (run.out + run.err).decode("utf-8", "replace")[:300]
-            self.examples[key] = f"first at allocation {number}, exit {run.status}: {said!r}"
+class Allocations_Test(Campaign_Test):
+    def where(self, number, fault):
+        return f"allocation {number}"
 
     def test_one_failed_allocation(self):
         self.try_every_point(for_good=False)
@@ -52,21 +41,13 @@ class Allocations_Test(unittest.TestCase):
             self.assertGreater(case.undisturbed.allocations, case.undisturbed.by_operator_new)
         points = sum(case.undisturbed.allocations for case in cases)
         stride = stride or max(1, points // POINTS_OF_A_SHORT_RUN)
-        total = collections.Counter()
         for case in cases:
-            # Behind the last one nothing fails, which shows that the end was reached.
             last = case.undisturbed.allocations + 1
             numbers = [*range(FIRST, min(last, most or last), stride), last]
-            tally = self.campaign.run(
-                case, ((number, Fault(ALLOCATION, number, for_good)) for number in numbers), self.report)
-            self.assertGreater(tally["beyond the end"], 0)
-            total += tally
+            tally = self.try_points(case, numbers, lambda number: Fault(ALLOCATION, number, for_good))
             print(f"{case.name}: {case.undisturbed.allocations} allocations, "
-                  f"{case.undisturbed.by_operator_new} of them by operator new: {dict(tally)}", flush=True)
-        print(f"{sum(total.values()) - total['beyond the end']} points: {dict(total)}")
-        self.assertFalse(self.complaints, "\n".join(
-            f"{name}: {complaint}: {count} times, {self.examples[name, complaint]}"
-            for (name, complaint), count in sorted(self.complaints.items())))
+                  f"{case.undisturbed.by_operator_new} of them by operator new: {tally}", flush=True)
+        self.assert_no_complaints()
 
 
 if __name__ == "__main__":

@@ -5,11 +5,11 @@ import json
 import os
 import shutil
 import tempfile
-import time
+import unittest
 
 import judge
 import small_site
-from fault_server import FILE, NO_FAULT, Fault, Fault_Server
+from fault_server import Fault_Server
 from remains import Onlooker, read_files
 
 TOOL = os.environ["TOOL"]
@@ -140,3 +140,38 @@ class Campaign:
             for complaint in found:
                 report(case, number, fault, complaint, run)
         return tally
+
+
+class Campaign_Test(unittest.TestCase):
+    """Counts what is wrong by command and complaint, with the first example of each."""
+
+    def setUp(self):
+        self.campaign = Campaign()
+        self.addCleanup(self.campaign.close)
+        self.complaints = collections.Counter()
+        self.examples = {}
+        self.total = collections.Counter()
+
+    def where(self, number, fault):
+        """Names a point in a complaint."""
+        raise NotImplementedError
+
+    def report(self, case, number, fault, complaint, run):
+        key = (case.name, complaint)
+        self.complaints[key] += 1
+        if key not in self.examples:
+            said = (run.out + run.err).decode("utf-8", "replace")[:300]
+            self.examples[key] = f"first at {self.where(number, fault)}, exit {run.status}: {said!r}"
+
+    def try_points(self, case, numbers, fault_at):
+        """The last number lies behind the last point: that nothing fails there shows that the end was reached."""
+        tally = self.campaign.run(case, ((number, fault_at(number)) for number in numbers), self.report)
+        self.assertGreater(tally["beyond the end"], 0)
+        self.total += tally
+        return dict(tally)
+
+    def assert_no_complaints(self):
+        print(f"{sum(self.total.values()) - self.total['beyond the end']} points: {dict(self.total)}")
+        self.assertFalse(self.complaints, "\n".join(
+            f"{name}: {complaint}: {count} times, {self.examples[name, complaint]}"
+            for (name, complaint), count in sorted(self.complaints.items())))

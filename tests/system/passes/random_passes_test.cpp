@@ -1,6 +1,5 @@
 #include "system/passes/pass_model.h"
-#include "system/passes/random_site.h"
-#include "system/passes/whole_pass_test.h"
+#include "system/passes/random_life.h"
 
 namespace kuv::test {
 namespace {
@@ -17,17 +16,8 @@ class Random_Life {
   }
 
   void live(int passes) {
-    for (int number = 0; number < passes && !testing::Test::HasFailure(); ++number) {
-      SCOPED_TRACE("pass " + std::to_string(number));
-      if (random_.one_in(3)) {
-        random_.change();
-        server_.site.store_in(server_.database());
-      }
-      if (random_.one_in(6)) {
-        server_.restart();
-      }
-      next_pass();
-    }
+    test::live(
+        passes, random_, server_, [this] { server_.restart(); }, [this] { next_pass(); });
   }
 
  private:

@@ -19,7 +19,7 @@ const std::vector<std::uint64_t> Random_Site::trigger_ids{0,         3, 7, 8, fi
                                                           largest_id};
 
 Random_Site::Random_Site(Site_Builder& site, std::uint64_t server_id, std::uint64_t seed)
-    : site_(site), server_id_(server_id), random_(seed) {
+    : Random_Draws(seed), site_(site), server_id_(server_id) {
   describe();
 }
 

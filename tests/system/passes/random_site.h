@@ -2,19 +2,19 @@
 
 #include <cstdint>
 #include <optional>
-#include <random>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/random_draws.h"
 #include "support/site_builder.h"
 #include "system/passes/pass_model.h"
 
 namespace kuv::test {
 
 /// A site at random, and documents at random over it; the same ones for the same seed.
-class Random_Site {
+class Random_Site : public Random_Draws {
  public:
   Random_Site(Site_Builder& site, std::uint64_t server_id, std::uint64_t seed);
 
@@ -27,15 +27,6 @@ class Random_Site {
 
   static const std::vector<std::uint64_t> camera_ids;
   static const std::vector<std::uint64_t> trigger_ids;
-
-  // The draws that all of it is made of.
-  std::size_t pick(std::size_t count) { return static_cast<std::size_t>(random_() % count); }
-  bool one_in(std::size_t count) { return pick(count) == 0; }
-
-  template <class Value>
-  const Value& any_of(const std::vector<Value>& values) {
-    return values[pick(values.size())];
-  }
 
   /// Each of them or not.
   template <class Value>
@@ -59,7 +50,6 @@ class Random_Site {
 
   Site_Builder& site_;
   std::uint64_t server_id_;
-  std::mt19937_64 random_;
 };
 
 }  // namespace kuv::test

@@ -1,5 +1,4 @@
-#include <random>
-
+#include "support/random_draws.h"
 #include "system/repositories/database_test.h"
 #include "system/repositories/plain_model.h"
 
@@ -22,17 +21,9 @@ const std::vector<std::string> tag_names{"door", "site"};
 const std::vector<std::optional<std::string>> tag_values{std::nullopt, "", "north", "south"};
 
 /// A small site, written to and asked at random, always the same way; every answer is compared.
-class Repositories_Against_Model : public Contract_Test {
+class Repositories_Against_Model : public Contract_Test, protected Random_Draws {
  protected:
-  Repositories_Against_Model() { describe_the_site(); }
-
-  std::size_t pick(std::size_t count) { return static_cast<std::size_t>(random_() % count); }
-  bool one_in(std::size_t count) { return pick(count) == 0; }
-
-  template <class Value>
-  const Value& any_of(const std::vector<Value>& values) {
-    return values[pick(values.size())];
-  }
+  Repositories_Against_Model() : Random_Draws(20240229) { describe_the_site(); }
 
   /// Some of them, at times with one twice and none at all.
   template <class Value>
@@ -321,7 +312,6 @@ class Repositories_Against_Model : public Contract_Test {
   int refused_ = 0;
 
  private:
-  std::mt19937_64 random_{20240229};
   std::unique_ptr<Plain_Model> model_;
   Ids given_subscription_ids_;
   Ids given_detection_ids_;
