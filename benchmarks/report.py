@@ -1,7 +1,10 @@
-"""Writes docs/performance.md and its plot from what the benchmarks printed, or prints the tables alone.
+"""Writes what the benchmarks measured into the documentation, or prints the tables.
 
-    report.py page SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json FOLDER
+    report.py pages SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json FOLDER
+        writes FOLDER/performance-figures.md and FOLDER/performance.svg, and the figures that FOLDER/performance.md
+        quotes, between its two markers
     report.py tables SQLITE.json POSTGRESQL.json PASSES.json
+        prints the tables of growth and of both engines
 """
 
 import datetime
@@ -69,14 +72,15 @@ GROWTHS = (
 )
 
 
-GROWTH_NOTE = """Instructions are exact; times also tell of caches and of memory that the system first hands out, and those of a few
-milliseconds vary by half from run to run. n is the number of links; with the topics, the documents that say what each
-camera offers grow as well, which it leaves out."""
+GROWTH_NOTE = """By which factor the work grows from one site to a larger one, beside n log n, where n is the number of links.
+Instructions are exact. Times also depend on caches and on how fast the system provides memory; those of a few
+milliseconds vary by 50 percent from run to run. With more topics, the capabilities of each camera grow as well, which
+n does not include."""
 GROWING = ("first apply", "unchanged refresh", "one trigger changed")
 
 
 def growth(figures, counted):
-    """By what each scenario's instructions, time and memory grow from a site to a larger one, beside n log n of the links."""
+    """The factors by which each scenario's instructions, time and memory grow from a site to a larger one."""
     head = ["what grows", "from", "to", "links", "n log n", *(f"instructions: {name}" for name in GROWING),
             *(f"time: {name}" for name in GROWING), "peak heap: unchanged refresh"]
     lines = [row(head), row(["---"] * len(head))]
@@ -150,36 +154,62 @@ def plot(figures):
             '<rect width="640" height="370" fill="white"/>' + legend + "".join(axes) + "".join(marks) + "</svg>\n")
 
 
-def figures_section(sqlite, postgresql, library, calls, passes):
+def run_note(sqlite):
     machine = f"{os.cpu_count()} cores, {platform.machine()}, Linux {platform.release()}"
-    return "\n".join([BEGIN, "", f"Measured {datetime.date.today()} on {machine}; medians of "
-                      f"{len(sqlite[0]['seconds'])} runs.", "", "![seconds by links](performance.svg)", "",
-                      "### Against the targets (SQLite, 10^6 links)", "", *targets(sqlite, library, calls), "",
-                      "### Growth (SQLite), by how many times", "", GROWTH_NOTE, "", *growth(sqlite, passes), "",
-                      "### SQLite", "", *table(sqlite), "", "### PostgreSQL (over a socket)", "",
-                      *(table(postgresql, True) if postgresql else ["Not measured in this run."]), "", END])
+    return f"Measured {datetime.date.today()} on {machine}; medians of {len(sqlite[0]['seconds'])} runs."
 
 
-def write_page(sqlite_path, postgresql_path, library_path, calls_path, passes_path, folder):
-    sqlite = read(sqlite_path)
-    page = os.path.join(folder, "performance.md")
-    with open(page, encoding="utf-8") as file:
-        text = file.read()
-    before, rest = text.split(BEGIN)
+def figures_page(note, sqlite, postgresql, library, calls, passes):
+    return "\n".join(["# Performance: all figures", "", FIGURES_NOTE, "", note, "", "![seconds by links](performance.svg)", "",
+                      "## Targets (SQLite, 10^6 links)", "", *targets(sqlite, library, calls), "",
+                      "## Growth (SQLite)", "", GROWTH_NOTE, "", *growth(sqlite, passes), "",
+                      "## SQLite", "", *table(sqlite), "", "## PostgreSQL (over a socket)", "",
+                      *(table(postgresql, True) if postgresql else ["Not measured in this run."]), ""])
+
+
+FIGURES_NOTE = """`scripts/bench` writes this page. [performance.md](performance.md) says what the figures mean and how they are measured."""
+SITES = {"site S": ("S", 100, 100), "site M": ("M", 300, 1000), "site L": ("L", 2000, 5000),
+         MILLION: ("dense", 1000, 1000)}
+
+
+def summary(note, engines):
+    """The few figures that the readable page quotes: engines are pairs of a name and its figures."""
+    head = ["site", "cameras", "triggers", "links", "database", *GROWING, "peak memory"]
+    lines = [note, "", row(head), row(["---"] * len(head))]
+    for site, (name, cameras, triggers) in SITES.items():
+        for engine, figures in engines:
+            passes = [find(figures, site, scenario) for scenario in GROWING]
+            if all(passes):
+                peak = max(figure["peakHeap"] for figure in passes)
+                lines.append(row([name, f"{cameras:,}", f"{triggers:,}", f"{passes[0]['links']:,}", engine,
+                                  *(f"{median(figure):#.2g} s" for figure in passes), f"{peak / 2 ** 20:.0f} MiB"]))
+    return "\n".join(lines)
+
+
+def write_file(folder, name, text):
+    with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+def write_pages(sqlite_path, postgresql_path, library_path, calls_path, passes_path, folder):
+    sqlite, postgresql = read(sqlite_path), read(postgresql_path)
+    note = run_note(sqlite)
+    with open(os.path.join(folder, "performance.md"), encoding="utf-8") as file:
+        before, rest = file.read().split(BEGIN)
     after = rest.split(END)[1]
-    figures = figures_section(sqlite, read(postgresql_path), read(library_path), read(calls_path), read(passes_path))
-    with open(page, "w", encoding="utf-8") as file:
-        file.write(before + figures + after)
-    with open(os.path.join(folder, "performance.svg"), "w", encoding="utf-8") as file:
-        file.write(plot(sqlite))
+    quoted = summary(note, (("SQLite", sqlite), ("PostgreSQL", postgresql)))
+    write_file(folder, "performance.md", f"{before}{BEGIN}\n\n{quoted}\n\n{END}{after}")
+    write_file(folder, "performance-figures.md",
+               figures_page(note, sqlite, postgresql, read(library_path), read(calls_path), read(passes_path)))
+    write_file(folder, "performance.svg", plot(sqlite))
 
 
 def print_tables(sqlite_path, postgresql_path, passes_path):
-    print("\n".join(["### Growth (SQLite), by how many times", "", *growth(read(sqlite_path), read(passes_path)), ""]))
+    print("\n".join(["## Growth (SQLite)", "", *growth(read(sqlite_path), read(passes_path)), ""]))
     for engine, path in (("SQLite", sqlite_path), ("PostgreSQL", postgresql_path)):
         if figures := read(path):
-            print("\n".join([f"### {engine}", "", *table(figures, engine == "PostgreSQL"), ""]))
+            print("\n".join([f"## {engine}", "", *table(figures, engine == "PostgreSQL"), ""]))
 
 
 if __name__ == "__main__":
-    {"page": write_page, "tables": print_tables}[sys.argv[1]](*sys.argv[2:])
+    {"pages": write_pages, "tables": print_tables}[sys.argv[1]](*sys.argv[2:])

@@ -1,0 +1,98 @@
+"""What the report of the benchmarks writes, and that the pages in docs/ quote the figures of one run."""
+
+import json
+import os
+import re
+import shutil
+import sys
+import tempfile
+import unittest
+
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+sys.path.insert(0, os.path.join(ROOT, "benchmarks"))
+
+import report  # noqa: E402
+
+
+def read(*path):
+    with open(os.path.join(*path), encoding="utf-8") as file:
+        return file.read()
+
+
+def figures(site, links, first_apply):
+    """What whole_passes prints of a site whose later passes take a tenth of the first apply."""
+    return [{"site": site, "scenario": scenario, "links": links, "seconds": [seconds], "floor": [seconds / 2],
+             "peakHeap": 3 << 20, "snapshotHeap": 2 << 20, "linksWritten": 0, "linksDeleted": 0, "errors": 0,
+             "roundTrips": 75}
+            for scenario, seconds in zip(report.GROWING, (first_apply, first_apply / 10, first_apply / 10))]
+
+
+LIBRARY = {"benchmarks": [{"name": "parse_trigger_configs_median", "real_time": 1},
+                          {"name": "json_library_reads_the_text_median", "real_time": 4}]}
+CALLS = {"unchanged trigger": 12000, "log call, logging off": 15, "log call, below the level": 2400}
+
+
+def rows_of(text):
+    return [[cell.strip() for cell in line.strip("|").split("|")] for line in text.splitlines() if line.startswith("|")]
+
+
+class Written_Pages(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.folder)
+        sqlite = figures("site S", 10015, 0.3) + figures("1000000 links", 1000000, 3.44)
+        inputs = (sqlite, figures("site S", 10015, 0.75), LIBRARY, CALLS, {})
+        paths = []
+        for number, content in enumerate(inputs):
+            paths.append(os.path.join(self.folder, f"{number}.json"))
+            with open(paths[-1], "w", encoding="utf-8") as file:
+                json.dump(content, file)
+        shutil.copy(os.path.join(ROOT, "docs", "performance.md"), self.folder)
+        report.write_pages(*paths, self.folder)
+
+    def test_the_readable_page_quotes_the_run_between_its_markers_and_keeps_the_rest(self):
+        before, quoted, after = re.split("<!-- figures (?:begin|end) -->", read(self.folder, "performance.md"))
+        self.assertEqual(rows_of(quoted)[2:], [
+            ["S", "100", "100", "10,015", "SQLite", "0.30 s", "0.030 s", "0.030 s", "3 MiB"],
+            ["S", "100", "100", "10,015", "PostgreSQL", "0.75 s", "0.075 s", "0.075 s", "3 MiB"],
+            ["dense", "1,000", "1,000", "1,000,000", "SQLite", "3.4 s", "0.34 s", "0.34 s", "3 MiB"]])
+        original = re.split("<!-- figures (?:begin|end) -->", read(ROOT, "docs", "performance.md"))
+        self.assertEqual([before, after], [original[0], original[2]])
+
+    def test_the_figures_have_a_page_of_their_own(self):
+        page = read(self.folder, "performance-figures.md")
+        self.assertIn(["parsing 100,000 triggers : the JSON library reading the text", "0.5", "0.25", "0.25"],
+                      rows_of(page))
+        self.assertIn(["site S", "first apply", "0.300", "0.150", "2.00", "29.96", "3", "0", "0", "0"], rows_of(page))
+        self.assertIn(["site S", "first apply", "0.750", "0.375", "2.00", "74.89", "3", "0", "0", "0", "75"],
+                      rows_of(page))
+        self.assertIn("<circle", read(self.folder, "performance.svg"))
+
+
+class Committed_Pages(unittest.TestCase):
+    """Nobody edits a figure by hand, and all pages are of one run."""
+
+    def test_the_figures_that_are_quoted_are_those_of_the_figures_page(self):
+        page, all_figures = read(ROOT, "docs", "performance.md"), read(ROOT, "docs", "performance-figures.md")
+        note = re.search("^Measured .*$", all_figures, re.MULTILINE).group()
+        self.assertIn(note, page)
+        sqlite, postgresql = re.split("^## PostgreSQL.*$", all_figures, flags=re.MULTILINE)
+        measured = {}
+        for engine, text in (("SQLite", sqlite), ("PostgreSQL", postgresql)):
+            for row in rows_of(text):
+                if row[1] in report.GROWING:
+                    measured[engine, row[0], row[1]] = float(row[2])
+        names = {name: site for site, (name, _, _) in report.SITES.items()}
+        quoted = [row for row in rows_of(page) if row[0] in names]
+        self.assertGreaterEqual(len(quoted), 4)
+        for name, _, _, _, engine, *times, _ in quoted:
+            for scenario, time in zip(report.GROWING, times):
+                figure = measured[engine, names[name], scenario]
+                digits = len(time.removesuffix(" s").partition(".")[2])
+                # The figure was rounded to a millisecond.
+                self.assertAlmostEqual(float(time.removesuffix(" s")), figure, msg=(name, engine, scenario),
+                                       delta=0.5 * 10 ** -digits + 0.0005)
+
+
+if __name__ == "__main__":
+    unittest.main()
