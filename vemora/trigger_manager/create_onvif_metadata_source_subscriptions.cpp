@@ -1,26 +1,12 @@
-#include <boost/property_tree/ptree.hpp>
 #include <utility>
 
+#include "vemora/platform/records/supported_topics.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
 namespace {
 
-using Tree = Capability_Document::Tree;
 using kuv::logging::severity_level;
-
-/// The topics that the camera's topic filter supports, as child keys; empty where it says nothing.
-const Tree& supported_topics(const camera& camera_record) {
-  static const Tree none;
-  const auto found = camera_record.capabilities.tree().get_child_optional(
-      Tree::path_type("Metadata.Mode.capabilities.On.TopicFilter.capabilities", '.'));
-  return found ? *found : none;
-}
-
-/// Topics hold dots and slashes; each is one key, whole, and never a path.
-bool supports(const Tree& topics, const std::string& topic) {
-  return topics.find(topic) != topics.not_found();
-}
 
 std::shared_ptr<metadata_event_subscription> make_subscription(
     const std::shared_ptr<trigger>& trigger_record, const std::string& topic,
@@ -61,7 +47,7 @@ Vemora_Trigger_Manager::get_cameras_that_need_subscriptions_(const std::vector<s
 void Vemora_Trigger_Manager::create_subscription_if_supported_(
     const std::shared_ptr<trigger>& trigger_record, const std::string& topic,
     const std::shared_ptr<camera>& camera_record) {
-  const Tree& topics = supported_topics(*camera_record);
+  const auto& topics = supported_topics(*camera_record);
   if (topics.empty()) {
     logger_.log(severity_level::debug,
                 "Trigger {} | Skipping subscription creation for tagged camera {}: no metadata "
@@ -69,7 +55,7 @@ void Vemora_Trigger_Manager::create_subscription_if_supported_(
                 trigger_record->id, camera_record->id);
     return;
   }
-  if (!supports(topics, topic)) {
+  if (!is_supported(topics, topic)) {
     return;
   }
   logger_.log(severity_level::info,

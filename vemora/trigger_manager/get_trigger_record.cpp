@@ -1,46 +1,12 @@
-#include <algorithm>
 #include <stdexcept>
 
 #include "vemora/platform/errors/error_codes.h"
 #include "vemora/platform/errors/vemora_error.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
+#include "vemora/trigger_parser/strict_equality.h"
 
 namespace kuv::vemora {
 namespace {
-
-// Stricter than the orderings of the sets, which pass over motion flags and durations: a change of
-// those alone must reach the database too.
-
-bool same(const Trigger_Mapping_Entry& left, const Trigger_Mapping_Entry& right) {
-  return left.schedule->id == right.schedule->id;
-}
-
-bool same(const Object_Search_Item& left, const Object_Search_Item& right) {
-  return left.object_type == right.object_type && left.motion_required == right.motion_required;
-}
-
-bool same(const Activity_Duration& left, const Activity_Duration& right) {
-  return left.mode == right.mode && left.min_duration == right.min_duration &&
-         left.dropout == right.dropout;
-}
-
-template <class Value>
-bool same(const std::optional<Value>& left, const std::optional<Value>& right) {
-  return left.has_value() == right.has_value() && (!left || same(*left, *right));
-}
-
-bool same(const Trigger_Source& left, const Trigger_Source& right) {
-  return left.type == right.type && left.onvif_topic == right.onvif_topic &&
-         same(left.search_item, right.search_item) &&
-         same(left.activity_duration, right.activity_duration);
-}
-
-template <class Element>
-bool same(const std::set<Element>& left, const std::set<Element>& right) {
-  return left.size() == right.size() &&
-         std::equal(left.begin(), left.end(), right.begin(),
-                    [](const Element& a, const Element& b) { return same(a, b); });
-}
 
 /// Takes over what differs; true when something did.
 bool take_over(const Trigger_Config& config, trigger& record) {
@@ -49,11 +15,11 @@ bool take_over(const Trigger_Config& config, trigger& record) {
     record.name = config.name;
     changed = true;
   }
-  if (!same(record.schedules, config.schedules)) {
+  if (!strict_equality::same(record.schedules, config.schedules)) {
     record.schedules = config.schedules;
     changed = true;
   }
-  if (!same(record.sources, config.sources)) {
+  if (!strict_equality::same(record.sources, config.sources)) {
     record.sources = config.sources;
     changed = true;
   }

@@ -11,6 +11,7 @@
 #include "tools/vemora-triggers/render/terminal.h"
 #include "vemora/embedded_server/persistent/source_type_names.h"
 #include "vemora/embedded_server/texts/printable.h"
+#include "vemora/platform/records/supported_topics.h"
 
 namespace kuv::vemora::tools {
 namespace {
@@ -129,12 +130,8 @@ Json::Value to_json(const eta_camera& record) {
 
 std::vector<std::string> topics_of(const camera& record) {
   std::vector<std::string> topics;
-  const auto found = record.capabilities.tree().get_child_optional(
-      "Metadata.Mode.capabilities.On.TopicFilter.capabilities");
-  if (found) {
-    for (const auto& [topic, ignored] : *found) {
-      topics.push_back(topic);
-    }
+  for (const auto& [topic, ignored] : supported_topics(record)) {
+    topics.push_back(topic);
   }
   return topics;
 }
