@@ -6,7 +6,7 @@ set(vemora_libraries vemora_platform vemora_trigger_manager)
 if(VEMORA_BUILD_EMBEDDED_SERVER)
   list(APPEND vemora_libraries
        vemora_texts kuv_utils kuv_logging vemora_tags_json_converter vemora_persistent
-       vemora_embedded_server)
+       vemora_embedded_server vemora_operations)
   install(TARGETS vemora-triggers RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 install(TARGETS ${vemora_libraries}

@@ -99,6 +99,11 @@ void add_documents(CLI::App& command, Invocation& call) {
       ->check(a_path());
 }
 
+void add_strictness(CLI::App& command, Invocation& call) {
+  command.add_flag("--strict", call.options.strict,
+                   "Reject documents that there are warnings of; nothing changes then");
+}
+
 void add_copies(CLI::App& app, Invocation& call) {
   CLI::App* const copied =
       app.add_subcommand("backup", "Copy the site into a file that can be kept anywhere");
@@ -121,6 +126,7 @@ void add_commands(CLI::App& app, Invocation& call) {
 
   CLI::App* const checked = app.add_subcommand("check", "Validate documents; nothing is written");
   add_documents(*checked, call);
+  add_strictness(*checked, call);
   checked->callback([&call] {
     require_different_sources(call);
     call.command = [&call] { return check(call.options, call.config_path, call.mapping_path); };
@@ -129,13 +135,16 @@ void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const applied =
       app.add_subcommand("apply", "Run the pass on new documents and store them");
   add_documents(*applied, call);
+  add_strictness(*applied, call);
   applied->callback([&call] {
     require_different_sources(call);
     call.runs_pass = true;
     call.command = [&call] { return apply(call.options, call.config_path, call.mapping_path); };
   });
 
-  app.add_subcommand("refresh", "Run the pass on the stored documents")->callback([&call] {
+  CLI::App* const refreshed = app.add_subcommand("refresh", "Run the pass on the stored documents");
+  add_strictness(*refreshed, call);
+  refreshed->callback([&call] {
     call.runs_pass = true;
     call.command = [&call] { return refresh(call.options); };
   });

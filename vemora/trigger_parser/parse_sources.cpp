@@ -5,9 +5,9 @@
 #include <string>
 #include <utility>
 
-#include "vemora/platform/database_enums.h"
 #include "vemora/trigger_parser/find_members.h"
 #include "vemora/trigger_parser/parse_activity_duration.h"
+#include "vemora/trigger_parser/source_type_of.h"
 
 namespace kuv::vemora {
 namespace {
@@ -22,15 +22,7 @@ std::optional<Trigger_Source_Type> parse_type(const Member& type, const Letters&
                       "\"type\" field is missing or invalid for source.")) {
     return std::nullopt;
   }
-  std::string name = type.value.asString();
-  for (char& character : name) {
-    character = letters.tolower(character);
-  }
-  try {
-    return Database_Enums::convert<Trigger_Source_Type>(name);
-  } catch (...) {
-    return std::nullopt;
-  }
+  return source_type_of(type.value.asString(), letters);
 }
 
 /// Leaves nothing when it is no topic.
@@ -103,8 +95,8 @@ std::optional<Trigger_Source> parse_source(const Json::Value& source, const Lett
   const auto [type_name, topic, item, duration] =
       find_members(source, "type", "onvifTopic", "searchItem", "activityDuration");
   const std::optional<Trigger_Source_Type> type = parse_type({*type_name, source}, letters, faults);
-  if (!type || *type == Trigger_Source_Type::external) {
-    return parsed;  // external sources fire by themselves, there is nothing to subscribe to
+  if (!is_kept(type)) {
+    return parsed;
   }
   parsed.emplace();
   parsed->type = *type;

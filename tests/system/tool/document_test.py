@@ -1,9 +1,15 @@
 """check: which documents are refused, with which text and place; documents that cannot be read at all."""
 
 import os
+import re
 import unittest
 
 from tool_site import DONE, NO_OBJECT, REJECTED, Site, config, mapping, object_source, trigger
+
+
+def before_warnings(text):
+    """The errors of a check; its documents have keys that nobody knows."""
+    return text[:re.search("^.*: warning: ", text, re.MULTILINE).start()]
 
 
 class Checked_Documents(Site):
@@ -151,7 +157,7 @@ config.json:3:3: error: "triggers" must be an array of JSON objects. (element 1)
         before, after = "x" * 5000, "y" * 5000
         self.write("config.json", f'{{"a": "{before}", "triggers": 1, "b": "{after}"}}')
         outcome = self.run_tool("check", "config.json")
-        self.assertEqual((outcome.status, outcome.text), (REJECTED, f"""\
+        self.assertEqual((outcome.status, before_warnings(outcome.text)), (REJECTED, f"""\
 config.json:1:5023: error: Missing "triggers" array.
     ...{"x" * 45}", "triggers": 1, "b": "{"y" * 51}...
     {" " * 63}^
@@ -161,7 +167,7 @@ config.json:1:5023: error: Missing "triggers" array.
         document = '{"first": 0,\r\n "Tür \u202e": "門", "triggers": 1}'
         [error] = self.errors(document)
         self.assertEqual((error["line"], error["column"]), (2, 28))
-        self.assertEqual(self.run_tool("check", "config.json").text, """\
+        self.assertEqual(before_warnings(self.run_tool("check", "config.json").text), """\
 config.json:2:28: error: Missing "triggers" array.
      "Tür \\u202e": "門", "triggers": 1}
                                     ^

@@ -140,6 +140,10 @@ Options:
   -h,--help                   Print this help message and exit
 """
 
+STRICTNESS = """\
+  --strict                    Reject documents that there are warnings of; nothing changes then
+"""
+
 STATUSES = """
 Exit status: 0 done; 1 done, with errors of single triggers; 2 a document was rejected and
 nothing changed; 3 the pass or the database failed, or the outcome could not be written;
@@ -158,7 +162,8 @@ class Help(Site):
     def test_each_command_names_its_documents(self):
         for command, text in HELP_OF_COMMANDS.items():
             with self.subTest(command):
-                self.assert_text(text + OPTIONS_OF_COMMANDS + STATUSES, command, "--help")
+                strictness = STRICTNESS if command in ("check", "apply", "refresh") else ""
+                self.assert_text(text + OPTIONS_OF_COMMANDS + strictness + STATUSES, command, "--help")
 
     def test_the_version_is_told(self):
         outcome = self.run_tool("--version")

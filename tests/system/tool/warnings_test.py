@@ -2,7 +2,7 @@
 
 import unittest
 
-from tool_site import (CROSSED, DONE, TRIGGER_ERRORS, Site, config, mapping, object_source, on_postgresql, on_sqlite,
+from tool_site import (CROSSED, DONE, REJECTED, TRIGGER_ERRORS, Site, config, mapping, object_source, on_postgresql, on_sqlite,
                        topic_source, trigger)
 
 # A trigger that cannot be stored on PostgreSQL, between others.
@@ -84,6 +84,110 @@ class Texts_That_Cannot_Be_Stored(Site):
         answer = self.apply(config(trigger(7, topic_source(CROSSED), object_source("\u00e9"))), mapping(([1], [7])))
         self.assertEqual(answer["warnings"], [])
         self.assertEqual(self.run_tool("--json", "refresh").json["warnings"], [])
+
+
+class Unknown_Keys(Site):
+    """One misspelt key spread a trigger from 8 cameras to 60, another undid the stored mapping."""
+
+    MISSPELT = b"""{"triggers": [
+  {"id": 7, "name": "gate", "tags": {"cameras": {"area": "gate"}},
+   "sources": [{"type": "metadata-event", "onvifTopic": "tns1:Door"}]}
+], "version": 2}
+"""
+    WARNINGS = [
+        {"document": "config", "code": "unknown-key", "index": 0, "id": 7, "line": 2, "column": 38,
+         "message": 'Unknown key "cameras" is ignored; did you mean "camera"?'},
+        {"document": "config", "code": "unknown-key", "index": 0, "id": 7, "line": 3, "column": 43,
+         "message": 'Unknown key "onvifTopic" is ignored; known here: "type".'},
+        {"document": "config", "code": "unknown-key", "line": 4, "column": 4,
+         "message": 'Unknown key "version" is ignored; known here: "properties", "triggers".'}]
+
+    def setUp(self):
+        super().setUp()
+        self.init()
+        self.given = self.write("given.json", self.MISSPELT)
+
+    def test_are_told_with_the_key_that_was_meant_and_change_nothing_else(self):
+        checked = self.run_tool("--json", "check", self.given)
+        self.assertEqual((checked.status, checked.json), (DONE, {"success": True, "errors": [], "warnings": self.WARNINGS}))
+        for command in (["apply", self.given], ["refresh"]):
+            outcome = self.run_tool("--json", *command)
+            self.assertEqual((outcome.status, outcome.json["success"], outcome.json["errors"], outcome.json["warnings"]),
+                             (DONE, True, [], self.WARNINGS))
+
+    def test_are_quoted_for_people_and_marked(self):
+        told = """{}:2:38: warning: Unknown key "cameras" is ignored; did you mean "camera"? (trigger 7)
+      {{"id": 7, "name": "gate", "tags": {{"cameras": {{"area": "gate"}}}},
+                                         ^
+"""
+        for command in ("check", "apply"):
+            self.assertIn(told.format("given.json"), self.run_tool(command, self.given).text)
+        self.assertIn(told.format("stored config"), self.run_tool("refresh").text)
+
+    def test_of_a_mapping_are_told_too_of_the_stored_one_as_well(self):
+        misspelt = self.write("mapping.json", b'{"triggerMapping": [\n{"scheduleIds": [], "triggerIds": [7], "x": 1}],\n'
+                                              b' "triggerMappings": []}')
+        warnings = [{"document": "mapping", "code": "unknown-key", "index": 0, "line": 2, "column": 40,
+                     "message": 'Unknown key "x" is ignored; known here: "scheduleIds", "triggerIds".'},
+                    {"document": "mapping", "code": "unknown-key", "line": 3, "column": 2,
+                     "message": 'Unknown key "triggerMappings" is ignored; known here: "triggerMapping".'}]
+        plain = self.write("plain.json", config(trigger(7)))
+        for command in (["check", plain, misspelt], ["apply", plain, misspelt], ["check", plain], ["apply", plain],
+                        ["refresh"]):
+            self.assertEqual(self.run_tool("--json", *command).json["warnings"], warnings)
+        self.assertIn("""stored mapping:2:40: warning: Unknown key "x" is ignored; known here: "scheduleIds", "triggerIds". (element 0)
+    {"scheduleIds": [], "triggerIds": [7], "x": 1}],
+                                           ^
+""", self.run_tool("check", plain).text)
+
+    def test_stand_beside_the_faults_of_a_document(self):
+        outcome = self.run_tool("--json", "check", self.write("mapping.json", config(trigger(7))),
+                                self.write("misspelt.json", {"triggerMappings": []}))
+        self.assertEqual(outcome.status, REJECTED)
+        self.assertEqual([fault["message"] for fault in outcome.json["errors"]],
+                         ['"triggerMapping" array is missing or invalid.'])
+        self.assertEqual([fault["message"] for fault in outcome.json["warnings"]],
+                         ['Unknown key "triggerMappings" is ignored; did you mean "triggerMapping"?'])
+
+    def test_of_a_trigger_for_another_server_are_left_to_that_one(self):
+        elsewhere = trigger(7, tags={"server": {"site": "south"}, "room": {}}, prio=1)
+        unknown = trigger(8, {"type": "radar", "range": 7}, topic_source())
+        self.assertEqual(self.check(config(elsewhere), expected=DONE)["warnings"], [])
+        self.assertNotIn("unknown-key", [warning["code"] for warning in self.check(config(unknown), expected=DONE)["warnings"]])
+
+    def test_are_none_in_tags_whose_names_are_free(self):
+        filters = {"server": {"site": "north"}, "camera": {"cameras": None}, "eventSubscription": {"id": "7"}}
+        self.assertNotIn("unknown-key", [warning["code"] for warning in
+                                         self.check(config(trigger(7, tags=filters)), expected=DONE)["warnings"]])
+
+    def test_reject_a_document_when_they_shall(self):
+        self.apply(config(trigger(6)))
+        before = self.rows()
+        self.apply(config(trigger(6), more=1))
+        self.assertNotEqual(self.rows(), before)
+        before = self.rows()
+        checked = self.run_tool("--json", "check", "--strict", self.given)
+        self.assertEqual((checked.status, checked.json), (REJECTED, {"success": False, "errors": [], "warnings": self.WARNINGS}))
+        applied = self.run_tool("--json", "apply", "--strict", self.given)
+        self.assertEqual(applied.status, REJECTED)
+        nothing = {"written": 0, "deleted": 0}
+        self.assertEqual(applied.json, {
+            "success": False, "errors": [], "warnings": self.WARNINGS, "reconciled": [], "state": None,
+            "changes": {kind: nothing for kind in applied.json["changes"]},
+            "remarks": ["With --strict, warnings reject a document."]})
+        refreshed = self.run_tool("--json", "refresh", "--strict")
+        self.assertEqual((refreshed.status, refreshed.json["success"], len(refreshed.json["warnings"])), (REJECTED, False, 1))
+        self.assertEqual(self.rows(), before)
+        self.assertTrue(self.run_tool("check", "--strict", self.given).text.endswith(
+            "\nValid, but rejected for its warnings (--strict).\n"))
+        self.assertTrue(self.run_tool("apply", "--strict", self.given).text.endswith(
+            "\nnote: With --strict, warnings reject a document.\nRejected; nothing changed.\n"))
+
+    def test_no_warning_is_no_reason_to_reject(self):
+        plain = self.write("plain.json", config(trigger(7)))
+        for command in (["check", "--strict", plain], ["apply", "--strict", plain], ["refresh", "--strict"]):
+            outcome = self.run_tool("--json", *command)
+            self.assertEqual((outcome.status, outcome.json["success"]), (DONE, True))
 
 
 if __name__ == "__main__":

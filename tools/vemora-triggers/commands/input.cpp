@@ -21,6 +21,9 @@ std::vector<Located_Fault> located(
   for (const embedded_server::Document_Warning& warning : warnings) {
     faults.push_back(locate(warning.fault));
     faults.back().warning = warning.code;
+    if (warning.stored) {
+      faults.back().document = warning.stored.get();
+    }
   }
   return faults;
 }

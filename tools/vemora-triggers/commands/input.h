@@ -28,7 +28,7 @@ struct Unreadable_Document {
 embedded_server::Json_Document read_input(const Options& options, const std::string& role,
                                           const std::string& path);
 
-/// Warnings with the files that they stand in, as `locate` tells.
+/// Warnings with the files that they stand in, as `locate` tells. They refer to `warnings`.
 std::vector<Located_Fault> located(
     const std::vector<embedded_server::Document_Warning>& warnings,
     const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);

@@ -6,6 +6,7 @@
 #include "tools/vemora-triggers/process/stored_note.h"
 #include "tools/vemora-triggers/render/pass.h"
 #include "tools/vemora-triggers/render/terminal.h"
+#include "vemora/operations/warnings/warnings.h"
 
 namespace kuv::vemora::tools {
 namespace {
@@ -47,7 +48,10 @@ class Noted_Pass {
 
 Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pass& run) {
   const Progress_Line progress(doing);
-  Trigger_Host host(embedded_server::Database::open(options.database), options.server_id);
+  const auto database = embedded_server::Database::open(options.database);
+  Trigger_Host host(database, options.server_id,
+                    {nullptr, nullptr, operations::warn_of_documents(database, options.server_id),
+                     options.strict});
   const Noted_Pass noted(host);
   return run(host);
 }

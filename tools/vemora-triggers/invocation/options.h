@@ -12,6 +12,7 @@ struct Options {
   std::string database = "vemora.db";
   std::uint64_t server_id = 1;
   bool json = false;
+  bool strict = false;  ///< warnings reject documents
   std::uint64_t max_values = embedded_server::most_values_unless_told;  ///< of a document
 };
 

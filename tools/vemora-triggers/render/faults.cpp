@@ -151,16 +151,19 @@ void print_check(const Options& options, std::size_t count,
                  const std::function<Located_Fault(std::size_t)>& fault_at,
                  const std::vector<Located_Fault>& warnings) {
   const auto warning_at = [&](std::size_t number) { return warnings[number]; };
+  const bool is_rejected = count != 0 || (options.strict && !warnings.empty());
   if (options.json) {
     std::cout << R"({"errors":)" << to_json(count, fault_at) << R"(,"success":)"
-              << (count == 0 ? "true" : "false") << R"(,"warnings":)"
+              << (is_rejected ? "false" : "true") << R"(,"warnings":)"
               << to_json(warnings.size(), warning_at) << "}\n";
     return;
   }
   print_for_people(count, fault_at);
   print_for_people(warnings.size(), warning_at);
-  if (count == 0) {
+  if (!is_rejected) {
     std::cout << "Valid.\n";
+  } else if (count == 0) {
+    std::cout << "Valid, but rejected for its warnings (--strict).\n";
   }
 }
 

@@ -17,6 +17,8 @@ using embedded_server::Changes;
 using embedded_server::Pass_Outcome;
 using embedded_server::printable;
 
+constexpr const char* rejected_for_warnings = "With --strict, warnings reject a document.";
+
 Json::Value empty_object() {
   return Json::Value(Json::objectValue);
 }
@@ -141,6 +143,9 @@ Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fau
   for (const std::string& remark : outcome.remarks) {
     answer["remarks"].append(remark);
   }
+  if (outcome.rejected_for_warnings) {
+    answer["remarks"].append(rejected_for_warnings);
+  }
   return answer;
 }
 
@@ -212,6 +217,9 @@ void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_F
   }
   for (const std::string& remark : outcome.remarks) {
     std::cout << "note: " << printable(remark) << '\n';
+  }
+  if (outcome.rejected_for_warnings) {
+    std::cout << "note: " << rejected_for_warnings << '\n';
   }
   if (outcome.status != Pass_Outcome::Status::rejected) {
     print_changes(outcome);

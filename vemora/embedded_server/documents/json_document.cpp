@@ -97,6 +97,11 @@ Surroundings Json_Document::surroundings(const Location& place) const {
 }
 
 Location Json_Document::locate_key(const Json::Value& member) const {
+  Text_Place nowhere;
+  return locate_offset(key_offset(member), nowhere);
+}
+
+std::size_t Json_Document::key_offset(const Json::Value& member) const {
   // Backwards from the value: a colon, the quote that ends the key, and the one that begins it,
   // which is the next that is not escaped, that is, has an even number of backslashes before it.
   const std::size_t colon = text_.rfind(':', offset_of(member) - 1);
@@ -107,7 +112,7 @@ Location Json_Document::locate_key(const Json::Value& member) const {
     begin = text_.rfind('"', begin - 1);
     backslashes = begin - (text_.find_last_not_of('\\', begin - 1) + 1);
   } while (backslashes % 2 != 0);
-  return places_.locate(text_, begin);
+  return begin - byte_order_mark_size(text_);
 }
 
 std::string_view Json_Document::line(std::size_t number) const {

@@ -53,6 +53,9 @@ class VEMORA_API Json_Document {
   /// Where the key of a member of an object of this document begins.
   Location locate_key(const Json::Value& member) const;
 
+  /// The same as an offset, counted as Json::Value::getOffsetStart does.
+  std::size_t key_offset(const Json::Value& member) const;
+
   /// What surrounds a place in its line, as far as people look.
   Surroundings surroundings(const Location& place) const;
 

@@ -6,7 +6,7 @@ namespace kuv::vemora::embedded_server {
 
 Noting_Parser::Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
                              const Json_Document& config, const Json_Document* mapping,
-                             std::vector<Check_Fault>& noted, Judge_Triggers judge)
+                             std::vector<Check_Fault>& noted, Judge_Parsed judge)
     : parser_(std::move(repository), server_id),
       mapping_(mapping),
       in_config_("config", &config, Located_Faults::Wanted::first, noted),
@@ -22,7 +22,7 @@ std::vector<Trigger_Config> Noting_Parser::parse_trigger_configs(const Json::Val
                                                                  const Trigger_Mapping& mapping) {
   std::vector<Trigger_Config> triggers =
       parser_.parse_trigger_configs(document, mapping, in_config_);
-  judge_(triggers);
+  judge_(mapping, triggers);
   return triggers;
 }
 

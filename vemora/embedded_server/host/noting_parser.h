@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "vemora/embedded_server/host/located_faults.h"
@@ -11,18 +10,19 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// Is given the triggers that were parsed.
-using Judge_Triggers = std::function<void(const std::vector<Trigger_Config>&)>;
+/// Is given what was parsed.
+using Judge_Parsed =
+    std::function<void(const Trigger_Mapping& schedules, const std::vector<Trigger_Config>&)>;
 
 /// The parser of a pass. It throws what the parser throws, and notes what that was about; has
-/// triggers judged that it threw nothing over.
+/// judged what it threw nothing over.
 class Noting_Parser : public Trigger_Parser {
  public:
   /// Notes in `noted`, which outlives the parser. A mapping that is given is read as it was given,
   /// and not as the manager completed it: in a new document nothing may be missing.
   Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
                 const Json_Document& config, const Json_Document* mapping,
-                std::vector<Check_Fault>& noted, Judge_Triggers judge);
+                std::vector<Check_Fault>& noted, Judge_Parsed judge);
 
   Trigger_Mapping parse_trigger_mapping(const Json::Value& document) override;
   std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
@@ -34,7 +34,7 @@ class Noting_Parser : public Trigger_Parser {
   const Json_Document* mapping_;
   Located_Faults in_config_;
   Located_Faults in_mapping_;
-  Judge_Triggers judge_;
+  Judge_Parsed judge_;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -9,7 +9,6 @@
 
 #include "vemora/embedded_server/host/located_faults.h"
 #include "vemora/embedded_server/host/noting_parser.h"
-#include "vemora/embedded_server/host/warn_of_unstorable_texts.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
@@ -53,11 +52,6 @@ void require_bearable(const Inventory_Meta_Type_Resolver::Object_Types& types) {
         fmt::format("object type \"{}\" of the site stands for more than {} types; give it fewer",
                     overgrown.names.front(), most_types_of_a_general_one));
   }
-}
-
-Json::Value value_of(const Json_Document* mapping, const Pass_Scope& pass) {
-  return mapping != nullptr ? mapping->value()
-                            : stored_document(pass.documents().mapping, "mapping").value();
 }
 
 /// The documents of a manager that was just made have what a missing key stands for.
@@ -107,7 +101,43 @@ Status status_of(const Directive_Config_Processing::Result& result) {
   return rejected ? Status::rejected : Status::failed;
 }
 
+/// Thrown where a pass must not go on: by no means an exception that the manager would tell of.
+struct Rejected_For_Warnings {};
+
 }  // namespace
+
+/// What a pass works on.
+struct Trigger_Host::Given_Documents {
+  Given_Documents(const Json_Document& given_config, const Json_Document* given_mapping,
+                  const Pass_Scope& pass)
+      : config(given_config), new_mapping(given_mapping) {
+    if (new_mapping == nullptr) {
+      stored_mapping =
+          std::make_shared<Json_Document>(stored_document(pass.documents().mapping, "mapping"));
+    }
+  }
+
+  /// The stored ones.
+  explicit Given_Documents(const Pass_Scope& pass)
+      : Given_Documents(std::make_shared<Json_Document>(
+                            stored_document(pass.documents().config, "configuration")),
+                        pass) {}
+
+  const Json_Document& mapping() const {
+    return new_mapping != nullptr ? *new_mapping : *stored_mapping;
+  }
+
+  std::shared_ptr<const Json_Document> stored_config;  ///< null where a new one is given
+  std::shared_ptr<const Json_Document> stored_mapping;
+  const Json_Document& config;
+  const Json_Document* new_mapping;
+
+ private:
+  Given_Documents(std::shared_ptr<const Json_Document> stored, const Pass_Scope& pass)
+      : Given_Documents(*stored, nullptr, pass) {
+    stored_config = std::move(stored);
+  }
+};
 
 Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id,
                            Host_Services services)
@@ -118,7 +148,9 @@ Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t ser
       capture_manager_(
           std::make_shared<Recording_Capture_Manager>(std::move(services.capture_manager))),
       pusher_(std::make_shared<Snapshot_Pusher>(std::move(services.pusher))),
-      resolver_(std::make_shared<Inventory_Meta_Type_Resolver>()) {}
+      resolver_(std::make_shared<Inventory_Meta_Type_Resolver>()),
+      judge_(std::move(services.judge)),
+      warnings_reject_(services.warnings_reject) {}
 
 Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping) {
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -126,35 +158,40 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
   Pass_Scope pass(database_, server_id_);
   Kept_Note kept(kept_, pass);
   begin();
+  const Given_Documents documents(config, mapping, pass);
   std::vector<Check_Fault> noted;
   Pass_Outcome outcome;
-  Directive_Config_Processing::Result result =
-      update_config(pass, config, mapping, noted, outcome.warnings);
-  outcome.status = status_of(result);
-  outcome.errors = std::move(result.errors);
+  update_config(pass, documents, noted, outcome);
   finish(pass,
          {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
          outcome);
   if (outcome.status == Status::rejected && !noted.empty()) {
     outcome.rejection = std::move(noted.front());
-  } else if (outcome.status == Status::rejected) {
+  } else if (outcome.status == Status::rejected && !outcome.rejected_for_warnings) {
     outcome.status = Status::failed;  // what the parser failed for is nothing in the documents
   }
   kept.note_end(outcome.status);
   return outcome;
 }
 
-Directive_Config_Processing::Result Trigger_Host::update_config(
-    Pass_Scope& pass, const Json_Document& config, const Json_Document* mapping,
-    std::vector<Check_Fault>& noted, std::vector<Document_Warning>& warnings) {
-  const Json::Value schedules = value_of(mapping, pass);
+void Trigger_Host::update_config(Pass_Scope& pass, const Given_Documents& documents,
+                                 std::vector<Check_Fault>& noted, Pass_Outcome& outcome) {
+  const Json::Value& schedules = documents.mapping().value();
   // The configuration before is about to be replaced: nothing is lost where it was damaged.
   const auto before = object_in(pass.documents().config.value_or("{}"));
   // A manager is made with objects alone; a mapping that is none is for its parser to reject.
   const Json::Value empty(Json::objectValue);
-  return make_manager(before ? before->value() : empty, schedules.isObject() ? schedules : empty,
-                      make_parser(config, mapping, noted, warnings))
-      ->update_config(config.value());
+  const auto manager =
+      make_manager(before ? before->value() : empty, schedules.isObject() ? schedules : empty,
+                   make_parser(documents, noted, outcome));
+  try {
+    Directive_Config_Processing::Result result = manager->update_config(documents.config.value());
+    outcome.status = status_of(result);
+    outcome.errors = std::move(result.errors);
+  } catch (const Rejected_For_Warnings&) {
+    outcome.status = Status::rejected;
+    outcome.rejected_for_warnings = true;
+  }
 }
 
 Pass_Outcome Trigger_Host::refresh() {
@@ -163,17 +200,25 @@ Pass_Outcome Trigger_Host::refresh() {
   Pass_Scope pass(database_, server_id_);
   Kept_Note kept(kept_, pass);
   begin();
-  const Json_Document config = stored_document(pass.documents().config, "configuration");
-  std::vector<Check_Fault> unheeded;
   Pass_Outcome outcome;
-  const auto manager = make_manager(config.value(), value_of(nullptr, pass),
-                                    make_parser(config, nullptr, unheeded, outcome.warnings));
-  Trigger_Config_State state;
-  outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
-  outcome.errors = std::move(state.errors);
+  refresh(Given_Documents(pass), outcome);
   finish(pass, {}, outcome);
   kept.note_end(outcome.status);
   return outcome;
+}
+
+void Trigger_Host::refresh(const Given_Documents& documents, Pass_Outcome& outcome) {
+  std::vector<Check_Fault> unheeded;
+  const auto manager = make_manager(documents.config.value(), documents.mapping().value(),
+                                    make_parser(documents, unheeded, outcome));
+  try {
+    Trigger_Config_State state;
+    outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
+    outcome.errors = std::move(state.errors);
+  } catch (const Rejected_For_Warnings&) {
+    outcome.status = Status::rejected;
+    outcome.rejected_for_warnings = true;
+  }
 }
 
 std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
@@ -186,6 +231,7 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
                                              const Json_Document* mapping,
                                              std::vector<Document_Warning>& warnings) {
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
+  const Given_Documents documents(config, mapping, pass);
   std::vector<Check_Fault> found;
   Located_Faults in_config("config", &config, Located_Faults::Wanted::all, found);
   Located_Faults in_mapping("mapping", mapping, Located_Faults::Wanted::all, found);
@@ -193,12 +239,12 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
   parser.parse_config_properties(config.value(), in_config);
   const Trigger_Mapping schedules = parser.parse_trigger_mapping(
       mapping != nullptr ? mapping->value()
-                         : with_default(value_of(nullptr, pass), "triggerMapping"),
+                         : with_default(documents.mapping().value(), "triggerMapping"),
       in_mapping);
   if (config.value().isObject()) {  // that it is none was told with the properties
-    warn_of_unstorable_texts(database_,
-                             parser.parse_trigger_configs(config.value(), schedules, in_config),
-                             config, warnings);
+    const std::vector<Trigger_Config> triggers =
+        parser.parse_trigger_configs(config.value(), schedules, in_config);
+    warnings = judge(documents, schedules, triggers, found.empty());
   }
   if (pass.fault()) {
     throw Database_Error(*pass.fault());
@@ -206,15 +252,36 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
   return found;
 }
 
-/// Documents and lists outlive it.
-std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Json_Document& config,
-                                                          const Json_Document* mapping,
+/// What it is given outlives it.
+std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Given_Documents& documents,
                                                           std::vector<Check_Fault>& noted,
-                                                          std::vector<Document_Warning>& warnings) {
-  const auto judge = [this, &config, &warnings](const std::vector<Trigger_Config>& triggers) {
-    warn_of_unstorable_texts(database_, triggers, config, warnings);
+                                                          Pass_Outcome& outcome) {
+  const auto judge_parsed = [this, &documents, &outcome](
+                                const Trigger_Mapping& schedules,
+                                const std::vector<Trigger_Config>& triggers) {
+    outcome.warnings = judge(documents, schedules, triggers, true);
+    if (warnings_reject_ && !outcome.warnings.empty()) {
+      throw Rejected_For_Warnings();
+    }
   };
-  return std::make_unique<Noting_Parser>(repository_, server_id_, config, mapping, noted, judge);
+  return std::make_unique<Noting_Parser>(repository_, server_id_, documents.config,
+                                         documents.new_mapping, noted, judge_parsed);
+}
+
+std::vector<Document_Warning> Trigger_Host::judge(const Given_Documents& documents,
+                                                  const Trigger_Mapping& schedules,
+                                                  const std::vector<Trigger_Config>& triggers,
+                                                  bool are_valid) {
+  if (!judge_) {
+    return {};
+  }
+  std::vector<Document_Warning> warnings =
+      judge_({documents.config, documents.mapping(), schedules, triggers, are_valid});
+  for (Document_Warning& warning : warnings) {
+    warning.stored =
+        warning.fault.document == "config" ? documents.stored_config : documents.stored_mapping;
+  }
+  return warnings;
 }
 
 std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(

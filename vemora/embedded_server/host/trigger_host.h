@@ -12,6 +12,7 @@
 #include "vemora/embedded_server/documents/check_fault.h"
 #include "vemora/embedded_server/documents/document_warning.h"
 #include "vemora/embedded_server/documents/json_document.h"
+#include "vemora/embedded_server/host/document_judge.h"
 #include "vemora/embedded_server/host/services.h"
 #include "vemora/embedded_server/persistent/changes.h"
 #include "vemora/embedded_server/persistent/database.h"
@@ -43,13 +44,17 @@ struct Pass_Outcome {
   Changes changes;
   std::vector<Document_Warning> warnings;
   std::optional<Check_Fault> rejection;  ///< of a rejected document: what for, as check() tells it
+  bool rejected_for_warnings = false;    ///< and for nothing else, since they are to reject
   bool changes_are_known = true;         ///< nobody may know what became of a commit
 };
 
-/// Who acts on what passes bring about. Where one is missing, nobody does.
+/// Who acts on what passes bring about, and who judges documents. Where one is missing, nobody
+/// does.
 struct Host_Services {
   std::shared_ptr<capture::Manager> capture_manager;
   std::shared_ptr<Trigger_Notification_Pusher> pusher;
+  Judge_Documents judge;
+  bool warnings_reject = false;  ///< a document with a warning is rejected, and nothing changes
 };
 
 /// Runs passes over one database as a server would. May be used from any thread; passes queue up.
@@ -76,7 +81,7 @@ class VEMORA_API Trigger_Host {
   /// Nothing when they are valid. Writes nothing and waits for nobody.
   std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
 
-  /// The same, and what else there is to say of the documents.
+  /// The same, and what the judge says of the documents.
   std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping,
                                  std::vector<Document_Warning>& warnings);
 
@@ -84,14 +89,16 @@ class VEMORA_API Trigger_Host {
   std::unique_ptr<Vemora_Trigger_Manager> make_manager(const Json::Value& config,
                                                        const Json::Value& mapping,
                                                        std::unique_ptr<Trigger_Parser> parser);
-  std::unique_ptr<Trigger_Parser> make_parser(const Json_Document& config,
-                                              const Json_Document* mapping,
+  struct Given_Documents;
+  std::unique_ptr<Trigger_Parser> make_parser(const Given_Documents& documents,
                                               std::vector<Check_Fault>& noted,
-                                              std::vector<Document_Warning>& warnings);
-  Directive_Config_Processing::Result update_config(Pass_Scope& pass, const Json_Document& config,
-                                                    const Json_Document* mapping,
-                                                    std::vector<Check_Fault>& noted,
-                                                    std::vector<Document_Warning>& warnings);
+                                              Pass_Outcome& outcome);
+  void update_config(Pass_Scope& pass, const Given_Documents& documents,
+                     std::vector<Check_Fault>& noted, Pass_Outcome& outcome);
+  void refresh(const Given_Documents& documents, Pass_Outcome& outcome);
+  std::vector<Document_Warning> judge(const Given_Documents& documents,
+                                      const Trigger_Mapping& schedules,
+                                      const std::vector<Trigger_Config>& triggers, bool are_valid);
   void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);
@@ -105,6 +112,8 @@ class VEMORA_API Trigger_Host {
   std::shared_ptr<Recording_Capture_Manager> capture_manager_;
   std::shared_ptr<Snapshot_Pusher> pusher_;
   std::shared_ptr<Inventory_Meta_Type_Resolver> resolver_;
+  Judge_Documents judge_;
+  bool warnings_reject_;
   std::atomic<Kept> kept_ = Kept::nothing;
   std::mutex mutex_;  ///< from the first read of a pass to the storing of its documents
 };

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kuv::vemora::operations {
+
+/// Looks for the name that was probably meant, among names that are offered to it one by one: the
+/// one that differs least, by a letter in three at most, or that has the wrong one in it.
+class Nearest_Name {
+ public:
+  explicit Nearest_Name(std::string_view wrong) : wrong_(wrong) {}
+
+  void offer(std::string_view name);
+
+  /// Empty when none comes near.
+  std::string_view found() const { return nearest_; }
+
+ private:
+  std::string_view wrong_;
+  std::string_view nearest_;
+  std::size_t distance_ = static_cast<std::size_t>(-1);
+};
+
+/// "; did you mean "..."?" or a full stop.
+std::string asking_for(std::string_view meant);
+
+}  // namespace kuv::vemora::operations
