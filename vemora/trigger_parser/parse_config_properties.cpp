@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "vemora/trigger_parser/faults.h"
+#include "vemora/trigger_parser/notification_settings.h"
 #include "vemora/trigger_parser/require_configuration.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -12,19 +13,17 @@ namespace {
 
 using Milliseconds = Notification_Properties::Milliseconds;
 
-/// The product is taken in 32 bits and wraps: servers hold these settings as 32-bit milliseconds,
-/// and documents with longer times are in use and mean what they have always meant.
-std::optional<Milliseconds> parse_duration(const Json::Value& properties, const char* key,
-                                           std::uint32_t milliseconds_per_unit, Faults& faults) {
-  const Json::Value& value = properties[key];
+std::optional<Milliseconds> parse_duration(const Json::Value& properties,
+                                           const Notification_Setting& setting, Faults& faults) {
+  const Json::Value& value = properties[setting.key];
   if (value.isNull()) {
     return std::nullopt;
   }
   if (!value.isUInt()) {
-    faults.add(value, fmt::format("\"properties.{}\" must be an unsigned integer.", key));
+    faults.add(value, fmt::format("\"properties.{}\" must be an unsigned integer.", setting.key));
     return std::nullopt;
   }
-  return Milliseconds(static_cast<std::uint32_t>(value.asUInt()) * milliseconds_per_unit);
+  return setting.held(value.asUInt());
 }
 
 Notification_Properties parse_properties(const Json::Value& properties, Faults& faults) {
@@ -33,11 +32,9 @@ Notification_Properties parse_properties(const Json::Value& properties, Faults& 
       !faults.require(properties.isObject(), properties, "\"properties\" must be a JSON object.")) {
     return parsed;
   }
-  parsed.max_latency = parse_duration(properties, "notificationMaxLatencySecs", 1000, faults);
-  parsed.digest_cooldown =
-      parse_duration(properties, "notificationDigestCooldownMins", 60000, faults);
-  parsed.ack_timeout = parse_duration(properties, "notificationAckTimeoutSecs", 1000, faults);
-  parsed.nack_delay = parse_duration(properties, "notificationNackDelayMs", 1, faults);
+  for (const Notification_Setting& setting : notification_settings) {
+    parsed.*setting.member = parse_duration(properties, setting, faults);
+  }
   return parsed;
 }
 

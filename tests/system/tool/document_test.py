@@ -24,7 +24,7 @@ class Checked_Documents(Site):
         return answer["errors"]
 
     def test_valid_documents_have_no_errors(self):
-        self.assertEqual(self.check(config(trigger(7)), mapping(([1], [7])), expected=DONE),
+        self.assertEqual(self.check(config(trigger(7, scheduleIds=[1])), mapping(([1], [7])), expected=DONE),
                          {"success": True, "errors": [], "warnings": []})
         self.assertEqual(self.run_tool("check", "config.json", "mapping.json").text, "Valid.\n")
 

@@ -184,6 +184,12 @@ class Strange_Texts(Site):
 stray.json:1:14: error: Missing "triggers" array.
     {"triggers": 1, "\\x80\\x9b31m \\u009b \\xff\\xc3": 1}
                  ^
+stray.json:1:17: warning: This text has bytes that are no UTF-8, the first one 0x80; save the document as UTF-8.
+    {"triggers": 1, "\\x80\\x9b31m \\u009b \\xff\\xc3": 1}
+                    ^
+stray.json:1:17: warning: Unknown key "\\x80\\x9b31m \\u009b \\xff\\xc3" is ignored; known here: "properties", "triggers".
+    {"triggers": 1, "\\x80\\x9b31m \\u009b \\xff\\xc3": 1}
+                    ^
 """)
         missing = self.run_tool("check", "missing\x1b[1m.json")
         self.assertNotIn(b"\x1b", missing.out + missing.err)

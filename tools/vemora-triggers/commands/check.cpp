@@ -1,3 +1,4 @@
+#include <functional>
 #include <vector>
 
 #include "tools/vemora-triggers/commands/commands.h"
@@ -17,9 +18,11 @@ Exit_Status check(const Options& options, const std::string& config_path,
       {nullptr, nullptr, operations::warn_of_documents(database, options.server_id)});
   std::vector<embedded_server::Document_Warning> warnings;
   const auto found = host.check(documents.config(), documents.mapping(), warnings);
-  print_check(
-      options, found.size(), [&](std::size_t number) { return documents.locate(found[number]); },
-      located(warnings, [&](const auto& fault) { return documents.locate(fault); }));
+  const std::function<Located_Fault(const embedded_server::Check_Fault&)> locate =
+      [&](const auto& fault) { return documents.locate(fault); };
+  print_check(options,
+              {found.size(), [&](std::size_t number) { return documents.locate(found[number]); }},
+              located(warnings, locate));
   const bool rejected = !found.empty() || (options.strict && !warnings.empty());
   return rejected ? exit_rejected : exit_done;
 }

@@ -114,10 +114,11 @@ void print_stored(const Options& options, const Inventory& inventory) {
 
 Exit_Status reject(const Options& options, const std::string& inventory_path,
                    const embedded_server::Json_Document& document, const Read_Inventory& read) {
-  print_faults(options, read.faults.size(), [&](std::size_t number) {
-    return Located_Fault{"inventory", inventory_path, read.faults[number], &document,
-                         {},          std::nullopt,   std::nullopt};
-  });
+  print_faults(options, {read.faults.size(), [&](std::size_t number) {
+                           return Located_Fault{
+                               "inventory", inventory_path, read.faults[number], &document,
+                               {},          std::nullopt,   std::nullopt};
+                         }});
   return exit_rejected;
 }
 

@@ -14,18 +14,18 @@ Json_Document read_input(const Options& options, const std::string& role, const 
   }
 }
 
-std::vector<Located_Fault> located(
+Fault_List located(
     const std::vector<embedded_server::Document_Warning>& warnings,
     const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate) {
-  std::vector<Located_Fault> faults;
-  for (const embedded_server::Document_Warning& warning : warnings) {
-    faults.push_back(locate(warning.fault));
-    faults.back().warning = warning.code;
-    if (warning.stored) {
-      faults.back().document = warning.stored.get();
-    }
-  }
-  return faults;
+  return {warnings.size(), [&](std::size_t number) {
+            const embedded_server::Document_Warning& warning = warnings[number];
+            Located_Fault fault = locate(warning.fault);
+            fault.warning = warning.code;
+            if (warning.stored) {
+              fault.document = warning.stored.get();
+            }
+            return fault;
+          }};
 }
 
 Trigger_Documents::Trigger_Documents(const Options& options, std::string config_path,

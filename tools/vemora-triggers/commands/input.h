@@ -28,10 +28,9 @@ struct Unreadable_Document {
 embedded_server::Json_Document read_input(const Options& options, const std::string& role,
                                           const std::string& path);
 
-/// Warnings with the files that they stand in, as `locate` tells. They refer to `warnings`.
-std::vector<Located_Fault> located(
-    const std::vector<embedded_server::Document_Warning>& warnings,
-    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);
+/// Warnings with the files that they stand in, as `locate` tells; both outlive the list.
+Fault_List located(const std::vector<embedded_server::Document_Warning>& warnings,
+                   const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);
 
 /// What `check` and `apply` are given.
 class Trigger_Documents {

@@ -78,35 +78,6 @@ void print_message(const Located_Fault& located) {
   std::cout << '\n';
 }
 
-/// The first faults, and of the very first ones the line.
-void print_for_people(std::size_t count,
-                      const std::function<Located_Fault(std::size_t)>& fault_at) {
-  const std::size_t told = std::min(count, most_messages);
-  for (std::size_t number = 0; number < told; ++number) {
-    const Located_Fault located = fault_at(number);
-    print_message(located);
-    if (number < most_excerpts) {
-      print_excerpt(located);
-    }
-  }
-  if (told < count) {
-    const std::string what = fault_at(told).warning.empty() ? "error" : "warning";
-    std::cout << fmt::format("{} more {}; --json tells of each.\n", count - told,
-                             count - told == 1 ? what : what + "s");
-  }
-}
-
-/// Texts, and not values of the JSON library: those take many times the room.
-std::string to_json(std::size_t count, const std::function<Located_Fault(std::size_t)>& fault_at) {
-  Json_Texts texts;
-  std::string list = "[";
-  for (std::size_t number = 0; number < count; ++number) {
-    list += number == 0 ? "" : ",";
-    list += texts.of(to_json(fault_at(number)));
-  }
-  return list + "]";
-}
-
 }  // namespace
 
 Json::Value to_json(const Located_Fault& located) {
@@ -134,35 +105,58 @@ void print_for_people(const Located_Fault& located) {
   print_excerpt(located);
 }
 
-void print_faults(const Options& options, std::size_t count,
-                  const std::function<Located_Fault(std::size_t)>& fault_at) {
+void print_for_people(const Fault_List& faults) {
+  const std::size_t told = std::min(faults.count, most_messages);
+  for (std::size_t number = 0; number < told; ++number) {
+    const Located_Fault located = faults.at(number);
+    print_message(located);
+    if (number < most_excerpts) {
+      print_excerpt(located);
+    }
+  }
+  if (told < faults.count) {
+    const std::size_t more = faults.count - told;
+    const std::string what = faults.at(told).warning.empty() ? "error" : "warning";
+    std::cout << fmt::format("{} more {}; --json tells of each.\n", more,
+                             more == 1 ? what : what + "s");
+  }
+}
+
+std::string to_json_text(const Fault_List& faults) {
+  Json_Texts texts;
+  std::string list = "[";
+  for (std::size_t number = 0; number < faults.count; ++number) {
+    list += number == 0 ? "" : ",";
+    list += texts.of(to_json(faults.at(number)));
+  }
+  return list + "]";
+}
+
+void print_faults(const Options& options, const Fault_List& faults) {
   if (options.json) {
-    std::cout << R"({"errors":)" << to_json(count, fault_at) << R"(,"success":false})" << '\n';
+    std::cout << R"({"errors":)" << to_json_text(faults) << R"(,"success":false})" << '\n';
   } else {
-    print_for_people(count, fault_at);
+    print_for_people(faults);
   }
 }
 
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults) {
-  print_faults(options, faults.size(), [&](std::size_t number) { return faults[number]; });
+  print_faults(options, {faults.size(), [&](std::size_t number) { return faults[number]; }});
 }
 
-void print_check(const Options& options, std::size_t count,
-                 const std::function<Located_Fault(std::size_t)>& fault_at,
-                 const std::vector<Located_Fault>& warnings) {
-  const auto warning_at = [&](std::size_t number) { return warnings[number]; };
-  const bool is_rejected = count != 0 || (options.strict && !warnings.empty());
+void print_check(const Options& options, const Fault_List& faults, const Fault_List& warnings) {
+  const bool is_rejected = faults.count != 0 || (options.strict && warnings.count != 0);
   if (options.json) {
-    std::cout << R"({"errors":)" << to_json(count, fault_at) << R"(,"success":)"
-              << (is_rejected ? "false" : "true") << R"(,"warnings":)"
-              << to_json(warnings.size(), warning_at) << "}\n";
+    std::cout << R"({"errors":)" << to_json_text(faults) << R"(,"success":)"
+              << (is_rejected ? "false" : "true") << R"(,"warnings":)" << to_json_text(warnings)
+              << "}\n";
     return;
   }
-  print_for_people(count, fault_at);
-  print_for_people(warnings.size(), warning_at);
+  print_for_people(faults);
+  print_for_people(warnings);
   if (!is_rejected) {
     std::cout << "Valid.\n";
-  } else if (count == 0) {
+  } else if (faults.count == 0) {
     std::cout << "Valid, but rejected for its warnings (--strict).\n";
   }
 }

@@ -26,21 +26,30 @@ struct Located_Fault {
   std::string warning = {};  ///< the code of a warning; empty: an error
 };
 
+/// Faults, or warnings, each made when it is printed: there may be a million.
+struct Fault_List {
+  std::size_t count = 0;
+  std::function<Located_Fault(std::size_t)> at;
+};
+
 Json::Value to_json(const Located_Fault& located);
+
+/// The text of an array. Texts, and not values of the JSON library: those take many times the room.
+std::string to_json_text(const Fault_List& faults);
 
 /// Prints where a fault is, what it is and the line that it stands in.
 void print_for_people(const Located_Fault& located);
 
+/// The first ones, of the very first ones the line, and how many more there are.
+void print_for_people(const Fault_List& faults);
+
 /// Prints why documents are rejected: as JSON each fault; for people the first ones, and how many
 /// more there are.
-void print_faults(const Options& options, std::size_t count,
-                  const std::function<Located_Fault(std::size_t)>& fault_at);
+void print_faults(const Options& options, const Fault_List& faults);
 void print_faults(const Options& options, const std::vector<Located_Fault>& faults);
 
 /// Prints what a check found: faults as above, warnings, and that there is no fault.
-void print_check(const Options& options, std::size_t count,
-                 const std::function<Located_Fault(std::size_t)>& fault_at,
-                 const std::vector<Located_Fault>& warnings);
+void print_check(const Options& options, const Fault_List& faults, const Fault_List& warnings);
 
 /// Prints why a command line was not understood.
 void print_wrong_usage(bool json, const std::string& message);

@@ -128,15 +128,14 @@ void add_place(Json::Value& error, const Located_Fault& fault) {
   }
 }
 
-Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
-                    const std::vector<Located_Fault>& warnings) {
+/// All but the warnings.
+Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place) {
   Json::Value answer = empty_object();
   answer["success"] = outcome.status == Pass_Outcome::Status::done;
   answer["errors"] = list_to_json(outcome.errors);
   if (place) {
     add_place(answer["errors"][0], *place);
   }
-  answer["warnings"] = list_to_json(warnings);
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
   answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
@@ -147,6 +146,13 @@ Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fau
     answer["remarks"].append(rejected_for_warnings);
   }
   return answer;
+}
+
+/// Their name is the last one of the answer, as names are ordered.
+void print_json(const Json::Value& answer, const Fault_List& warnings) {
+  std::string text = Json_Texts().of(answer);
+  text.pop_back();
+  std::cout << text << R"(,"warnings":)" << to_json_text(warnings) << "}\n";
 }
 
 template <class Item>
@@ -210,11 +216,9 @@ void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> plac
 }
 
 void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
-                      const std::vector<Located_Fault>& warnings) {
+                      const Fault_List& warnings) {
   print_errors(outcome, place);
-  for (const Located_Fault& warning : warnings) {
-    print_for_people(warning);
-  }
+  print_for_people(warnings);
   for (const std::string& remark : outcome.remarks) {
     std::cout << "note: " << printable(remark) << '\n';
   }
@@ -246,10 +250,9 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
 }
 
 void print_outcome(const Options& options, const Pass_Outcome& outcome,
-                   const std::optional<Located_Fault>& place,
-                   const std::vector<Located_Fault>& warnings) {
+                   const std::optional<Located_Fault>& place, const Fault_List& warnings) {
   if (options.json) {
-    print_json(to_json(outcome, place, warnings));
+    print_json(to_json(outcome, place), warnings);
   } else {
     print_for_people(outcome, place, warnings);
   }
@@ -269,13 +272,13 @@ void print_failed_pass(const Options& options, const std::string& message,
   }
   Pass_Outcome outcome;
   outcome.errors = {{Error::Category::failed_processing, message}};
-  Json::Value answer = to_json(outcome, std::nullopt, {});
+  Json::Value answer = to_json(outcome, std::nullopt);
   if (!stored.empty()) {
     answer["remarks"].append(stored);
     answer["changes"] = Json::Value();  // what was written got lost with the outcome
     answer["reconciled"] = Json::Value();
   }
-  print_json(answer);
+  print_json(answer, {});
 }
 
 }  // namespace kuv::vemora::tools

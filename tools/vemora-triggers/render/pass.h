@@ -16,8 +16,7 @@ Exit_Status exit_status_of(const embedded_server::Pass_Outcome& outcome);
 /// Prints what became of a pass, with its warnings; of a rejected document also where, as far as
 /// that is known.
 void print_outcome(const Options& options, const embedded_server::Pass_Outcome& outcome,
-                   const std::optional<Located_Fault>& place,
-                   const std::vector<Located_Fault>& warnings = {});
+                   const std::optional<Located_Fault>& place, const Fault_List& warnings = {});
 
 /// Prints that there was no pass, because a document could not be read.
 void print_no_pass(const Options& options, const Located_Fault& fault);

@@ -17,6 +17,7 @@ struct Read_Documents {
   const Trigger_Mapping& schedules;
   const std::vector<Trigger_Config>& triggers;  ///< in the order of the document
   bool are_valid;  ///< if not, neither schedules nor triggers are complete
+  bool in_pass;    ///< which will read the site's subscriptions anyway
 };
 
 /// Says what an operator surely did not mean, though the parser has no fault to find. It is asked

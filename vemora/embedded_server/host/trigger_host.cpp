@@ -244,7 +244,7 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
   if (config.value().isObject()) {  // that it is none was told with the properties
     const std::vector<Trigger_Config> triggers =
         parser.parse_trigger_configs(config.value(), schedules, in_config);
-    warnings = judge(documents, schedules, triggers, found.empty());
+    warnings = judge(documents, schedules, triggers, found.empty(), false);
   }
   if (pass.fault()) {
     throw Database_Error(*pass.fault());
@@ -259,7 +259,7 @@ std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Given_Documents&
   const auto judge_parsed = [this, &documents, &outcome](
                                 const Trigger_Mapping& schedules,
                                 const std::vector<Trigger_Config>& triggers) {
-    outcome.warnings = judge(documents, schedules, triggers, true);
+    outcome.warnings = judge(documents, schedules, triggers, true, true);
     if (warnings_reject_ && !outcome.warnings.empty()) {
       throw Rejected_For_Warnings();
     }
@@ -271,12 +271,12 @@ std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Given_Documents&
 std::vector<Document_Warning> Trigger_Host::judge(const Given_Documents& documents,
                                                   const Trigger_Mapping& schedules,
                                                   const std::vector<Trigger_Config>& triggers,
-                                                  bool are_valid) {
+                                                  bool are_valid, bool in_pass) {
   if (!judge_) {
     return {};
   }
   std::vector<Document_Warning> warnings =
-      judge_({documents.config, documents.mapping(), schedules, triggers, are_valid});
+      judge_({documents.config, documents.mapping(), schedules, triggers, are_valid, in_pass});
   for (Document_Warning& warning : warnings) {
     warning.stored =
         warning.fault.document == "config" ? documents.stored_config : documents.stored_mapping;

@@ -98,7 +98,8 @@ class VEMORA_API Trigger_Host {
   void refresh(const Given_Documents& documents, Pass_Outcome& outcome);
   std::vector<Document_Warning> judge(const Given_Documents& documents,
                                       const Trigger_Mapping& schedules,
-                                      const std::vector<Trigger_Config>& triggers, bool are_valid);
+                                      const std::vector<Trigger_Config>& triggers, bool are_valid,
+                                      bool in_pass);
   void begin();
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "vemora/embedded_server/documents/document_warning.h"
@@ -27,11 +28,13 @@ class Found_Warnings {
       : documents_(documents) {}
 
   // The place of a warning is that of a value, or of the key of a member, or an offset.
-  void in_config(const char* code, const Json::Value& value, Subject subject, std::string message);
-  void in_mapping(const char* code, const Json::Value& value, Subject subject, std::string message);
+  void in_config(std::string_view code, const Json::Value& value, Subject subject,
+                 std::string message);
+  void in_mapping(std::string_view code, const Json::Value& value, Subject subject,
+                  std::string message);
   void at_key(const embedded_server::Json_Document& document, const Json::Value& member,
               Subject subject, std::string message);
-  void at_offset(const char* code, const embedded_server::Json_Document& document,
+  void at_offset(std::string_view code, const embedded_server::Json_Document& document,
                  std::size_t offset, Subject subject, std::string message);
 
   /// In the order of the documents, the configuration first.
@@ -41,10 +44,12 @@ class Found_Warnings {
   struct Found {
     bool in_mapping;
     std::size_t offset;  ///< as Json::Value::getOffsetStart counts
-    const char* code;
+    std::string_view code;
     Subject subject;
     std::string message;
   };
+
+  static std::tuple<bool, std::size_t> place_of(const Found& found);
 
   embedded_server::Document_Warning located(Found&& found, embedded_server::Text_Place& last) const;
 

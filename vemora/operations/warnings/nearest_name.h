@@ -23,6 +23,16 @@ class Nearest_Name {
   std::size_t distance_ = static_cast<std::size_t>(-1);
 };
 
+/// How many names may be looked at in all where there may be thousands, and thousands to be found.
+class Comparison_Budget {
+ public:
+  /// Counts one.
+  bool is_spent() { return left_ == 0 || --left_ == 0; }
+
+ private:
+  std::size_t left_ = 1'000'000;
+};
+
 /// "; did you mean "..."?" or a full stop.
 std::string asking_for(std::string_view meant);
 

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "vemora/operations/warnings/nearest_name.h"
+#include "vemora/platform/repositories/repository.h"
+
+namespace kuv::vemora::operations {
+
+/// What the cameras that a filter selects are good for. Each question of a filter is asked once.
+class Camera_Selections {
+ public:
+  using Terms = std::set<ODB_Utils::Tag_Search_Term>;
+
+  /// In a pass, what is subscribed is looked at before what cameras support; else the other way
+  /// round. Either is enough, and either may have to be read first.
+  Camera_Selections(Repository& repository, bool in_pass)
+      : repository_(repository), in_pass_(in_pass) {}
+
+  /// The selection of a filter; without terms, all cameras.
+  class Selection;
+  Selection of(const Terms& terms);
+
+ private:
+  using Cameras = Camera_Repository::Camera_List;
+
+  struct Topic {
+    bool is_heard;
+    std::string nearest;  ///< one that is supported, where this one is not
+  };
+
+  /// What is known of the cameras of one filter. The cameras themselves are not kept: thousands of
+  /// filters may select thousands of cameras each.
+  struct Known {
+    std::size_t count = 0;
+    std::optional<bool> detects_objects;
+    std::optional<bool> detects_motion;
+    std::map<std::string, Topic> topics;
+  };
+
+  const Cameras& cameras_of(const Terms& terms);
+  bool is_subscribed(const Cameras& cameras, const std::string& topic);
+  Topic judged(const Cameras& cameras, const std::string& topic);
+  std::string nearest_topic(const Cameras& cameras, const std::string& topic);
+
+  Repository& repository_;
+  bool in_pass_;
+  std::map<Terms, Known> known_;
+  std::optional<Terms> last_terms_;
+  Cameras last_cameras_;
+  Comparison_Budget budget_;
+};
+
+class Camera_Selections::Selection {
+ public:
+  std::size_t count() const { return known_.count; }
+
+  // Whether at least one of the cameras does.
+  bool detects_objects();
+  bool detects_motion();
+
+  /// Supports the topic, or has a subscription to it already.
+  bool hears(const std::string& topic) { return judged(topic).is_heard; }
+
+  /// A topic that one of them supports and that is like this one, which none hears; may be empty.
+  const std::string& nearest_topic(const std::string& topic) { return judged(topic).nearest; }
+
+ private:
+  friend class Camera_Selections;
+  Selection(Camera_Selections& all, const Terms& terms, Known& known)
+      : all_(all), terms_(terms), known_(known) {}
+
+  const Topic& judged(const std::string& topic);
+
+  Camera_Selections& all_;
+  const Terms& terms_;
+  Known& known_;
+};
+
+}  // namespace kuv::vemora::operations

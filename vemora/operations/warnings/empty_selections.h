@@ -1,0 +1,16 @@
+#pragma once
+
+#include <vector>
+
+#include "vemora/operations/warnings/judged_triggers.h"
+#include "vemora/platform/repositories/repository.h"
+
+namespace kuv::vemora::operations {
+
+/// Warns of filters that match no camera or no generic subscription, and of sources that no camera
+/// of the trigger can bring anything for.
+void warn_of_empty_selections(const embedded_server::Read_Documents& documents,
+                              Repository& repository, const std::vector<Judged_Trigger>& triggers,
+                              Found_Warnings& found);
+
+}  // namespace kuv::vemora::operations

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vector>
+
+#include "vemora/operations/warnings/judged_triggers.h"
+#include "vemora/operations/warnings/schedule_look_up.h"
+
+namespace kuv::vemora::operations {
+
+/// Warns of schedules in the triggers' own lists that make them inactive.
+void warn_of_unusable_schedules(Schedule_Look_Up& schedules,
+                                const std::vector<Judged_Trigger>& triggers, Found_Warnings& found);
+
+}  // namespace kuv::vemora::operations
