@@ -71,7 +71,7 @@ TEST_P(Large_Site, keeps_every_camera_right) {
   EXPECT_EQ(outcome.state->search_items_by_trigger.at(7).size(), camera_count);
 
   outcome = refresh();
-  EXPECT_TRUE(is_empty(outcome.changes));
+  EXPECT_TRUE(outcome.changes.empty());
   EXPECT_THAT(outcome.reconciled, IsEmpty());
 
   outcome = update_config(config_with_topics(first_and_second));
@@ -94,7 +94,7 @@ TEST_P(Large_Site, keeps_every_camera_right) {
 
   restart();
   outcome = refresh();
-  EXPECT_TRUE(is_empty(outcome.changes));
+  EXPECT_TRUE(outcome.changes.empty());
   EXPECT_EQ(outcome.state->onvif_topics_by_trigger.at(7).size(), camera_count - 1);
 
   outcome = update_config(R"({"triggers": []})");

@@ -198,6 +198,35 @@ std::map<std::uint64_t, Ids> Pass_Model::wanted_generic() const {
   return wanted;
 }
 
+/// Nobody joins a topic without a camera, and only who listens to that topic on whatever camera
+/// stays there.
+void Pass_Model::take_off_topics_without_a_camera() {
+  for (const auto& [id, topic] : without_camera_) {
+    Ids staying;
+    for (const std::uint64_t trigger_id : generic_.at(id)) {
+      const auto found = active_.find(trigger_id);
+      if (found != active_.end() && found->second.topics.count(topic) == 1 &&
+          found->second.camera_filter.empty()) {
+        staying.insert(trigger_id);
+      }
+    }
+    generic_[id] = staying;
+  }
+}
+
+Ids Pass_Model::stored_ids() const {
+  Ids ids;
+  for (const auto& entry : active_) {
+    ids.insert(entry.first);
+  }
+  return ids;
+}
+
+void Pass_Model::leave_behind_a_topic_without_a_camera(std::uint64_t id, const std::string& topic) {
+  without_camera_[id] = topic;
+  generic_[id] = stored_ids();
+}
+
 /// Enters the subscriptions that are there before the first snag.
 bool Pass_Model::creates_its_subscriptions(const Trigger_Spec& trigger, const Snags& snags,
                                            std::set<Place>& present) const {
@@ -276,7 +305,10 @@ void Pass_Model::pass(const std::vector<Trigger_Spec>& triggers,
   const std::map<Place, Ids> wanted = wanted_subscriptions();
   note_cameras(wanted, present, processed);
   subscriptions_ = wanted;
-  generic_ = wanted_generic();
+  take_off_topics_without_a_camera();
+  for (auto& [id, trigger_ids] : wanted_generic()) {
+    generic_[id] = trigger_ids;
+  }
   detections_ = wanted_detections();
 }
 

@@ -58,6 +58,11 @@ class Pass_Model {
   void pass(const std::vector<Trigger_Spec>& triggers, const std::vector<Mapping_Spec>& mapping,
             const Snags& snags = {});
 
+  /// What another program leaves behind: a subscription on a topic, without a camera, that holds
+  /// the triggers that are stored. Its id is taken by nobody.
+  void leave_behind_a_topic_without_a_camera(std::uint64_t id, const std::string& topic);
+  Ids stored_ids() const;
+
   // Of the last pass.
   /// The cameras that the trigger manager asks for.
   std::vector<std::uint64_t> reconciled() const { return {reconciled_.begin(), reconciled_.end()}; }
@@ -84,6 +89,7 @@ class Pass_Model {
   std::map<Place, Ids> wanted_subscriptions() const;
   std::map<std::uint64_t, Ids> wanted_detections() const;
   std::map<std::uint64_t, Ids> wanted_generic() const;
+  void take_off_topics_without_a_camera();
   bool creates_its_subscriptions(const Trigger_Spec& trigger, const Snags& snags,
                                  std::set<Place>& present) const;
   void note_cameras(const std::map<Place, Ids>& wanted, const std::set<Place>& present,
@@ -97,6 +103,7 @@ class Pass_Model {
   std::map<std::uint64_t, Trigger_Spec> active_;
   std::map<Place, Ids> subscriptions_;
   std::map<std::uint64_t, Ids> generic_;
+  std::map<std::uint64_t, std::string> without_camera_;  ///< topics; their triggers are in generic_
   std::map<std::uint64_t, Ids> detections_;
   Ids reconciled_;
   Ids changed_cameras_;

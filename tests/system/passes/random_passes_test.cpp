@@ -17,10 +17,30 @@ class Random_Life {
 
   void live(int passes) {
     test::live(
-        passes, random_, server_, [this] { server_.restart(); }, [this] { next_pass(); });
+        passes, random_, server_, [this] { server_.restart(); },
+        [this] {
+          if (random_.one_in(6)) {
+            leave_behind_a_topic_without_a_camera();
+          }
+          next_pass();
+        });
   }
 
  private:
+  /// As no pass does, but another program may.
+  void leave_behind_a_topic_without_a_camera() {
+    const std::uint64_t id = next_id_++;
+    const std::string topic = random_.one_in(2) ? "a" : "a.b";
+    server_.foreign_program().execute("INSERT INTO subscription (id, name, onvif_topic) VALUES (" +
+                                      std::to_string(id) + ", 'half', '" + topic + "')");
+    for (const std::uint64_t trigger_id : model_.stored_ids()) {
+      server_.foreign_program().execute(
+          "INSERT INTO subscription_trigger VALUES (" + std::to_string(id) + ", " +
+          std::to_string(static_cast<std::int64_t>(trigger_id)) + ")");
+    }
+    model_.leave_behind_a_topic_without_a_camera(id, topic);
+  }
+
   void next_pass() {
     switch (random_.pick(8)) {
       case 0:
@@ -106,7 +126,7 @@ class Random_Life {
   void expect_nothing_more_to_do() {
     const auto before = server_.stored();
     const Outcome again = server_.refresh();
-    EXPECT_TRUE(is_empty(again.changes));
+    EXPECT_TRUE(again.changes.empty());
     EXPECT_EQ(again.reconciled, std::vector<std::uint64_t>());
     EXPECT_EQ(lines_of(again.state), model_.state());
     EXPECT_EQ(server_.stored(), before);
@@ -118,6 +138,7 @@ class Random_Life {
   Pass_Model model_;
   std::vector<Trigger_Spec> triggers_;
   std::vector<Mapping_Spec> mapping_;
+  std::uint64_t next_id_ = 5000;
 };
 
 class Random_Passes : public testing::TestWithParam<Database_Engine> {

@@ -113,15 +113,6 @@ std::vector<std::string> lines_of(const std::optional<Trigger_Config_State>& sta
   return lines;
 }
 
-bool is_empty(const Changes& changes) {
-  const auto is_empty_one = [](const auto& of) {
-    return of.added.empty() && of.updated.empty() && of.deleted.empty();
-  };
-  return is_empty_one(changes.triggers) && is_empty_one(changes.subscriptions) &&
-         is_empty_one(changes.subscription_links) && is_empty_one(changes.eta_cameras) &&
-         is_empty_one(changes.eta_camera_links);
-}
-
 Server_Around::Server_Around(const Database_Engine& engine)
     : Database_Fixture(engine),
       capture_manager(std::make_shared<Recording_Capture_Manager>()),

@@ -61,8 +61,6 @@ struct Outcome {
 /// A state as lines of text, one fact each, in the order of the members.
 std::vector<std::string> lines_of(const std::optional<Trigger_Config_State>& state);
 
-bool is_empty(const Changes& changes);
-
 /// A server around a trigger manager: real parser, real repositories, one pass a call.
 class Server_Around : public Database_Fixture {
  public:

@@ -25,17 +25,6 @@ std::vector<std::string> link_texts(const std::vector<Changes::Link>& links) {
   return texts;
 }
 
-template <class Item>
-bool is_empty(const Changes::Of<Item>& changes) {
-  return changes.added.empty() && changes.updated.empty() && changes.deleted.empty();
-}
-
-bool is_empty(const Changes& changes) {
-  return is_empty(changes.triggers) && is_empty(changes.subscriptions) &&
-         is_empty(changes.subscription_links) && is_empty(changes.eta_cameras) &&
-         is_empty(changes.eta_camera_links);
-}
-
 /// A site of two cameras with two triggers on both.
 class Passes : public Database_Test {
  protected:
@@ -368,7 +357,7 @@ TEST_P(Passes, change_nothing_where_what_went_came_back) {
   clean_up();
   pass->end();
 
-  EXPECT_TRUE(is_empty(pass->changes()));
+  EXPECT_TRUE(pass->changes().empty());
   EXPECT_THAT(pass->changes().triggers.updated, IsEmpty());
   EXPECT_THAT(pass->pending_cameras(), IsEmpty());
   EXPECT_EQ(stored(), before);
@@ -389,7 +378,7 @@ TEST_P(Passes, of_an_unchanged_site_change_nothing) {
   clean_up();
   pass->end();
 
-  EXPECT_TRUE(is_empty(pass->changes()));
+  EXPECT_TRUE(pass->changes().empty());
   EXPECT_THAT(pass->pending_cameras(), IsEmpty());
   pass->store({}, {});
   EXPECT_EQ(stored(), before);

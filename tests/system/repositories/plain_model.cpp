@@ -52,31 +52,30 @@ bool trigger_fits(const Subscription_Query& query, const Plain_Model::Subscripti
   return query.trigger_match == Subscription_Query::Trigger_Match::holding ? holds : !holds;
 }
 
+bool is_topic_kind(const Plain_Model::Subscription& record) {
+  return record.camera_id.has_value() && record.topic.has_value();
+}
+
 bool kind_fits(const Subscription_Query& query, const Plain_Model::Subscription& record) {
-  const bool is_topic = record.camera_id.has_value();
   switch (query.kind) {
     case Subscription_Query::Kind::any:
       return true;
     case Subscription_Query::Kind::topic:
-      return is_topic;
+      return is_topic_kind(record);
     case Subscription_Query::Kind::generic:
-      return !is_topic;
+      return !record.camera_id.has_value() && !record.topic.has_value();
   }
   return false;
 }
 
-bool place_fits(const Subscription_Query& query, const Plain_Model::Subscription& record) {
+bool topics_and_cameras_fit(const Subscription_Query& query,
+                            const Plain_Model::Subscription& record) {
   const bool on_topic = lists_topic(query, record);
-  const bool on_camera = lists_camera(query, record.camera_id);
+  const bool on_camera = query.cameras.empty() || lists_camera(query, record.camera_id);
   if (query.topics_and_cameras == Subscription_Query::Topics_And_Cameras::matching) {
-    return (query.topics.empty() || on_topic) && (query.cameras.empty() || on_camera);
+    return (query.topics.empty() || on_topic) && on_camera;
   }
-  if (query.topics.empty()) {
-    return true;
-  }
-  const bool is_topic = record.camera_id.has_value();
-  const bool camera_excluded = !query.cameras.empty() && !on_camera;
-  return is_topic && (!on_topic || camera_excluded);
+  return !(on_topic && on_camera);
 }
 
 bool tags_fit(const Subscription_Query& query, const Plain_Model::Subscription& record) {
@@ -230,7 +229,7 @@ void Plain_Model::delete_triggers_except(const Ids& kept) {
 
 void Plain_Model::delete_stale_subscriptions() {
   for (auto place = subscriptions.begin(); place != subscriptions.end();) {
-    const bool goes = place->second.camera_id.has_value() && place->second.trigger_ids.empty();
+    const bool goes = is_topic_kind(place->second) && place->second.trigger_ids.empty();
     place = goes ? subscriptions.erase(place) : std::next(place);
   }
 }
@@ -243,8 +242,8 @@ void Plain_Model::delete_stale_detections() {
 
 std::vector<std::string> Plain_Model::answer(const Subscription_Query& query) const {
   return texts_of_those(subscriptions, [&query](const Subscription& record) {
-    return trigger_fits(query, record) && kind_fits(query, record) && place_fits(query, record) &&
-           tags_fit(query, record);
+    return trigger_fits(query, record) && kind_fits(query, record) &&
+           topics_and_cameras_fit(query, record) && tags_fit(query, record);
   });
 }
 
@@ -263,7 +262,7 @@ std::vector<std::string> Plain_Model::stale(const Ids& live) const {
   return texts_of_those(subscriptions, [&live](const Subscription& record) {
     const bool holds_live = std::any_of(record.trigger_ids.begin(), record.trigger_ids.end(),
                                         [&live](std::uint64_t id) { return live.count(id) == 1; });
-    return live.empty() || (record.camera_id.has_value() && !holds_live);
+    return live.empty() || (is_topic_kind(record) && !holds_live);
   });
 }
 

@@ -80,6 +80,16 @@ class Repositories_Against_Model : public Contract_Test, protected Random_Draws 
     }
   }
 
+  /// What another program left behind: subscriptions with a camera or a topic, but not both.
+  void given_subscriptions_of_no_kind() {
+    foreign_program().execute(
+        "INSERT INTO subscription (id, name, camera_id) VALUES (6, 'no topic', 10)");
+    foreign_program().execute(
+        "INSERT INTO subscription (id, name, onvif_topic) VALUES (9, 'no camera', 'a')");
+    model().subscriptions[6] = {"no topic", 10, std::nullopt, {}, {}};
+    model().subscriptions[9] = {"no camera", std::nullopt, "a", {}, {}};
+  }
+
   // Writes. Each is accepted exactly when the model accepts it.
 
   void add_a_trigger() {
@@ -322,6 +332,7 @@ INSTANTIATE_TEST_SUITE_P(Engines, Repositories_Against_Model, testing::ValuesIn(
                          name_of_contract);
 
 TEST_P(Repositories_Against_Model, answer_every_combination_of_questions_as_a_plain_model_does) {
+  given_subscriptions_of_no_kind();
   for (int round = 0; round < 250; ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
     for (std::size_t writes = pick(6); writes > 0; --writes) {

@@ -266,6 +266,43 @@ TEST_P(Subscription_Repository_Contract, takes_links_from_two_copies_of_one_reco
   });
 }
 
+TEST_P(Subscription_Repository_Contract,
+       takes_a_link_from_a_copy_that_another_has_not_handed_over) {
+  site.given_camera(10);
+  given_trigger(7);
+  const auto joining = given_trigger(8);
+  const auto one = given_topic_subscription(10, "a", {7});
+  const auto other = std::make_shared<metadata_event_subscription>(*one);
+  one->add_trigger(joining);
+
+  other->add_trigger(joining);
+  EXPECT_TRUE(subscriptions().update(other));
+
+  now_and_after_reopening([this] {
+    EXPECT_THAT(triggers_of(1), ElementsAre(7, 8));
+    EXPECT_THAT(holding(8), ElementsAre(1));
+  });
+}
+
+TEST_P(Subscription_Repository_Contract, keeps_for_later_what_was_not_handed_over_with_a_copy) {
+  site.given_camera(10);
+  const auto leaving = given_trigger(7);
+  const auto joining = given_trigger(8);
+  const auto one = given_topic_subscription(10, "a", {7});
+  const auto other = std::make_shared<metadata_event_subscription>(*one);
+  one->remove_trigger(leaving);
+  other->add_trigger(joining);
+  EXPECT_TRUE(subscriptions().update(other));
+  EXPECT_THAT(holding(7), ElementsAre(1));
+
+  EXPECT_TRUE(subscriptions().update(one));
+
+  now_and_after_reopening([this] {
+    EXPECT_THAT(triggers_of(1), ElementsAre(8));
+    EXPECT_THAT(holding(7), IsEmpty());
+  });
+}
+
 TEST_P(Subscription_Repository_Contract, refuses_to_update_a_subscription_that_is_not_stored) {
   site.given_camera(10);
   given_trigger(7);
@@ -527,6 +564,79 @@ TEST_P(Subscription_Repository_Contract, orders_by_unsigned_id) {
                 ElementsAre(0, 3, largest_signed_id, first_unsigned_id, largest_id));
     EXPECT_THAT(holding(7), ElementsAre(0, 3, largest_signed_id, first_unsigned_id, largest_id));
   });
+}
+
+/// Topic subscriptions, a generic one, and what only another program leaves behind: a camera
+/// without a topic (77) and a topic without a camera (78). All hold trigger 7.
+class Inside_And_Outside : public Subscription_Repository_Contract {
+ protected:
+  Inside_And_Outside() {
+    site.given_camera(10);
+    site.given_camera(11);
+    site.given_generic_subscription(100);
+    given_trigger(7);
+    given_trigger(8);
+    given_topic_subscription(10, "a", {7});
+    given_topic_subscription(10, "b", {7});
+    given_topic_subscription(11, "a", {7});
+    reopen();
+    for (const std::string values : {"(id, name, camera_id) VALUES (77, 'no topic', 10)",
+                                     "(id, name, onvif_topic) VALUES (78, 'no camera', 'a')"}) {
+      foreign_program().execute("INSERT INTO subscription " + values);
+    }
+    foreign_program().execute("INSERT INTO subscription_trigger VALUES (77, 7), (78, 7), (100, 7)");
+  }
+
+  /// The same for those that hold trigger 7 and for those that lack trigger 8.
+  std::vector<std::uint64_t> found(Subscription_Query::Topics_And_Cameras where,
+                                   const std::vector<std::string>& topics,
+                                   const std::vector<std::uint64_t>& camera_ids) {
+    Subscription_Query query;
+    query.topics_and_cameras = where;
+    query.topics = topics;
+    for (const std::uint64_t id : camera_ids) {
+      query.cameras.push_back(camera_of_id(id));
+    }
+    query.trigger = a_trigger(7);
+    const auto holding = ids_of(subscriptions().Get_Matching_Subscriptions(query));
+    query.trigger = a_trigger(8);
+    query.trigger_match = Subscription_Query::Trigger_Match::lacking;
+    EXPECT_EQ(ids_of(subscriptions().Get_Matching_Subscriptions(query)), holding);
+    return holding;
+  }
+
+  std::vector<std::uint64_t> inside(const std::vector<std::string>& topics,
+                                    const std::vector<std::uint64_t>& camera_ids) {
+    return found(Subscription_Query::Topics_And_Cameras::matching, topics, camera_ids);
+  }
+  std::vector<std::uint64_t> outside(const std::vector<std::string>& topics,
+                                     const std::vector<std::uint64_t>& camera_ids) {
+    return found(Subscription_Query::Topics_And_Cameras::outside, topics, camera_ids);
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Engines, Inside_And_Outside, testing::ValuesIn(contracts()),
+                         name_of_contract);
+
+TEST_P(Inside_And_Outside, are_complements_whatever_a_subscription_lacks) {
+  EXPECT_THAT(inside({"a"}, {}), ElementsAre(1, 3, 78));
+  EXPECT_THAT(outside({"a"}, {}), ElementsAre(2, 77, 100));
+
+  EXPECT_THAT(inside({"a"}, {10}), ElementsAre(1));
+  EXPECT_THAT(outside({"a"}, {10}), ElementsAre(2, 3, 77, 78, 100));
+
+  EXPECT_THAT(inside({"a", "b"}, {10, 11}), ElementsAre(1, 2, 3));
+  EXPECT_THAT(outside({"a", "b"}, {10, 11}), ElementsAre(77, 78, 100));
+
+  EXPECT_THAT(inside({"c"}, {10}), IsEmpty());
+  EXPECT_THAT(outside({"c"}, {10}), ElementsAre(1, 2, 3, 77, 78, 100));
+}
+
+TEST_P(Inside_And_Outside, are_nothing_and_everything_where_no_topic_is_named) {
+  EXPECT_THAT(outside({}, {}), ElementsAre(1, 2, 3, 77, 78, 100));
+  EXPECT_THAT(outside({}, {10}), ElementsAre(1, 2, 3, 77, 78, 100));
+  // Inside, a list without entries restricts nothing.
+  EXPECT_THAT(inside({}, {10}), ElementsAre(1, 2, 77));
 }
 
 }  // namespace

@@ -164,22 +164,13 @@ void print_count(const char* what, const Changes::Of<Item>& changes) {
   }
 }
 
-bool is_empty(const Changes& changes) {
-  const auto none = [](const auto& kind) {
-    return kind.added.empty() && kind.updated.empty() && kind.deleted.empty();
-  };
-  return none(changes.triggers) && none(changes.subscriptions) &&
-         none(changes.subscription_links) && none(changes.eta_cameras) &&
-         none(changes.eta_camera_links);
-}
-
 void print_changes(const Pass_Outcome& outcome) {
   const Changes& changes = outcome.changes;
   if (!outcome.changes_are_known) {
     std::cout << "What changed is not known.\n";
     return;
   }
-  if (is_empty(changes)) {
+  if (changes.empty()) {
     std::cout << "Nothing changed.\n";
     return;
   }

@@ -20,6 +20,8 @@ struct Changes {
     std::vector<Item> added;
     std::vector<Item> updated;  ///< of triggers alone: everything else comes and goes whole
     std::vector<Item> deleted;
+
+    bool empty() const { return added.empty() && updated.empty() && deleted.empty(); }
   };
 
   // Every list ascending, commit by commit.
@@ -28,6 +30,11 @@ struct Changes {
   Of<Link> subscription_links;
   Of<std::uint64_t> eta_cameras;
   Of<Link> eta_camera_links;
+
+  bool empty() const {
+    return triggers.empty() && subscriptions.empty() && subscription_links.empty() &&
+           eta_cameras.empty() && eta_camera_links.empty();
+  }
 };
 
 }  // namespace kuv::vemora::embedded_server

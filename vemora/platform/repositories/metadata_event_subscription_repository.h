@@ -33,8 +33,8 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
     };
     enum class Topics_And_Cameras {
       matching,  ///< on one of `topics` and on one of `cameras`; an empty list restricts nothing
-      /// On none of `topics`, or on none of `cameras`, where an empty camera list excludes nothing:
-      /// topic subscriptions. With no topics at all nothing lies inside: both kinds.
+      /// Everything but what lies inside, whatever it has or lacks. Inside is what is on one of
+      /// `topics` and, where there are any `cameras`, on one of them; so with no topics nothing is.
       outside,
     };
     enum class Tags {

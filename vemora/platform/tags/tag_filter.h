@@ -10,6 +10,12 @@
 
 namespace kuv::vemora::Tag_Filter {
 
+/// Whether a tag of the term's name satisfies it: any value does where none is asked for, otherwise
+/// the same one, byte for byte.
+inline bool satisfies(const Tag_Info& tag, const ODB_Utils::Tag_Search_Term& term) {
+  return !term.value || tag.value == term.value;
+}
+
 /// Whether `tags` satisfy at least one of `terms`. An empty filter asks for nothing, so it refuses
 /// nothing: with no terms the answer is true.
 VEMORA_API bool matches_any(const std::map<std::string, Tag_Info>& tags,

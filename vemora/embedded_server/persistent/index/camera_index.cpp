@@ -5,31 +5,43 @@
 #include "vemora/embedded_server/persistent/index/row_reader.h"
 
 namespace kuv::vemora::embedded_server {
+namespace {
 
-Camera_Index::Camera_Index(odb::database& database, Capability_Guard guard) {
-  load_cameras(database, std::move(guard));
-  load_tags(database);
-}
-
-void Camera_Index::load_cameras(odb::database& database, Capability_Guard guard) {
+Camera_Index::Camera_List load_cameras(odb::database& database, Capability_Guard guard) {
+  Camera_Index::Camera_List cameras;
   const auto capabilities = std::make_shared<Capability_Store>(database, std::move(guard));
   for_each_row<camera>(database, "id", [&](const camera& row) {
     auto record = std::make_shared<camera>(row);
     record->capabilities =
         Capability_Document([capabilities, id = row.id] { return capabilities->tree(id); });
-    cameras_.push_back(std::move(record));
+    cameras.push_back(std::move(record));
   });
+  return cameras;
+}
+
+}  // namespace
+
+Camera_Index::Camera_Index(Camera_List cameras) : cameras_(std::move(cameras)) {
   sort_by(cameras_, [](const std::shared_ptr<camera>& record) { return record->id; });
-  places_.reserve(cameras_.size());
-  for (std::size_t place = 0; place < cameras_.size(); ++place) {
-    places_.emplace(cameras_[place]->id, place);
+  positions_.reserve(cameras_.size());
+  for (std::size_t position = 0; position < cameras_.size(); ++position) {
+    positions_.emplace(cameras_[position]->id, position);
+    for (const auto& [name, info] : cameras_[position]->tags) {
+      tags_.add(name, info.value, position);
+    }
   }
+}
+
+Camera_Index Camera_Index::load(odb::database& database, Capability_Guard guard) {
+  Camera_Index index(load_cameras(database, std::move(guard)));
+  index.load_tags(database);
+  return index;
 }
 
 void Camera_Index::load_tags(odb::database& database) {
   for_each_row<rows::Camera_Tag>(database, "record_id, name", [&](const rows::Camera_Tag& row) {
-    const auto found = places_.find(row.key.record_id);
-    if (found != places_.end()) {
+    const auto found = positions_.find(row.key.record_id);
+    if (found != positions_.end()) {
       cameras_[found->second]->tags[row.key.name].value = row.value;
       tags_.add(row.key.name, row.value, found->second);
     }
@@ -37,8 +49,8 @@ void Camera_Index::load_tags(odb::database& database) {
 }
 
 std::shared_ptr<camera> Camera_Index::find(std::uint64_t id) const {
-  const auto found = places_.find(id);
-  return found == places_.end() ? nullptr : cameras_[found->second];
+  const auto found = positions_.find(id);
+  return found == positions_.end() ? nullptr : cameras_[found->second];
 }
 
 Camera_Index::Camera_List Camera_Index::matching(
@@ -47,8 +59,8 @@ Camera_Index::Camera_List Camera_Index::matching(
     return cameras_;
   }
   Camera_List found;
-  for (const std::size_t place : tags_.find_any(terms)) {
-    found.push_back(cameras_[place]);
+  for (const std::size_t position : tags_.find_any(terms)) {
+    found.push_back(cameras_[position]);
   }
   return found;
 }

@@ -26,8 +26,10 @@ class Camera_Index {
  public:
   using Camera_List = std::vector<std::shared_ptr<camera>>;
 
+  explicit Camera_Index(Camera_List cameras);
+
   /// Reads cameras and their tags; capabilities when they are first looked at, all at once.
-  Camera_Index(odb::database& database, Capability_Guard guard);
+  static Camera_Index load(odb::database& database, Capability_Guard guard);
 
   /// Ascending by id.
   const Camera_List& all() const { return cameras_; }
@@ -35,6 +37,7 @@ class Camera_Index {
   /// Null when there is none.
   std::shared_ptr<camera> find(std::uint64_t id) const;
 
+  /// Those that Tag_Filter::matches_any says yes to.
   Camera_List matching(const std::set<ODB_Utils::Tag_Search_Term>& terms) const;
 
   /// Those of `candidates` (all, when there are none) that `wanted` says yes to, ascending by id
@@ -53,12 +56,11 @@ class Camera_Index {
   }
 
  private:
-  void load_cameras(odb::database& database, Capability_Guard guard);
   void load_tags(odb::database& database);
 
   Camera_List cameras_;
-  std::unordered_map<std::uint64_t, std::size_t, Id_Hash> places_;  ///< in cameras_
-  Tag_Postings<std::size_t> tags_;                                  ///< of places in cameras_
+  std::unordered_map<std::uint64_t, std::size_t, Id_Hash> positions_;  ///< in cameras_
+  Tag_Postings<std::size_t> tags_;                                     ///< of such positions
 };
 
 }  // namespace kuv::vemora::embedded_server

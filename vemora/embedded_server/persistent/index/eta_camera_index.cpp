@@ -11,9 +11,9 @@ namespace kuv::vemora::embedded_server {
 
 ETA_Camera_Index::ETA_Camera_Index(odb::database& database, const Camera_Index& cameras,
                                    const Trigger_Index& triggers)
-    : cameras_(cameras), triggers_(triggers), ids_(database, "eta_camera") {
+    : cameras_(cameras), triggers_(triggers), records_(Id_Allocator::load(database, "eta_camera")) {
   load_records(database);
-  records_.load_links<rows::ETA_Camera_Trigger>(database, triggers_);
+  records_.load_links<rows::ETA_Camera_Trigger>(database, triggers_.all());
 }
 
 void ETA_Camera_Index::load_records(odb::database& database) {
@@ -32,34 +32,24 @@ std::shared_ptr<eta_camera> ETA_Camera_Index::find_by_camera(std::uint64_t camer
   return found == by_camera_.end() ? nullptr : found->second->record;
 }
 
-ETA_Camera_Index::List ETA_Camera_Index::all() {
-  List found;
-  found.reserve(records_.all().size());
-  for (const auto& [id, entry] : records_.all()) {
-    found.push_back(entry.record);
-  }
-  return found;
-}
-
-ETA_Camera_Index::List ETA_Camera_Index::matching(const Query& query) {
+ETA_Camera_Index::List ETA_Camera_Index::matching(const Query& query) const {
   std::unordered_set<std::uint64_t, Id_Hash> named;
   for (const std::shared_ptr<camera>& record : query.cameras) {
     named.insert(record->id);
   }
   const bool inside = query.cameras_match == Query::Cameras::matching;
-  const auto fits = [&](const std::shared_ptr<Record>& record) {
-    return named.empty() || (named.count(record->camera_id()) != 0) == inside;
+  const auto is_unwanted = [&](const std::shared_ptr<Record>& record) {
+    return !named.empty() && (named.count(record->camera_id()) != 0) != inside;
   };
   List found;
   if (query.trigger) {
-    for (const Entry* const entry : records_.holders(query.trigger->id)) {
+    for (const Entry* const entry : records_.holders(query.trigger->id).entries()) {
       found.push_back(entry->record);
     }
   } else {
     found = all();
   }
-  found.erase(std::remove_if(found.begin(), found.end(), [&](const auto& r) { return !fits(r); }),
-              found.end());
+  found.erase(std::remove_if(found.begin(), found.end(), is_unwanted), found.end());
   return found;
 }
 
@@ -71,10 +61,7 @@ bool ETA_Camera_Index::add(const std::shared_ptr<Record>& added) {
       !std::all_of(added->triggers.begin(), added->triggers.end(), is_stored)) {
     return false;
   }
-  added->id = ids_.allocate(
-      [this](std::uint64_t id) { return records_.find(id) != nullptr || deleted_.count(id) != 0; });
-  added_.insert(added->id);
-  by_camera_.emplace(added->camera_id(), &records_.insert(added));
+  by_camera_.emplace(added->camera_id(), &records_.add(added));
   return true;
 }
 
@@ -82,29 +69,22 @@ bool ETA_Camera_Index::update(const std::shared_ptr<Record>& changed) {
   return records_.update(changed, [this](std::uint64_t id) { return triggers_.find(id); });
 }
 
-void ETA_Camera_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
-  records_.drop_triggers(dead);
-}
-
 void ETA_Camera_Index::delete_without_triggers() {
-  const auto goes = [](const Record& record) { return held_nothing_when_stored(record); };
-  records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
-    by_camera_.erase(record->camera_id());
-    if (added_.erase(record->id) == 0) {
-      deleted_.insert(record->id);
-    }
-  });
+  records_.delete_without_triggers(
+      [](const Record&) { return true; },
+      [this](const Record& record) { by_camera_.erase(record.camera_id()); });
 }
 
 ETA_Camera_Index::Net_Changes ETA_Camera_Index::settle() {
+  Records::Net_Changes changes = records_.settle();
   Net_Changes net;
-  for (const std::uint64_t id : added_) {
-    net.added.push_back({id, records_.find(id)->record->camera_id()});
+  for (const std::shared_ptr<Record>& record : changes.added) {
+    net.added.push_back({record->id, record->camera_id()});
   }
-  net.deleted.assign(deleted_.begin(), deleted_.end());
-  net.links = records_.settle().links;
-  added_.clear();
-  deleted_.clear();
+  for (const std::shared_ptr<Record>& record : changes.deleted) {
+    net.deleted.push_back(record->id);
+  }
+  net.links = std::move(changes.links);
   return net;
 }
 

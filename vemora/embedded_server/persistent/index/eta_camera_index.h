@@ -1,14 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <set>
 #include <unordered_map>
 #include <vector>
 
 #include "vemora/embedded_server/persistent/index/camera_index.h"
-#include "vemora/embedded_server/persistent/index/id_allocator.h"
 #include "vemora/embedded_server/persistent/index/id_hash.h"
 #include "vemora/embedded_server/persistent/index/linked_records.h"
 #include "vemora/embedded_server/persistent/index/trigger_index.h"
@@ -29,6 +27,8 @@ class ETA_Camera_Index {
     std::vector<rows::ETA_Camera> added;
     std::vector<std::uint64_t> deleted;
     Changes::Of<Changes::Link> links;
+
+    bool empty() const { return added.empty() && deleted.empty() && links.empty(); }
   };
 
   ETA_Camera_Index(odb::database& database, const Camera_Index& cameras,
@@ -37,19 +37,19 @@ class ETA_Camera_Index {
   /// Null when the camera has none.
   std::shared_ptr<Record> find_by_camera(std::uint64_t camera_id) const;
 
-  List all();
-  List matching(const Query& query);
+  List all() const { return records_.all(); }
+  List matching(const Query& query) const;
 
   bool add(const std::shared_ptr<Record>& added);
   bool update(const std::shared_ptr<Record>& changed);
-  void drop_triggers(const std::set<std::uint64_t>& dead);
+  void drop_triggers(const std::set<std::uint64_t>& dead) { records_.drop_triggers(dead); }
   void delete_without_triggers();
 
   /// Puts a fresh record of a trigger in the place of one that carries refused changes.
   void replace_trigger(const std::shared_ptr<trigger>& fresh) { records_.replace_trigger(fresh); }
 
   Net_Changes settle();
-  void save_ids() { ids_.save(); }
+  void save_ids(odb::database& database) { records_.save_ids(database); }
 
  private:
   using Records = Linked_Records<Record>;
@@ -59,12 +59,8 @@ class ETA_Camera_Index {
 
   const Camera_Index& cameras_;
   const Trigger_Index& triggers_;
-  Id_Allocator ids_;
   Records records_;
   std::unordered_map<std::uint64_t, Entry*, Id_Hash> by_camera_;
-
-  std::set<std::uint64_t> added_;    ///< not stored yet
-  std::set<std::uint64_t> deleted_;  ///< still stored
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -4,26 +4,22 @@
 
 namespace kuv::vemora::embedded_server {
 
-Id_Allocator::Id_Allocator(odb::database& database, std::string kind)
-    : database_(database), kind_(std::move(kind)) {
+Id_Allocator Id_Allocator::load(odb::database& database, const std::string& kind) {
   rows::Id_Allocation row;
-  if (database_.find(kind_, row)) {
-    stored_ = row.next_id;
-    next_ = row.next_id;
-  }
+  return database.find(kind, row) ? Id_Allocator(kind, row.next_id) : Id_Allocator(kind);
 }
 
-void Id_Allocator::save() {
+void Id_Allocator::save(odb::database& database) {
   rows::Id_Allocation row;
   row.kind = kind_;
   row.next_id = next_;
   if (!stored_) {
     if (next_ != 1) {
-      database_.persist(row);
+      database.persist(row);
       stored_ = next_;
     }
   } else if (*stored_ != next_) {
-    database_.update(row);
+    database.update(row);
     stored_ = next_;
   }
 }

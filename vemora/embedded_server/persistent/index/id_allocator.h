@@ -16,7 +16,11 @@ namespace kuv::vemora::embedded_server {
 /// nothing, its ids are given out again.
 class Id_Allocator {
  public:
-  Id_Allocator(odb::database& database, std::string kind);
+  /// Goes on where `stored` says; at 1 where nothing is stored yet.
+  explicit Id_Allocator(std::string kind, std::optional<std::uint64_t> stored = std::nullopt)
+      : kind_(std::move(kind)), stored_(stored), next_(stored.value_or(1)) {}
+
+  static Id_Allocator load(odb::database& database, const std::string& kind);
 
   /// `is_taken` says of an id whether a record has it.
   template <class Is_Taken>
@@ -28,13 +32,12 @@ class Id_Allocator {
   }
 
   /// Writes where to go on, if any were given out.
-  void save();
+  void save(odb::database& database);
 
  private:
-  odb::database& database_;
   std::string kind_;
   std::optional<std::uint64_t> stored_;
-  std::uint64_t next_ = 1;
+  std::uint64_t next_;
 };
 
 }  // namespace kuv::vemora::embedded_server

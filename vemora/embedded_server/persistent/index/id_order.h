@@ -6,7 +6,7 @@
 namespace kuv::vemora::embedded_server {
 
 /// Sorts by what `key` answers, unless the elements are in order already, as they mostly are: the
-/// database orders ids as signed numbers, and only ids beyond the signed ones come out of place.
+/// database orders ids as signed numbers, and only ids beyond the signed ones come out of order.
 template <class Container, class Key>
 void sort_by(Container& elements, Key key) {
   const auto before = [&key](const auto& left, const auto& right) {

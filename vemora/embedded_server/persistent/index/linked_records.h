@@ -1,37 +1,68 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "vemora/embedded_server/persistent/index/holder_list.h"
+#include "vemora/embedded_server/persistent/index/id_allocator.h"
 #include "vemora/embedded_server/persistent/index/id_hash.h"
 #include "vemora/embedded_server/persistent/index/id_order.h"
 #include "vemora/embedded_server/persistent/index/link_journal.h"
 #include "vemora/embedded_server/persistent/index/record_links.h"
 #include "vemora/embedded_server/persistent/index/row_reader.h"
-#include "vemora/embedded_server/persistent/index/trigger_index.h"
 
 namespace kuv::vemora::embedded_server {
 
-/// One kind of record that holds triggers, as a pass sees it: by id, and by trigger held. There is
-/// one object a record; whoever asks for it gets that one.
+/// One kind of record that holds triggers, as a pass sees it: by id, and by trigger held; and what
+/// the pass did to them. There is one object a record; whoever asks for it gets that one.
+///
+/// Who holds which trigger is what was handed over last, by add() and update(): a record that was
+/// changed in memory since then is still found, counted and deleted as it was.
 template <class Record>
 class Linked_Records {
  public:
+  using Record_Pointer = std::shared_ptr<Record>;
+
   struct Entry {
-    std::shared_ptr<Record> record;
-    std::uint64_t mark = 0;  ///< see mark_holders
+    Record_Pointer record;
+    std::size_t links = 0;  ///< how many triggers hold lists name it
   };
 
+  using Entries = std::map<std::uint64_t, Entry>;
   using Entry_List = std::vector<Entry*>;
+  using Holders = Holder_List<Entry>;
 
-  std::map<std::uint64_t, Entry>& all() { return entries_; }
+  /// What the database does not hold yet, or holds no longer. Every list ascending by id.
+  struct Net_Changes {
+    std::vector<Record_Pointer> added;
+    std::vector<Record_Pointer> deleted;
+    /// Updated with other triggers, as far as they are there; not those that only lost deleted
+    /// ones.
+    std::vector<Record_Pointer> updated;
+    Changes::Of<Changes::Link> links;
+  };
+
+  explicit Linked_Records(Id_Allocator ids) : ids_(std::move(ids)) {}
+
+  Entries& entries() { return entries_; }
+  const Entries& entries() const { return entries_; }
+
+  /// Ascending by id.
+  std::vector<Record_Pointer> all() const {
+    std::vector<Record_Pointer> records;
+    records.reserve(entries_.size());
+    for (const auto& [id, entry] : entries_) {
+      records.push_back(entry.record);
+    }
+    return records;
+  }
 
   /// Null when there is none.
   Entry* find(std::uint64_t id) {
@@ -39,48 +70,92 @@ class Linked_Records {
     return found == entries_.end() ? nullptr : &found->second;
   }
 
-  /// A record that the database holds already; its links follow by load_links.
-  Entry& load(std::shared_ptr<Record> record) {
+  /// Who holds that trigger. The answer is good until records or triggers are deleted.
+  const Holders& holders(std::uint64_t trigger_id) const {
+    static const Holders nobody;
+    const auto found = holders_.find(trigger_id);
+    return found == holders_.end() ? nobody : found->second;
+  }
+
+  /// A record that the database holds already; its links follow by way of a Link_Loader.
+  Entry& load(Record_Pointer record) {
     const std::uint64_t id = record->id;
     return entries_.emplace_hint(entries_.end(), id, Entry{std::move(record)})->second;
   }
 
-  /// The links that the database holds already, when all records are loaded.
-  template <class Row>
-  void load_links(odb::database& database, const Trigger_Index& triggers) {
-    Holder_Lists lists = holder_lists(triggers);
-    std::vector<std::shared_ptr<trigger>> held;  // of one record: its rows come together
-    Entry* entry = nullptr;
-    const auto finish = [&] {
-      if (entry != nullptr) {
-        set_links(*entry->record, held);
+  /// Takes the links that the database holds already, those of one record together, when all
+  /// records are loaded.
+  class Link_Loader {
+   public:
+    Link_Loader(Linked_Records& records, const std::vector<std::shared_ptr<trigger>>& triggers)
+        : records_(records) {
+      for (const std::shared_ptr<trigger>& record : triggers) {
+        triggers_.emplace(record->id, Holding{record, &records.holders_[record->id]});
       }
-      held.clear();
-    };
-    for_each_row<Row>(database, "record_id, linked_id", [&](const Row& row) {
-      if (entry == nullptr || entry->record->id != row.key.record_id) {
-        finish();
-        entry = find(row.key.record_id);
+    }
+
+    void take(std::uint64_t record_id, std::uint64_t trigger_id) {
+      if (entry_ == nullptr || entry_->record->id != record_id) {
+        finish_record();
+        entry_ = records_.find(record_id);
       }
-      const auto list = lists.find(row.key.linked_id);
-      if (entry == nullptr || list == lists.end()) {
+      const auto found = triggers_.find(trigger_id);
+      if (entry_ == nullptr || found == triggers_.end()) {
         // A deleted trigger may have left rows behind that nobody wrote in a pass.
-        journal_.note_dropped(row.key.record_id, row.key.linked_id);
+        records_.journal_.note_dropped(record_id, trigger_id);
         return;
       }
-      held.push_back(list->second.record);
-      list->second.holders->push_back(entry);
+      held_.push_back(found->second.record);
+      found->second.holders->append(record_id, entry_);
+    }
+
+    /// To be called when all were taken.
+    void finish() {
+      finish_record();
+      for (auto& [id, holding] : triggers_) {
+        holding.holders->complete();
+      }
+    }
+
+   private:
+    /// What is looked up for each link.
+    struct Holding {
+      std::shared_ptr<trigger> record;
+      Holders* holders;
+    };
+
+    void finish_record() {
+      if (entry_ != nullptr) {
+        entry_->links = held_.size();
+        set_links(*entry_->record, held_);
+      }
+      held_.clear();
+    }
+
+    Linked_Records& records_;
+    std::unordered_map<std::uint64_t, Holding, Id_Hash> triggers_;
+    Entry* entry_ = nullptr;
+    std::vector<std::shared_ptr<trigger>> held_;  ///< by the record of that entry
+  };
+
+  template <class Row>
+  void load_links(odb::database& database, const std::vector<std::shared_ptr<trigger>>& triggers) {
+    Link_Loader loader(*this, triggers);
+    for_each_row<Row>(database, "record_id, linked_id", [&loader](const Row& row) {
+      loader.take(row.key.record_id, row.key.linked_id);
     });
-    finish();
+    loader.finish();
   }
 
-  /// A new record with all its links.
-  Entry& insert(const std::shared_ptr<Record>& added) {
+  /// A new record with all its links; gives it an id.
+  Entry& add(const Record_Pointer& added) {
+    added->id = ids_.allocate(
+        [this](std::uint64_t id) { return entries_.count(id) != 0 || deleted_.count(id) != 0; });
+    added_.insert(added->id);
     Entry& entry = entries_[added->id];
     entry.record = added;
     for (const std::uint64_t trigger_id : held_ids(*added)) {
-      journal_.note_added(added->id, trigger_id);
-      holders_[trigger_id].push_back(&entry);
+      link(entry, trigger_id);
     }
     added->link_changes = {};
     return entry;
@@ -89,7 +164,7 @@ class Linked_Records {
   /// Takes over the links that were added to and removed from a record. False where the record or
   /// one of the triggers added is not stored; the changes are forgotten then.
   template <class Find_Trigger>
-  bool update(const std::shared_ptr<Record>& changed, Find_Trigger find_trigger) {
+  bool update(const Record_Pointer& changed, Find_Trigger find_trigger) {
     Entry* const entry = find(changed->id);
     if (entry == nullptr) {
       return false;
@@ -110,7 +185,7 @@ class Linked_Records {
 
   /// Puts a fresh record of a trigger in the place of one that carries refused changes.
   void replace_trigger(const std::shared_ptr<trigger>& fresh) {
-    for (Entry* const entry : holders(fresh->id)) {
+    for (Entry* const entry : holders(fresh->id).entries()) {
       replace_link(*entry->record, fresh);
     }
   }
@@ -119,91 +194,97 @@ class Linked_Records {
   void drop_triggers(const std::set<std::uint64_t>& dead) {
     Entry_List affected;
     for (const std::uint64_t trigger_id : dead) {
-      const Entry_List held = holders(trigger_id);
-      affected.insert(affected.end(), held.begin(), held.end());
+      for (Entry* const entry : holders(trigger_id).entries()) {
+        journal_.note_dropped(entry->record->id, trigger_id);
+        --entry->links;
+        affected.push_back(entry);
+      }
       holders_.erase(trigger_id);
     }
     sort_unique_by(affected, [](const Entry* entry) { return entry->record->id; });
     for (Entry* const entry : affected) {
-      for (const std::uint64_t trigger_id : remove_links(*entry->record, dead)) {
-        journal_.note_dropped(entry->record->id, trigger_id);
+      remove_links(*entry->record, dead);
+    }
+  }
+
+  /// The records that delete_without_triggers deletes once all triggers but these are deleted,
+  /// ascending by id.
+  template <class May_Go>
+  std::vector<Record_Pointer> holding_none_of(const std::set<std::uint64_t>& live,
+                                              May_Go may_go) const {
+    std::vector<Record_Pointer> found;
+    for (const auto& [id, entry] : entries_) {
+      if (may_go(*entry.record) &&
+          (entry.links == 0 || !held_any_when_stored(*entry.record, live))) {
+        found.push_back(entry.record);
+      }
+    }
+    return found;
+  }
+
+  /// Deletes the records that hold no trigger and that `may_go` says yes to; `forget` is told each.
+  template <class May_Go, class Forget>
+  void delete_without_triggers(May_Go may_go, Forget forget) {
+    for (auto next = entries_.begin(); next != entries_.end();) {
+      const auto entry = next++;
+      const Record_Pointer record = entry->second.record;
+      if (entry->second.links == 0 && may_go(*record)) {
+        forget(*record);
+        if (added_.erase(record->id) == 0) {
+          deleted_.emplace(record->id, record);
+        }
+        entries_.erase(entry);
       }
     }
   }
 
-  /// Takes away the records that `goes` says yes to, which held nothing when they were handed over
-  /// last; `before` is told each.
-  template <class Goes, class Before>
-  void erase_if(Goes goes, Before before) {
-    tidy_all();  // no list may lead to a record that is gone
-    for (auto place = entries_.begin(); place != entries_.end();) {
-      const std::shared_ptr<Record> record = place->second.record;
-      if (!goes(*record)) {
-        ++place;
-        continue;
-      }
-      before(record);
-      place = entries_.erase(place);
+  /// What the pass did to the records; taken as stored from then on.
+  Net_Changes settle() {
+    Net_Changes net;
+    Link_Journal::Net_Changes journal = journal_.settle();
+    net.links = std::move(journal.links);
+    append_records(added_, net.added);
+    append_records(journal.updated_records, net.updated);
+    for (auto& [id, record] : deleted_) {
+      net.deleted.push_back(std::move(record));
     }
+    added_.clear();
+    deleted_.clear();
+    return net;
   }
 
-  /// The records that hold a trigger, ascending by id.
-  const Entry_List& holders(std::uint64_t trigger_id) {
-    static const Entry_List nobody;
-    const auto found = holders_.find(trigger_id);
-    if (found == holders_.end()) {
-      return nobody;
-    }
-    tidy(trigger_id, found->second);
-    return found->second;
-  }
-
-  /// Marks the records that hold a trigger; is_marked then tells them at no cost, until the next
-  /// call.
-  void mark_holders(std::uint64_t trigger_id) {
-    ++last_mark_;
-    for (Entry* const entry : holders(trigger_id)) {
-      entry->mark = last_mark_;
-    }
-  }
-  bool is_marked(const Entry& entry) const { return entry.mark == last_mark_; }
-
-  Link_Journal::Net_Changes settle() { return journal_.settle(); }
+  void save_ids(odb::database& database) { ids_.save(database); }
 
  private:
-  /// What is looked up for each link that is read.
-  struct Holder_List {
-    std::shared_ptr<trigger> record;
-    Entry_List* holders;
-  };
-  using Holder_Lists = std::unordered_map<std::uint64_t, Holder_List, Id_Hash>;
+  // A link is in the list of its trigger, in the count of its record and in the journal, or in none
+  // of them.
 
-  Holder_Lists holder_lists(const Trigger_Index& triggers) {
-    Holder_Lists lists;
-    for (const std::shared_ptr<trigger>& record : triggers.all()) {
-      lists.emplace(record->id, Holder_List{record, &holders_[record->id]});
+  void link(Entry& entry, std::uint64_t trigger_id) {
+    if (holders_[trigger_id].add(entry.record->id, &entry)) {
+      ++entry.links;
+      journal_.note_added(entry.record->id, trigger_id);
     }
-    return lists;
+  }
+
+  void unlink(Entry& entry, std::uint64_t trigger_id) {
+    if (holders_[trigger_id].remove(entry.record->id)) {
+      --entry.links;
+      journal_.note_removed(entry.record->id, trigger_id);
+    }
   }
 
   void take_over(Entry& entry, Record& changed,
                  const std::vector<std::shared_ptr<trigger>>& added) {
-    const std::vector<std::uint64_t> removed = std::move(changed.link_changes.removed);
-    changed.link_changes = {};
-    const bool same_object = &changed == entry.record.get();
-    for (const std::shared_ptr<trigger>& record : added) {
-      if (same_object || entry.record->add_trigger(record)) {
-        journal_.note_added(changed.id, record->id);
-        holders_[record->id].push_back(&entry);
-      }
+    const Trigger_Link_Changes changes = std::exchange(changed.link_changes, {});
+    for (const std::uint64_t trigger_id : changes.added) {
+      link(entry, trigger_id);
     }
-    for (const std::uint64_t trigger_id : removed) {
-      if (same_object || entry.record->remove_trigger(probe(trigger_id))) {
-        journal_.note_removed(changed.id, trigger_id);
-        untidy_.insert(trigger_id);
-      }
+    for (const std::uint64_t trigger_id : changes.removed) {
+      unlink(entry, trigger_id);
     }
-    entry.record->link_changes = {};
+    if (&changed != entry.record.get()) {
+      change_links(*entry.record, added, changes.removed);
+    }
   }
 
   /// Forgets changes that were refused: from now on a fresh record without them stands for it.
@@ -211,42 +292,33 @@ class Linked_Records {
   void restore(Entry& entry, Find_Trigger find_trigger) {
     auto fresh = std::make_shared<Record>(*entry.record);
     const Trigger_Link_Changes refused = std::move(fresh->link_changes);
-    for (const std::uint64_t trigger_id : refused.added) {
-      fresh->remove_trigger(probe(trigger_id));
-    }
+    std::vector<std::shared_ptr<trigger>> held;
     for (const std::uint64_t trigger_id : refused.removed) {
-      if (const std::shared_ptr<trigger> held = find_trigger(trigger_id)) {
-        fresh->add_trigger(held);
+      if (const std::shared_ptr<trigger> record = find_trigger(trigger_id)) {
+        held.push_back(record);
       }
     }
+    change_links(*fresh, held, refused.added);
     fresh->link_changes = {};
     entry.record = std::move(fresh);
   }
 
-  void tidy(std::uint64_t trigger_id, Entry_List& entries) {
-    if (untidy_.erase(trigger_id) != 0) {
-      const auto let_go = [trigger_id](const Entry* entry) {
-        return !held_when_stored(*entry->record, trigger_id);
-      };
-      entries.erase(std::remove_if(entries.begin(), entries.end(), let_go), entries.end());
-    }
-    sort_unique_by(entries, [](const Entry* entry) { return entry->record->id; });
-  }
-
-  void tidy_all() {
-    while (!untidy_.empty()) {
-      const std::uint64_t trigger_id = *untidy_.begin();
-      tidy(trigger_id, holders_[trigger_id]);
+  template <class Ids>
+  void append_records(const Ids& ids, std::vector<Record_Pointer>& records) const {
+    for (const std::uint64_t id : ids) {
+      const auto found = entries_.find(id);
+      if (found != entries_.end()) {
+        records.push_back(found->second.record);
+      }
     }
   }
 
-  std::map<std::uint64_t, Entry> entries_;
-  std::unordered_map<std::uint64_t, Entry_List, Id_Hash> holders_;  ///< by trigger
-  /// The triggers that were taken off records. A removal only leaves this note, so that many of
-  /// them cost no search each.
-  std::unordered_set<std::uint64_t, Id_Hash> untidy_;
+  Entries entries_;
+  std::unordered_map<std::uint64_t, Holders, Id_Hash> holders_;  ///< by trigger
+  Id_Allocator ids_;
+  std::set<std::uint64_t> added_;                    ///< not stored yet
+  std::map<std::uint64_t, Record_Pointer> deleted_;  ///< still stored
   Link_Journal journal_;
-  std::uint64_t last_mark_ = 0;
 };
 
 }  // namespace kuv::vemora::embedded_server

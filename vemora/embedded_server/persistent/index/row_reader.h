@@ -14,8 +14,8 @@ template <class Row, class Take>
 void for_each_row(odb::database& database, const char* order_by, Take take) {
   auto rows = database.query<Row>(odb::query<Row>(std::string("ORDER BY ") + order_by), false);
   Row row;
-  for (auto place = rows.begin(); place != rows.end(); ++place) {
-    place.load(row);
+  for (auto next = rows.begin(); next != rows.end(); ++next) {
+    next.load(row);
     take(row);
   }
 }

@@ -4,7 +4,7 @@ namespace kuv::vemora::embedded_server {
 
 Camera_Index& Site_Index::cameras() {
   if (!cameras_) {
-    cameras_ = std::make_unique<Camera_Index>(database_, capability_guard_);
+    cameras_ = std::make_unique<Camera_Index>(Camera_Index::load(database_, capability_guard_));
   }
   return *cameras_;
 }
@@ -79,10 +79,10 @@ Site_Index::Net_Changes Site_Index::settle() {
 
 void Site_Index::save_ids() {
   if (subscriptions_) {
-    subscriptions_->save_ids();
+    subscriptions_->save_ids(database_);
   }
   if (eta_cameras_) {
-    eta_cameras_->save_ids();
+    eta_cameras_->save_ids(database_);
   }
 }
 

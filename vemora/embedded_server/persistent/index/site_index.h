@@ -41,6 +41,10 @@ class Site_Index {
     Trigger_Index::Strays strays;
     Subscription_Index::Net_Changes subscriptions;
     ETA_Camera_Index::Net_Changes eta_cameras;
+
+    bool empty() const {
+      return triggers.empty() && strays.empty() && subscriptions.empty() && eta_cameras.empty();
+    }
   };
   Net_Changes settle();
   void save_ids();

@@ -39,18 +39,31 @@ void append_details(const metadata_event_subscription& record,
   }
 }
 
+/// Whose streams such changes concern. The trigger manager asks for the same cameras: of
+/// subscriptions added, deleted, or updated with other triggers. Who is left on a subscription when
+/// a trigger is deleted is nothing to its camera.
+void append_cameras(const Subscription_Index::List& changed, std::set<std::uint64_t>& to) {
+  for (const std::shared_ptr<metadata_event_subscription>& record : changed) {
+    if (record->camera) {
+      to.insert(record->camera_id());
+    }
+  }
+}
+
 }  // namespace
 
 Subscription_Index::Subscription_Index(odb::database& database, const Camera_Index& cameras,
                                        const Trigger_Index& triggers)
-    : cameras_(cameras), triggers_(triggers), ids_(database, "subscription") {
+    : cameras_(cameras),
+      triggers_(triggers),
+      records_(Id_Allocator::load(database, "subscription")) {
   load_records(database);
   load_tags(database);
   load_cameras(database);
-  for (auto& [id, entry] : records_.all()) {
+  for (auto& [id, entry] : records_.entries()) {
     enter(entry);
   }
-  records_.load_links<rows::Subscription_Trigger>(database, triggers_);
+  records_.load_links<rows::Subscription_Trigger>(database, triggers_.all());
 }
 
 void Subscription_Index::load_records(odb::database& database) {
@@ -89,7 +102,7 @@ void Subscription_Index::load_cameras(odb::database& database) {
               link_to(database, cameras_.find(row.key.linked_id), row.key.linked_id));
         }
       });
-  for (auto& [id, entry] : records_.all()) {
+  for (auto& [id, entry] : records_.entries()) {
     sort_by(entry.record->camera_links,
             [](const odb::lazy_shared_ptr<camera>& link) { return link.object_id(); });
   }
@@ -112,24 +125,14 @@ bool Subscription_Index::exists(std::uint64_t camera_id, const std::string& topi
   return found != by_topic_.end() && found->second.count(camera_id) != 0;
 }
 
-Subscription_Index::List Subscription_Index::all() {
-  List found;
-  found.reserve(records_.all().size());
-  for (const auto& [id, entry] : records_.all()) {
-    found.push_back(entry.record);
-  }
-  return found;
-}
-
 Subscription_Index::List Subscription_Index::matching(const Query& query) {
   const bool lacking = query.trigger && query.trigger_match == Query::Trigger_Match::lacking;
-  if (lacking) {
-    records_.mark_holders(query.trigger->id);
-  }
+  const Records::Holders* const excluded = lacking ? &records_.holders(query.trigger->id) : nullptr;
   const Subscription_Match matches(query);
   List found;
   for (const Entry* const entry : candidates(query)) {
-    if (!(lacking && records_.is_marked(*entry)) && matches(*entry->record)) {
+    const Record& record = *entry->record;
+    if (!(excluded != nullptr && excluded->contains(record.id)) && matches(record)) {
       found.push_back(entry->record);
     }
   }
@@ -140,17 +143,17 @@ Subscription_Index::List Subscription_Index::matching(const Query& query) {
 /// At least those that the query selects, and as few more as can be had without looking at each.
 Subscription_Index::Records::Entry_List Subscription_Index::candidates(const Query& query) {
   if (query.trigger && query.trigger_match == Query::Trigger_Match::holding) {
-    return records_.holders(query.trigger->id);
+    return records_.holders(query.trigger->id).entries();
   }
   const bool inside = query.topics_and_cameras == Query::Topics_And_Cameras::matching;
-  if (inside && !query.topics.empty()) {
+  if (inside && query.kind == Query::Kind::topic && !query.topics.empty()) {
     return candidates_by_topic(query);
   }
   if (query.kind == Query::Kind::generic) {
     return candidates_by_tag(query);
   }
   Records::Entry_List everything;
-  for (auto& [id, entry] : records_.all()) {
+  for (auto& [id, entry] : records_.entries()) {
     everything.push_back(&entry);
   }
   return everything;
@@ -185,17 +188,6 @@ Subscription_Index::Records::Entry_List Subscription_Index::candidates_by_tag(
   return selective ? tags_.find_any(query.tags) : generic_;
 }
 
-Subscription_Index::List Subscription_Index::holding_none_of(
-    const std::set<std::uint64_t>& live_trigger_ids) {
-  List found;
-  for (const auto& [id, entry] : records_.all()) {
-    if (is_topic_kind(*entry.record) && !held_any_when_stored(*entry.record, live_trigger_ids)) {
-      found.push_back(entry.record);
-    }
-  }
-  return found;
-}
-
 std::shared_ptr<metadata_event_category> Subscription_Index::category(std::uint64_t id) const {
   const auto found = categories_.find(id);
   return found == categories_.end() ? nullptr : found->second;
@@ -219,10 +211,7 @@ bool Subscription_Index::add(const std::shared_ptr<Record>& added) {
       exists(added->camera_id(), *added->onvif_topic)) {
     return false;
   }
-  added->id = ids_.allocate(
-      [this](std::uint64_t id) { return records_.find(id) != nullptr || deleted_.count(id) != 0; });
-  added_.insert(added->id);
-  enter(records_.insert(added));
+  enter(records_.add(added));
   return true;
 }
 
@@ -230,66 +219,28 @@ bool Subscription_Index::update(const std::shared_ptr<Record>& changed) {
   return records_.update(changed, [this](std::uint64_t id) { return triggers_.find(id); });
 }
 
-void Subscription_Index::drop_triggers(const std::set<std::uint64_t>& dead) {
-  records_.drop_triggers(dead);
-}
-
 void Subscription_Index::delete_without_triggers() {
-  const auto goes = [](const Record& record) {
-    return is_topic_kind(record) && held_nothing_when_stored(record);
-  };
-  records_.erase_if(goes, [this](const std::shared_ptr<Record>& record) {
-    if (record->camera && record->onvif_topic) {
-      by_topic_[*record->onvif_topic].erase(record->camera_id());
-    }
-    if (added_.erase(record->id) == 0) {
-      deleted_.emplace(record->id, record);
-    }
+  records_.delete_without_triggers(is_topic_kind, [this](const Record& record) {
+    by_topic_[*record.onvif_topic].erase(record.camera_id());
   });
 }
 
 Subscription_Index::Net_Changes Subscription_Index::settle() {
+  Records::Net_Changes changes = records_.settle();
   Net_Changes net;
-  for (const std::uint64_t id : added_) {
-    const Record& record = *records_.find(id)->record;
-    net.added.push_back(row_of(record));
-    append_details(record, net.added_details);
+  for (const std::shared_ptr<Record>& record : changes.added) {
+    net.added.push_back(row_of(*record));
+    append_details(*record, net.added_details);
   }
-  for (const auto& [id, record] : deleted_) {
-    net.deleted.push_back(id);
+  for (const std::shared_ptr<Record>& record : changes.deleted) {
+    net.deleted.push_back(record->id);
     append_details(*record, net.deleted_details);
   }
-  Link_Journal::Net_Changes journal = records_.settle();
-  net.links = std::move(journal.links);
-  net.cameras = cameras_of(journal.updated_records);
-  added_.clear();
-  deleted_.clear();
+  for (const List* const records : {&changes.added, &changes.deleted, &changes.updated}) {
+    append_cameras(*records, net.cameras);
+  }
+  net.links = std::move(changes.links);
   return net;
-}
-
-/// The trigger manager asks for the same ones: of subscriptions added, deleted, or updated with
-/// other triggers. Who is left on a subscription when a trigger is deleted is nothing to its
-/// camera.
-std::set<std::uint64_t> Subscription_Index::cameras_of(
-    const std::vector<std::uint64_t>& updated_records) {
-  std::set<std::uint64_t> cameras;
-  const auto note = [&cameras](const Record& record) {
-    if (record.camera) {
-      cameras.insert(record.camera_id());
-    }
-  };
-  for (const std::uint64_t id : added_) {
-    note(*records_.find(id)->record);
-  }
-  for (const auto& [id, record] : deleted_) {
-    note(*record);
-  }
-  for (const std::uint64_t id : updated_records) {
-    if (const Entry* const entry = records_.find(id)) {
-      note(*entry->record);
-    }
-  }
-  return cameras;
 }
 
 }  // namespace kuv::vemora::embedded_server

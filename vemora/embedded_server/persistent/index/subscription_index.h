@@ -3,16 +3,15 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "vemora/embedded_server/persistent/index/camera_index.h"
-#include "vemora/embedded_server/persistent/index/id_allocator.h"
 #include "vemora/embedded_server/persistent/index/id_hash.h"
 #include "vemora/embedded_server/persistent/index/linked_records.h"
+#include "vemora/embedded_server/persistent/index/subscription_match.h"
 #include "vemora/embedded_server/persistent/index/tag_postings.h"
 #include "vemora/embedded_server/persistent/index/trigger_index.h"
 #include "vemora/embedded_server/persistent/mapping/rows.h"
@@ -41,6 +40,8 @@ class Subscription_Index {
     Details deleted_details;
     Changes::Of<Changes::Link> links;
     std::set<std::uint64_t> cameras;  ///< whose streams these changes concern
+
+    bool empty() const { return added.empty() && deleted.empty() && links.empty(); }
   };
 
   Subscription_Index(odb::database& database, const Camera_Index& cameras,
@@ -49,20 +50,24 @@ class Subscription_Index {
   /// Whether there is one for that camera and topic.
   bool exists(std::uint64_t camera_id, const std::string& topic) const;
 
-  List all();
+  List all() const { return records_.all(); }
   List matching(const Query& query);
-  List holding_none_of(const std::set<std::uint64_t>& live_trigger_ids);
+
+  /// The topic subscriptions that delete_without_triggers deletes once all other triggers are.
+  List holding_none_of(const std::set<std::uint64_t>& live_trigger_ids) const {
+    return records_.holding_none_of(live_trigger_ids, is_topic_kind);
+  }
 
   bool add(const std::shared_ptr<Record>& added);
   bool update(const std::shared_ptr<Record>& changed);
-  void drop_triggers(const std::set<std::uint64_t>& dead);
+  void drop_triggers(const std::set<std::uint64_t>& dead) { records_.drop_triggers(dead); }
   void delete_without_triggers();
 
   /// Puts a fresh record of a trigger in the place of one that carries refused changes.
   void replace_trigger(const std::shared_ptr<trigger>& fresh) { records_.replace_trigger(fresh); }
 
   Net_Changes settle();
-  void save_ids() { ids_.save(); }
+  void save_ids(odb::database& database) { records_.save_ids(database); }
 
  private:
   using Records = Linked_Records<Record>;
@@ -81,19 +86,14 @@ class Subscription_Index {
   Records::Entry_List candidates(const Query& query);
   Records::Entry_List candidates_by_topic(const Query& query) const;
   Records::Entry_List candidates_by_tag(const Query& query) const;
-  std::set<std::uint64_t> cameras_of(const std::vector<std::uint64_t>& updated_records);
 
   const Camera_Index& cameras_;
   const Trigger_Index& triggers_;
   std::unordered_map<std::uint64_t, std::shared_ptr<metadata_event_category>, Id_Hash> categories_;
-  Id_Allocator ids_;
   Records records_;
   std::map<std::string, Entries_By_Camera> by_topic_;
   std::vector<Entry*> generic_;  ///< ascending by id
   Tag_Postings<Entry*> tags_;    ///< of the generic ones
-
-  std::set<std::uint64_t> added_;                             ///< not stored yet
-  std::map<std::uint64_t, std::shared_ptr<Record>> deleted_;  ///< still stored
 };
 
 }  // namespace kuv::vemora::embedded_server

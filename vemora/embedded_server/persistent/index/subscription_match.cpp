@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "vemora/platform/tags/tag_filter.h"
+
 namespace kuv::vemora::embedded_server {
 
 using Query = Subscription_Match::Query;
@@ -15,7 +17,7 @@ Subscription_Match::Subscription_Match(const Query& query)
 }
 
 bool Subscription_Match::operator()(const metadata_event_subscription& record) const {
-  return kind_fits(record) && place_fits(record) && tags_fit(record);
+  return kind_fits(record) && topics_and_cameras_fit(record) && tags_fit(record);
 }
 
 bool Subscription_Match::kind_fits(const metadata_event_subscription& record) const {
@@ -30,26 +32,23 @@ bool Subscription_Match::kind_fits(const metadata_event_subscription& record) co
   return true;
 }
 
-bool Subscription_Match::place_fits(const metadata_event_subscription& record) const {
+bool Subscription_Match::topics_and_cameras_fit(const metadata_event_subscription& record) const {
+  const bool on_topic = on_one_of_the_topics(record);
+  const bool on_camera = camera_ids_.empty() || on_one_of_the_cameras(record);
   if (query_.topics_and_cameras == Query::Topics_And_Cameras::matching) {
-    return (topics_.empty() || on_one_of_the_topics(record)) &&
-           (camera_ids_.empty() || on_one_of_the_cameras(record));
+    return (topics_.empty() || on_topic) && on_camera;
   }
-  if (topics_.empty()) {
-    return true;  // nothing lies inside
-  }
-  return is_topic_kind(record) && (!on_one_of_the_topics(record) ||
-                                   (!camera_ids_.empty() && !on_one_of_the_cameras(record)));
+  return !(on_topic && on_camera);
 }
 
 bool Subscription_Match::tags_fit(const metadata_event_subscription& record) const {
-  const auto satisfied = [&record](const ODB_Utils::Tag_Search_Term& term) {
+  const auto is_satisfied = [&record](const ODB_Utils::Tag_Search_Term& term) {
     return std::any_of(record.tags.begin(), record.tags.end(), [&term](const Tag_Entry& tag) {
-      return tag.name == term.name && (!term.value || tag.info.value == term.value);
+      return tag.name == term.name && Tag_Filter::satisfies(tag.info, term);
     });
   };
   const bool matches =
-      query_.tags.empty() || std::any_of(query_.tags.begin(), query_.tags.end(), satisfied);
+      query_.tags.empty() || std::any_of(query_.tags.begin(), query_.tags.end(), is_satisfied);
   return matches == (query_.tags_match == Query::Tags::matching);
 }
 

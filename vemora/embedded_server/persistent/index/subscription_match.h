@@ -33,7 +33,7 @@ class Subscription_Match {
 
  private:
   bool kind_fits(const metadata_event_subscription& record) const;
-  bool place_fits(const metadata_event_subscription& record) const;
+  bool topics_and_cameras_fit(const metadata_event_subscription& record) const;
   bool tags_fit(const metadata_event_subscription& record) const;
   bool on_one_of_the_topics(const metadata_event_subscription& record) const;
   bool on_one_of_the_cameras(const metadata_event_subscription& record) const;

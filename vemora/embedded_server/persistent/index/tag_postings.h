@@ -24,7 +24,8 @@ class Tag_Postings {
     }
   }
 
-  /// The items that satisfy at least one term, ascending, each once.
+  /// The items that have a tag that satisfies at least one term, ascending, each once: those that
+  /// Tag_Filter::matches_any says yes to, but for an empty filter, which finds nothing here.
   std::vector<Item> find_any(const std::set<ODB_Utils::Tag_Search_Term>& terms) const {
     std::vector<Item> found;
     for (const ODB_Utils::Tag_Search_Term& term : terms) {

@@ -172,7 +172,7 @@ void Pass::require_in_place() {
 }
 
 void Pass::write(const Site_Index::Net_Changes& net) {
-  if (is_empty(net)) {
+  if (net.empty()) {
     return;
   }
   begin_writing();

@@ -34,19 +34,19 @@ std::set<std::uint64_t> ids_when_stored(const Record& record) {
 template <class Records>
 void compare_links(const char* what, const Records& seen, const Records& stored) {
   require_same(seen.size() == stored.size(), what, seen.size());
-  for (std::size_t place = 0; place < seen.size(); ++place) {
-    require_same(seen[place]->id == stored[place]->id, what, seen[place]->id);
-    require_same(ids_when_stored(*seen[place]) == ids_when_stored(*stored[place]), what,
-                 seen[place]->id);
+  for (std::size_t index = 0; index < seen.size(); ++index) {
+    require_same(seen[index]->id == stored[index]->id, what, seen[index]->id);
+    require_same(ids_when_stored(*seen[index]) == ids_when_stored(*stored[index]), what,
+                 seen[index]->id);
   }
 }
 
 void compare_triggers(const std::vector<std::shared_ptr<const trigger>>& seen,
                       const std::vector<std::shared_ptr<const trigger>>& stored) {
   require_same(seen.size() == stored.size(), "triggers", seen.size());
-  for (std::size_t place = 0; place < seen.size(); ++place) {
-    const trigger& left = *seen[place];
-    const trigger& right = *stored[place];
+  for (std::size_t index = 0; index < seen.size(); ++index) {
+    const trigger& left = *seen[index];
+    const trigger& right = *stored[index];
     require_same(left.id == right.id && same_values(left, right), "trigger", left.id);
   }
 }

@@ -111,16 +111,6 @@ void append(const std::vector<Item>& from, std::vector<Item>& to) {
 
 }  // namespace
 
-bool is_empty(const Site_Index::Net_Changes& net) {
-  const auto no_links = [](const Changes::Of<Changes::Link>& links) {
-    return links.added.empty() && links.deleted.empty();
-  };
-  return net.triggers.empty() && net.strays.empty() && net.subscriptions.added.empty() &&
-         net.subscriptions.deleted.empty() && no_links(net.subscriptions.links) &&
-         net.eta_cameras.added.empty() && net.eta_cameras.deleted.empty() &&
-         no_links(net.eta_cameras.links);
-}
-
 void write_changes(Engine& engine, const Site_Index::Net_Changes& net) {
   Row_Writer& writer = engine.rows();
   write_triggers(writer, net);

@@ -9,8 +9,6 @@ namespace kuv::vemora::embedded_server {
 
 class Engine;
 
-bool is_empty(const Site_Index::Net_Changes& net);
-
 /// Writes net changes in key order, and notes the cameras whose subscriptions changed as pending.
 void write_changes(Engine& engine, const Site_Index::Net_Changes& net);
 

@@ -10,23 +10,23 @@ std::uint64_t eta_camera::camera_id() const {
 }
 
 bool eta_camera::add_trigger(const std::shared_ptr<trigger>& added) {
-  const auto place = triggers.lower_bound(added);
-  if (place != triggers.end() && (*place)->id == added->id) {
+  const auto next = triggers.lower_bound(added);
+  if (next != triggers.end() && (*next)->id == added->id) {
     return false;
   }
   make_room_for_added(link_changes);
-  triggers.insert(place, added);
+  triggers.insert(next, added);
   note_added(link_changes, added->id);
   return true;
 }
 
 bool eta_camera::remove_trigger(const std::shared_ptr<trigger>& removed) {
-  const auto place = triggers.find(removed);
-  if (place == triggers.end()) {
+  const auto held = triggers.find(removed);
+  if (held == triggers.end()) {
     return false;
   }
   make_room_for_removed(link_changes);
-  triggers.erase(place);
+  triggers.erase(held);
   note_removed(link_changes, removed->id);
   return true;
 }
