@@ -16,6 +16,7 @@ install(TARGETS ${vemora_libraries}
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vemora_trigger_manager)
 install(EXPORT vemora_trigger_manager_targets NAMESPACE vemora:: DESTINATION ${package_dir})
+math(EXPR next_fmt "${fmt_VERSION_MAJOR} + 1")
 configure_package_config_file(
   cmake/vemora_trigger_manager-config.cmake.in
   ${PROJECT_BINARY_DIR}/vemora_trigger_manager-config.cmake
@@ -25,9 +26,14 @@ write_basic_package_version_file(
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/vemora_trigger_manager-config.cmake
               ${PROJECT_BINARY_DIR}/vemora_trigger_manager-config-version.cmake
+              cmake/FindODB.cmake
         DESTINATION ${package_dir})
 
 # Wherever it is installed to, it says so.
+set(platform_flags)
+if(VEMORA_BUILD_EMBEDDED_SERVER)
+  set(platform_flags " -lvemora_persistent -lvemora_tags_json_converter -lkuv_logging -lkuv_utils")
+endif()
 file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/vemora_trigger_manager.pc.in ${PROJECT_BINARY_DIR}/vemora_trigger_manager.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vemora_trigger_manager.pc

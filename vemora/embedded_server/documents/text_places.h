@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "vemora/embedded_server/documents/document_fault.h"
+#include "vemora/platform/export.h"
 
 namespace kuv::vemora::embedded_server {
 
@@ -22,7 +23,7 @@ struct Surroundings {
 
 /// Knows lines and columns of a text without reading it from its beginning each time, so that a
 /// document with a fault at every step is told of in a moment. Asked with the text it was made for.
-class Text_Places {
+class VEMORA_API Text_Places {
  public:
   explicit Text_Places(std::string_view text);
 
