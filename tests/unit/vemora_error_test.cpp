@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "vemora/platform/errors/error_codes.h"
 
@@ -107,7 +108,12 @@ TEST(Error_Family, has_virtual_destructors) {
 }
 
 TEST(Error_Family, holds_a_signed_32_bit_code) {
-  EXPECT_TRUE((std::is_same_v<decltype(Root::error_code), std::int32_t>));
+  EXPECT_EQ(sizeof(Root::error_code), sizeof(std::int32_t));
+  EXPECT_TRUE((std::is_convertible_v<decltype(Root::error_code), std::int32_t>));
+  for (const std::int32_t code : {std::numeric_limits<std::int32_t>::min(),
+                                  std::numeric_limits<std::int32_t>::max(), 0, -1}) {
+    EXPECT_EQ(Internal_Runtime("text", code).error_code, code);
+  }
   EXPECT_EQ(error_codes::invalid_document, 245760);
   EXPECT_EQ(error_codes::internal, -2);
 }
@@ -176,6 +182,42 @@ TEST(Error_Family, keeps_code_and_text_in_a_copy) {
 
   EXPECT_STREQ(copy.what(), "text");
   EXPECT_EQ(copy.error_code, std::numeric_limits<std::int32_t>::min());
+}
+
+// Immutable, but as a whole
+
+template <class Error, class Value>
+constexpr bool takes_a_code_from =
+    std::is_assignable_v<decltype((std::declval<Error&>().error_code)), Value>;
+
+TEST(Error_Family, lets_nobody_change_the_code_of_an_error) {
+  EXPECT_FALSE((takes_a_code_from<Root, std::int32_t>));
+  EXPECT_FALSE((takes_a_code_from<Root, decltype(Root::error_code)>));
+  EXPECT_FALSE((takes_a_code_from<Backend_Runtime, std::int32_t>));
+  EXPECT_FALSE((takes_a_code_from<Internal_Logic, decltype(Root::error_code)>));
+}
+
+TEST(Error_Family, is_replaced_with_text_and_code_together) {
+  Backend_Runtime error("old", 1);
+  error = Backend_Runtime("new", 2);
+
+  EXPECT_STREQ(error.what(), "new");
+  EXPECT_EQ(error.error_code, 2);
+}
+
+/// As a server may derive one.
+struct Error_Of_A_Server : Backend_Runtime {
+  using Backend_Runtime::Backend_Runtime;
+};
+
+TEST(Error_Family, keeps_the_code_in_what_others_derive_from_it) {
+  const Error_Of_A_Server error("text", 7);
+  expect_code_and_text<Root>(error, 7, "text");
+}
+
+TEST(Error_Family, holds_code_zero_where_it_was_given_none) {
+  EXPECT_EQ(Internal().error_code, 0);
+  EXPECT_EQ(Backend().error_code, 0);
 }
 
 }  // namespace

@@ -14,19 +14,51 @@ namespace kuv::vemora {
 // the standard class, or by the root `Vemora_Error<std::exception>`, and reads one shared
 // `error_code` whichever it took. The text is the standard base's `what()`.
 
+// An error does not change after its construction: nobody outside the family can set its code.
+// Only a whole error can be assigned to another one, text and code together, as with the standard
+// classes; a code that could not be assigned would part from its text there.
+
 template <class Standard>
 class Vemora_Error;
+
+template <>
+class Vemora_Error<std::runtime_error>;
+template <>
+class Vemora_Error<std::logic_error>;
 
 /// Root of the family.
 template <>
 class VEMORA_API Vemora_Error<std::exception> {
  public:
+  /// A signed 32-bit number that others can only read.
+  class Code {
+   public:
+    Code(const Code&) = default;
+    operator std::int32_t() const { return value_; }
+
+   private:
+    friend class Vemora_Error;
+
+    Code() = default;
+    Code& operator=(const Code&) = default;
+
+    std::int32_t value_ = 0;
+  };
+
   Vemora_Error() = default;
   Vemora_Error(const Vemora_Error&) = default;
   Vemora_Error& operator=(const Vemora_Error&) = default;
   virtual ~Vemora_Error() = default;
 
-  std::int32_t error_code = 0;  ///< one of `error_codes`
+  Code error_code;  ///< one of `error_codes`
+
+ private:
+  // The two that are constructed with a code. The class that is thrown constructs this root, and
+  // would have to know the code otherwise, also where a server derives its own.
+  friend class Vemora_Error<std::runtime_error>;
+  friend class Vemora_Error<std::logic_error>;
+
+  void set_code_(std::int32_t code) { error_code.value_ = code; }
 };
 
 template <>
@@ -34,7 +66,7 @@ class VEMORA_API Vemora_Error<std::runtime_error> : public std::runtime_error,
                                                     public virtual Vemora_Error<std::exception> {
  public:
   Vemora_Error(const std::string& message, std::int32_t code) : std::runtime_error(message) {
-    error_code = code;
+    set_code_(code);
   }
 };
 
@@ -43,7 +75,7 @@ class VEMORA_API Vemora_Error<std::logic_error> : public std::logic_error,
                                                   public virtual Vemora_Error<std::exception> {
  public:
   Vemora_Error(const std::string& message, std::int32_t code) : std::logic_error(message) {
-    error_code = code;
+    set_code_(code);
   }
 };
 
