@@ -10,6 +10,26 @@
 
 namespace kuv::test {
 
+// No server's library shows what a source remembers of its names. An explicit instantiation may
+// name private members, which opens them to the tests.
+
+template <class Name, typename Name::Member member>
+struct Opened {
+  friend typename Name::Member open(Name) { return member; }
+};
+
+struct Source_Channel {
+  using Member = std::string logging::Source::*;
+  friend Member open(Source_Channel);
+};
+template struct Opened<Source_Channel, &logging::Source::channel_>;
+
+struct Source_Scope {
+  using Member = std::string logging::Source::*;
+  friend Member open(Source_Scope);
+};
+template struct Opened<Source_Scope, &logging::Source::scope_>;
+
 /// Counts how often it is formatted.
 struct Counted {
   int* times;
@@ -64,6 +84,16 @@ TEST(Logging_Source, writes_lines_to_its_channel_with_their_severity) {
                                    "Refreshing the trigger config."},
                           Log_Line{severity_level::debug, "Trigger_Parser", "parsed"},
                           Log_Line{severity_level::error, "Trigger_Manager", "failed"}));
+}
+
+TEST(Logging_Source, remembers_its_channel_and_its_scope) {
+  const Source alone("Trigger_Manager");
+  EXPECT_EQ(alone.*open(Source_Channel()), "Trigger_Manager");
+  EXPECT_EQ(alone.*open(Source_Scope()), "");
+
+  const Source one_of_two("Trigger_Parser", "server 9");
+  EXPECT_EQ(one_of_two.*open(Source_Channel()), "Trigger_Parser");
+  EXPECT_EQ(one_of_two.*open(Source_Scope()), "server 9");
 }
 
 TEST(Logging_Source, puts_arguments_in_place_of_braces) {

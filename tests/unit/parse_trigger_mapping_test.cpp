@@ -403,6 +403,14 @@ TEST_F(Schedules_Of_A_Trigger, let_failures_of_the_database_through_unchanged) {
   database.schedules.fault = std::make_exception_ptr(Database_Is_Gone());
 
   EXPECT_THROW(parse_configs(trigger_5("[1]")), Database_Is_Gone);
+
+  database.schedules.fault = std::make_exception_ptr(std::out_of_range("row 1"));
+  try {
+    parse_configs(trigger_5("[1]"));
+    FAIL() << "nothing was thrown";
+  } catch (const std::out_of_range& error) {
+    EXPECT_STREQ(error.what(), "row 1");
+  }
 }
 
 }  // namespace

@@ -196,6 +196,16 @@ TEST_F(Parser_Over_Stubs, has_each_filter_that_is_given_converted_once) {
               ElementsAre("parse_search_tags", "convert metadata-event", "matches_any of 0 terms"));
 }
 
+TEST_F(Parser_Over_Stubs, matches_the_server_for_no_trigger_whose_id_is_a_duplicate) {
+  const std::vector<std::string> calls = calls_of([&] {
+    EXPECT_EQ(rejection_of_configs(configuration({a_trigger(7), a_trigger(7)})),
+              "All \"id\" values must be unique, 7 is duplicated.");
+  });
+
+  EXPECT_THAT(calls, ElementsAre("convert metadata-event", "matches_any of 0 terms",
+                                 "convert metadata-event"));
+}
+
 TEST_F(Parser_Over_Stubs, matches_the_server_once_for_every_trigger_that_it_keeps) {
   given_server_tags({{"site", {"north"}}});
   const auto trigger = [](std::uint64_t id, const char* type, const char* filter) {

@@ -31,9 +31,4 @@ void Faults::add_literal(const Json::Value& value, const char* message) {
   add(value, message);
 }
 
-void Faults::add_literal(const Member& member, const char* message) {
-  const bool is_there = &member.value != &Json::Value::nullSingleton();
-  add(is_there ? member.value : member.owner, message);
-}
-
 }  // namespace kuv::vemora

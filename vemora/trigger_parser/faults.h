@@ -7,15 +7,10 @@
 #include <optional>
 #include <string>
 
+#include "vemora/trigger_parser/members.h"
 #include "vemora/trigger_parser/parser_fault.h"
 
 namespace kuv::vemora {
-
-/// A value, and the object that it was looked up in.
-struct Member {
-  const Json::Value& value;  ///< Json::Value::nullSingleton() where the object has none
-  const Json::Value& owner;
-};
 
 /// Whom the readers of a document tell what is wrong with it. Without a sink, and where the sink
 /// does not want to go on, the first fault rejects the document: what is read behind a fault is
@@ -43,7 +38,7 @@ class Faults {
   /// is kept costs nothing.
   bool require(bool kept, const Member& member, const char* message) {
     if (!kept) {
-      add_literal(member, message);
+      add_literal(member.place(), message);
     }
     return kept;
   }
@@ -64,7 +59,6 @@ class Faults {
  private:
   // Out of line, so that no text is made where a rule is looked at.
   [[gnu::cold]] void add_literal(const Json::Value& value, const char* message);
-  [[gnu::cold]] void add_literal(const Member& member, const char* message);
 
   Fault_Sink* sink_ = nullptr;
   std::size_t index_ = no_element;

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "vemora/trigger_parser/find_members.h"
+#include "vemora/trigger_parser/members.h"
 
 namespace kuv::vemora {
 namespace {
@@ -31,14 +31,14 @@ std::chrono::microseconds checked_duration(const Json::Value& value, const Limit
 
 /// For a mode that is none, the one that asks for least: nobody knows what was meant, and nothing
 /// shall be missed that the right one may do without.
-Activity_Duration_Mode parse_mode(const Json::Value& mode, Faults& faults) {
-  if (mode.isNull()) {
+Activity_Duration_Mode parse_mode(const Member& mode, Faults& faults) {
+  if (mode->isNull()) {
     return Activity_Duration_Mode::object_presence;
   }
-  if (!faults.require(mode.isString(), mode, "\"activityDuration.mode\" must be a string.")) {
+  if (!faults.require(mode->isString(), mode, "\"activityDuration.mode\" must be a string.")) {
     return Activity_Duration_Mode::object_track;
   }
-  const std::string name = mode.asString();
+  const std::string name = mode->asString();
   if (name == "object-presence") {
     return Activity_Duration_Mode::object_presence;
   }
@@ -47,12 +47,12 @@ Activity_Duration_Mode parse_mode(const Json::Value& mode, Faults& faults) {
   return Activity_Duration_Mode::object_track;
 }
 
-std::chrono::microseconds parse_min_duration(const Member& duration, Faults& faults) {
+std::chrono::microseconds parse_min_duration(const Member& min_duration, Faults& faults) {
   // Zero is what a form sends that was left empty, so it counts as missing and not as too short.
-  const bool given = duration.value.isUInt() && duration.value.asUInt() != 0;
-  return faults.require(given, duration,
+  const bool given = min_duration->isUInt() && min_duration->asUInt() != 0;
+  return faults.require(given, min_duration,
                         "\"activityDuration.minDurationMs\" is missing or invalid.")
-             ? checked_duration(duration.value, min_duration_limits, "minDurationMs", faults)
+             ? checked_duration(*min_duration, min_duration_limits, "minDurationMs", faults)
              : std::chrono::microseconds::zero();
 }
 
@@ -60,35 +60,36 @@ std::chrono::microseconds parse_min_duration(const Member& duration, Faults& fau
 /// Presence does, since every frame is asked anew.
 std::chrono::microseconds parse_dropout(const Member& dropout, Activity_Duration_Mode mode,
                                         Faults& faults) {
-  if (dropout.value.isNull()) {
+  if (dropout->isNull()) {
     faults.require(mode == Activity_Duration_Mode::object_track, dropout,
                    "\"activityDuration.dropoutMs\" is missing or invalid.");
     return std::chrono::microseconds::zero();
   }
-  return faults.require(dropout.value.isUInt(), dropout,
+  return faults.require(dropout->isUInt(), dropout,
                         "\"activityDuration.dropoutMs\" must be an unsigned integer.")
-             ? checked_duration(dropout.value, dropout_limits, "dropoutMs", faults)
+             ? checked_duration(*dropout, dropout_limits, "dropoutMs", faults)
              : std::chrono::microseconds::zero();
 }
 
 }  // namespace
 
-std::optional<Activity_Duration> parse_activity_duration(const Json::Value& activity,
+std::optional<Activity_Duration> parse_activity_duration(const Member& activity,
                                                          Trigger_Source_Type source_type,
                                                          Faults& faults) {
-  if (activity.isNull() || !faults.require(activity.isObject(), activity,
-                                           "\"activityDuration\" must be a JSON object.")) {
+  if (activity->isNull() || !faults.require(activity->isObject(), activity,
+                                            "\"activityDuration\" must be a JSON object.")) {
     return std::nullopt;
   }
-  const auto [mode, min_duration, dropout] =
-      find_members(activity, "mode", "minDurationMs", "dropoutMs");
+  Member mode, min_duration, dropout;
+  find_members(*activity,
+               {{"mode", mode}, {"minDurationMs", min_duration}, {"dropoutMs", dropout}});
   Activity_Duration parsed;
-  parsed.mode = parse_mode(*mode, faults);
+  parsed.mode = parse_mode(mode, faults);
   if (source_type == Trigger_Source_Type::motion_detection) {
     parsed.mode = Activity_Duration_Mode::object_presence;  // motion has no track to follow
   }
-  parsed.min_duration = parse_min_duration({*min_duration, activity}, faults);
-  parsed.dropout = parse_dropout({*dropout, activity}, parsed.mode, faults);
+  parsed.min_duration = parse_min_duration(min_duration, faults);
+  parsed.dropout = parse_dropout(dropout, parsed.mode, faults);
   return parsed;
 }
 

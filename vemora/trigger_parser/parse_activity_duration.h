@@ -10,7 +10,7 @@
 namespace kuv::vemora {
 
 /// The "activityDuration" of a source of that type; nothing when it is null or absent.
-std::optional<Activity_Duration> parse_activity_duration(const Json::Value& activity,
+std::optional<Activity_Duration> parse_activity_duration(const Member& activity,
                                                          Trigger_Source_Type source_type,
                                                          Faults& faults);
 

@@ -1,6 +1,7 @@
 #include "vemora/trigger_parser/parse_ids.h"
 
 #include "vemora/platform/utils/json.h"
+#include "vemora/platform/utils/json_elements.h"
 
 namespace kuv::vemora {
 namespace {
@@ -8,11 +9,11 @@ namespace {
 /// Asks who judged the array about each of its elements.
 void tell_wrong_elements(const Json::Value& array, const char* message, Faults& faults) {
   const std::size_t before = faults.count();
-  for (const Json::Value& element : array) {
+  for (const auto& [index, element] : kuv::utils::Json_Elements(array)) {
     Json::Value alone(Json::arrayValue);
     alone.append(element);
     std::vector<std::uint64_t> ids;
-    faults.require(kuv::utils::transform_json_array(alone, ids), element, message);
+    faults.require(kuv::utils::transform_json_array(alone, ids), Member(element, array), message);
   }
   faults.require(faults.count() > before, array, message);  // of each alone nothing was said
 }

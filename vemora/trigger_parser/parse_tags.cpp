@@ -5,7 +5,7 @@
 
 #include "vemora/platform/tags/tag_filter_error.h"
 #include "vemora/platform/tags/tags_json_converter.h"
-#include "vemora/trigger_parser/find_members.h"
+#include "vemora/trigger_parser/members.h"
 
 namespace kuv::vemora {
 namespace {
@@ -36,9 +36,10 @@ void parse_tag_filter(const Json::Value& filter, Terms& parsed, Faults& faults) 
 }  // namespace
 
 void parse_tags(const Member& tags, Trigger_Config::Tags& parsed, Faults& faults) {
-  if (faults.require(tags.value.isObject(), tags, "\"tags\" must be a JSON object.")) {
-    const auto [server, camera, event_subscription] =
-        find_members(tags.value, "server", "camera", "eventSubscription");
+  if (faults.require(tags->isObject(), tags, "\"tags\" must be a JSON object.")) {
+    Member server, camera, event_subscription;
+    find_members(
+        *tags, {{"server", server}, {"camera", camera}, {"eventSubscription", event_subscription}});
     parse_tag_filter(*server, parsed.server, faults);
     parse_tag_filter(*camera, parsed.camera, faults);
     parse_tag_filter(*event_subscription, parsed.event_subscription, faults);

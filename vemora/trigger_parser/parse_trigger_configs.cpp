@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "vemora/platform/tags/tag_filter.h"
+#include "vemora/platform/utils/json_elements.h"
 #include "vemora/trigger_parser/faults.h"
-#include "vemora/trigger_parser/fetch_ahead.h"
-#include "vemora/trigger_parser/find_members.h"
+#include "vemora/trigger_parser/members.h"
 #include "vemora/trigger_parser/parse_sources.h"
 #include "vemora/trigger_parser/parse_tags.h"
 #include "vemora/trigger_parser/require_configuration.h"
@@ -23,33 +23,15 @@ bool parse_any_time(const Json::Value& any_time, Faults& faults) {
          any_time.asBool();
 }
 
-/// The triggers that are kept, in the order of the document.
-class Kept_Triggers {
- public:
-  explicit Kept_Triggers(std::size_t most) : most_(most) {}
+/// In order, not hashed: whoever chooses the ids could choose ones that all meet in one bucket.
+using Ids = std::set<std::uint64_t>;
 
-  /// Whether no trigger has had that id.
-  bool add_id(std::uint64_t id) {
-    const std::size_t before = ids_.size();
-    ids_.insert(ids_.end(), id);  // ids mostly ascend
-    return ids_.size() > before;
-  }
-
-  void add(Trigger_Config&& config) {
-    if (configs_.empty()) {
-      configs_.reserve(most_);
-    }
-    configs_.push_back(std::move(config));
-  }
-
-  std::vector<Trigger_Config> take() { return std::move(configs_); }
-
- private:
-  std::size_t most_;
-  // In order, not hashed: whoever chooses the ids could choose ones that all meet in one bucket.
-  std::set<std::uint64_t> ids_;
-  std::vector<Trigger_Config> configs_;
-};
+/// False when the id is among them already.
+bool add_id(std::uint64_t id, Ids& ids) {
+  const std::size_t before = ids.size();
+  ids.insert(ids.end(), id);  // ids mostly ascend
+  return ids.size() > before;
+}
 
 }  // namespace
 
@@ -71,22 +53,17 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
     return {};
   }
   const Json::Value& triggers = document["triggers"];
-  if (!faults.require(triggers.isArray(), Member{triggers, document},
+  if (!faults.require(triggers.isArray(), Member(triggers, document),
                       "Missing \"triggers\" array.")) {
     return {};
   }
   const std::map<std::string, Tag_Info> server_tags = get_latest_server_tags_(faults);
 
-  Kept_Triggers kept(triggers.size());
-  std::size_t index = 0;
-  const auto end = triggers.end();
-  for (auto element = triggers.begin(); element != end; ++index) {
-    const Json::Value& trigger = *element;
-    if (++element != end) {
-      fetch_ahead(*element);
-    }
+  std::vector<Trigger_Config> kept;
+  Ids kept_ids;
+  for (const auto& [index, trigger] : kuv::utils::Json_Elements(triggers)) {
     faults.enter_element(index);
-    if (!faults.require(trigger.isObject(), trigger,
+    if (!faults.require(trigger.isObject(), Member(trigger, triggers),
                         "\"triggers\" must be an array of JSON objects.")) {
       continue;
     }
@@ -94,34 +71,35 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
     if (!config) {
       continue;
     }
-    if (faults.is_named() && !kept.add_id(config->id)) {
+    if (faults.is_named() && !add_id(config->id, kept_ids)) {
       faults.add(trigger["id"],
                  fmt::format("All \"id\" values must be unique, {} is duplicated.", config->id));
     }
     if (faults.count() == 0) {
       config->matches_server = Tag_Filter::matches_any(server_tags, config->tags.server);
-      kept.add(std::move(*config));
+      kept.push_back(std::move(*config));
     }
   }
-  return kept.take();
+  return kept;
 }
 
 std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
     const Json::Value& trigger, const Trigger_Mapping& mapping, Faults& faults) {
-  const auto [id, name, tags, sources, any_time] =
-      find_members(trigger, "id", "name", "tags", "sources", "anyTime");
+  Member id, name, tags, sources, any_time;
+  find_members(
+      trigger,
+      {{"id", id}, {"name", name}, {"tags", tags}, {"sources", sources}, {"anyTime", any_time}});
   std::optional<Trigger_Config> config(std::in_place);
-  if (faults.require(id->isUInt64(), Member{*id, trigger}, "\"id\" field is missing or invalid.")) {
+  if (faults.require(id->isUInt64(), id, "\"id\" field is missing or invalid.")) {
     config->id = id->asUInt64();
     faults.name_trigger(config->id);
   }
-  if (faults.require(name->isString(), Member{*name, trigger},
-                     "\"name\" field is missing or invalid.")) {
+  if (faults.require(name->isString(), name, "\"name\" field is missing or invalid.")) {
     config->name = name->asString();
   }
-  parse_tags({*tags, trigger}, config->tags, faults);
+  parse_tags(tags, config->tags, faults);
   const std::size_t before_sources = faults.count();
-  config->sources = parse_sources({*sources, trigger}, faults);
+  config->sources = parse_sources(sources, faults);
   const bool sources_are_valid = faults.count() == before_sources;
   config->options.any_time = parse_any_time(*any_time, faults);
   if (config->sources.empty() && sources_are_valid) {

@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "vemora/platform/utils/json_elements.h"
 #include "vemora/trigger_parser/faults.h"
 #include "vemora/trigger_parser/parse_ids.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
@@ -11,11 +12,11 @@ namespace {
 using Schedules = std::optional<std::set<Trigger_Mapping_Entry>>;
 
 std::vector<std::uint64_t> parse_trigger_ids(const Member& ids, Faults& faults) {
-  if (!faults.require(ids.value.isArray(), ids, "\"triggerIds\" array is missing or invalid.") ||
-      !faults.require(!ids.value.empty(), ids, "\"triggerIds\" array is empty.")) {
+  if (!faults.require(ids->isArray(), ids, "\"triggerIds\" array is missing or invalid.") ||
+      !faults.require(!ids->empty(), ids, "\"triggerIds\" array is empty.")) {
     return {};
   }
-  return parse_ids(ids.value, "\"triggerIds\" must be an array of unsigned integers.", faults);
+  return parse_ids(*ids, "\"triggerIds\" must be an array of unsigned integers.", faults);
 }
 
 /// Once one association of a trigger cannot be resolved the trigger stays marked, whatever other
@@ -54,19 +55,18 @@ Trigger_Mapping Vemora_Trigger_Parser::parse_trigger_mapping_(const Json::Value&
     return mapping;
   }
   const Json::Value& associations = document["triggerMapping"];
-  if (!faults.require(associations.isArray(), Member{associations, document},
+  if (!faults.require(associations.isArray(), Member(associations, document),
                       "\"triggerMapping\" array is missing or invalid.")) {
     return mapping;
   }
-  std::size_t index = 0;
-  for (const Json::Value& association : associations) {
-    faults.enter_element(index++);
-    if (!faults.require(association.isObject(), association,
+  for (const auto& [index, association] : kuv::utils::Json_Elements(associations)) {
+    faults.enter_element(index);
+    if (!faults.require(association.isObject(), Member(association, associations),
                         "\"triggerMapping\" must be an array of JSON objects.")) {
       continue;
     }
     const Schedules schedules = parse_mapping_entries_(association, faults);
-    const Member trigger_ids{association["triggerIds"], association};
+    const Member trigger_ids(association["triggerIds"], association);
     for (const std::uint64_t trigger_id : parse_trigger_ids(trigger_ids, faults)) {
       associate(mapping, trigger_id, schedules);
     }
@@ -78,7 +78,7 @@ std::optional<std::set<Trigger_Mapping_Entry>> Vemora_Trigger_Parser::parse_mapp
     const Json::Value& object, Faults& faults) {
   std::set<Trigger_Mapping_Entry> entries;
   const Json::Value& ids = object["scheduleIds"];
-  if (!faults.require(ids.isArray(), Member{ids, object},
+  if (!faults.require(ids.isArray(), Member(ids, object),
                       "\"scheduleIds\" array is missing or invalid.")) {
     return entries;
   }

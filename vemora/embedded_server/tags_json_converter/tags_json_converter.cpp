@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "vemora/platform/tags/tag_filter_error.h"
+#include "vemora/platform/utils/json_elements.h"
 
 namespace kuv::vemora::Vemora_Tags_JSON_Converter {
 namespace {
@@ -55,7 +56,7 @@ void add_terms(const std::string& name, const Json::Value& wanted, Terms& terms,
   if (wanted.empty()) {
     faults.add(wanted, fmt::format("Tag \"{}\" has an empty array.", name));
   }
-  for (const Json::Value& value : wanted) {
+  for (const auto& [index, value] : kuv::utils::Json_Elements(wanted)) {
     if (!add_term(name, value, terms)) {
       faults.add(value, fmt::format("Tag \"{}\" must be an array of strings and nulls.", name));
       return;

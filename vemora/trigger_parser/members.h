@@ -1,0 +1,58 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <cstddef>
+#include <string_view>
+
+namespace kuv::vemora {
+
+/// A value and the object or array that it belongs to; a null value where that has none.
+class Member {
+ public:
+  Member() = default;  ///< for find_members to fill in
+  Member(const Json::Value& value, const Json::Value& owner) : value_(&value), owner_(&owner) {}
+
+  const Json::Value& operator*() const { return *value_; }
+  const Json::Value* operator->() const { return value_; }
+
+  /// False also of an element that was never assigned; a null that was written is there.
+  bool is_there() const { return value_ != &Json::Value::nullSingleton(); }
+
+  /// Where to look when something is wrong: the value, or else its owner, which lacks it.
+  const Json::Value& place() const { return is_there() ? *value_ : *owner_; }
+
+ private:
+  const Json::Value* value_ = nullptr;
+  const Json::Value* owner_ = nullptr;
+};
+
+struct Named_Member {
+  std::string_view name;
+  Member& member;
+};
+
+/// Finds the members of these names: find_members(object, {{"id", id}, {"name", name}}). One walk
+/// over the object finds them all, where the library would search it for each: a configuration has
+/// a million of them.
+template <std::size_t count>
+void find_members(const Json::Value& object, const Named_Member (&wanted)[count]) {
+  const Member missing(Json::Value::nullSingleton(), object);
+  for (const auto& [name, member] : wanted) {
+    member = missing;
+  }
+  const auto end = object.end();
+  for (auto found = object.begin(); found != end; ++found) {
+    const char* name_end = nullptr;
+    const char* const name_begin = found.memberName(&name_end);
+    const std::string_view name(name_begin, static_cast<std::size_t>(name_end - name_begin));
+    for (const auto& [wanted_name, member] : wanted) {
+      if (wanted_name == name) {
+        member = Member(*found, object);
+        break;
+      }
+    }
+  }
+}
+
+}  // namespace kuv::vemora
