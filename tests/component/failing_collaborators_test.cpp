@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <future>
+#include <new>
 #include <ostream>
 #include <stdexcept>
 #include <vector>
@@ -8,9 +9,10 @@
 #include "component/manager_test.h"
 #include "component/private_access.h"
 #include "component/scripted_site.h"
+#include "vemora/platform/errors/vemora_error.h"
 
-// Every call that a pass makes fails once: with a standard exception, with something else, and,
-// where it can, by refusing. The tables say what comes of it.
+// Every call that a pass makes fails once: with a standard exception, for want of memory, with
+// something else, and, where it can, by refusing. The tables say what comes of it.
 
 namespace kuv::test {
 namespace {
@@ -377,7 +379,12 @@ const Pass& empty_pass() {
   return pass;
 }
 
-enum class Failure { standard_exception, other_exception, refusal };
+enum class Failure { standard_exception, no_memory, other_exception, error_of_the_family, refusal };
+
+/// What is thrown is no std::exception.
+bool is_unheard_of(Failure failure) {
+  return failure == Failure::other_exception || failure == Failure::error_of_the_family;
+}
 
 using Setting = std::tuple<const Pass*, Operation>;
 
@@ -408,8 +415,14 @@ class Failing_Collaborators : public testing::TestWithParam<Setting> {
       if (failure == Failure::standard_exception) {
         throw std::runtime_error(thrown_text);
       }
+      if (failure == Failure::no_memory) {
+        throw std::bad_alloc();
+      }
       if (failure == Failure::other_exception) {
         throw 42;
+      }
+      if (failure == Failure::error_of_the_family) {
+        throw Internal_Error<std::exception>();
       }
       return Answer::refused;
     });
@@ -425,6 +438,8 @@ class Failing_Collaborators : public testing::TestWithParam<Setting> {
       return threw(error.what());
     } catch (int number) {
       return threw("the number " + std::to_string(number));
+    } catch (const Internal_Error<std::exception>&) {
+      return threw("an error without a text");
     }
   }
 
@@ -449,8 +464,9 @@ class Failing_Collaborators : public testing::TestWithParam<Setting> {
     return {};
   }
 
-  void then_it_is(const Outcome& outcome, const Answered& answer) {
-    const std::string text = outcome.text.empty() ? thrown_text : outcome.text;
+  void then_it_is(const Outcome& outcome, const Answered& answer,
+                  const char* thrown = thrown_text) {
+    const std::string text = outcome.text.empty() ? thrown : with_text(outcome.text, thrown);
     if (outcome.kind == Outcome::Kind::rejects || outcome.kind == Outcome::Kind::fails_pass) {
       const bool rejected = outcome.kind == Outcome::Kind::rejects;
       then_nothing_came_of_it((rejected ? operation.rejection : operation.failure)(text), answer);
@@ -472,6 +488,12 @@ class Failing_Collaborators : public testing::TestWithParam<Setting> {
     then_the_pusher_knows(applied_but(outcome), errors_of_triggers(outcome, text));
     then_the_documents_are(operation.stores_config ? "new" : "stored",
                            operation.stores_mapping ? "new" : "stored");
+  }
+
+  /// Where the table's text holds that of its exception, that of another one.
+  static std::string with_text(std::string text, const std::string& thrown) {
+    const std::size_t found = text.find(thrown_text);
+    return found == std::string::npos ? text : text.replace(found, std::string::npos, thrown);
   }
 
   void then_nothing_came_of_it(const Answered& expected, const Answered& answer) {
@@ -560,12 +582,15 @@ class Failing_Collaborators : public testing::TestWithParam<Setting> {
       const Answered answer = when_the_operation_runs();
       ASSERT_GT(calls.size(), n);
       EXPECT_EQ(calls[n], table[n].call);
-      if (failure == Failure::other_exception && outcome.kind != Outcome::Kind::goes_on &&
+      if (is_unheard_of(failure) && outcome.kind != Outcome::Kind::goes_on &&
           outcome.kind != Outcome::Kind::leaves_out) {
         EXPECT_EQ(calls.size(), n + 1);  // nobody else was called
-        then_nothing_came_of_it(threw("the number 42"), answer);
+        const bool is_number = failure == Failure::other_exception;
+        then_nothing_came_of_it(threw(is_number ? "the number 42" : "an error without a text"),
+                                answer);
       } else {
-        then_it_is(outcome, answer);
+        then_it_is(outcome, answer,
+                   failure == Failure::no_memory ? std::bad_alloc().what() : thrown_text);
       }
       then_nothing_is_left_of_the_pass();
       then_the_next_pass_is_undisturbed();
@@ -597,9 +622,18 @@ TEST_P(Failing_Collaborators, that_throw_a_standard_exception_cost_what_the_tabl
   check_every_call(Failure::standard_exception, [](const Row& row) { return row.when_it_throws; });
 }
 
+TEST_P(Failing_Collaborators, that_have_no_memory_cost_the_same) {
+  check_every_call(Failure::no_memory, [](const Row& row) { return row.when_it_throws; });
+}
+
 // The one place that swallows whatever is thrown is the conversion of source types.
 TEST_P(Failing_Collaborators, that_throw_something_else_end_the_pass_with_it) {
   check_every_call(Failure::other_exception, [](const Row& row) { return row.when_it_throws; });
+}
+
+// An error of the system's own may be none of the standard ones.
+TEST_P(Failing_Collaborators, that_throw_an_error_without_a_text_end_the_pass_with_it) {
+  check_every_call(Failure::error_of_the_family, [](const Row& row) { return row.when_it_throws; });
 }
 
 TEST_P(Failing_Collaborators, that_refuse_cost_what_the_table_says) {

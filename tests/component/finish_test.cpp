@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "component/manager_test.h"
+#include "support/stub_platform/stub_platform.h"
 
 namespace kuv::test {
 namespace {
@@ -367,6 +368,49 @@ TEST_F(End_Of_Pass,
   EXPECT_EQ(result, (Result{false, {failed_processing(text)}}));
   EXPECT_THAT(log.lines(), ElementsAre(error_line(text)));
   EXPECT_EQ(manager->get_config(), stored_config);
+}
+
+/// The calls of the platform's functions while it lives, in order.
+struct Noted_Calls {
+  std::vector<std::string> all;
+  stub_platform::Listening listening{
+      [this](stub_platform::Function, const std::string& call) { all.push_back(call); }};
+};
+
+TEST_F(End_Of_Pass, reads_camera_topic_and_triggers_of_a_subscription_in_that_order) {
+  given_a_pass_at_its_end();
+  expect_read_back({a_topic_subscription(3, a_camera(10), "a")}, {});
+  expect_pushed();
+  const Noted_Calls calls;
+
+  when_the_configuration_is_updated();
+
+  EXPECT_THAT(calls.all, ElementsAre("subscription 3: camera_id", "subscription 3: trigger_ids"));
+}
+
+TEST_F(End_Of_Pass, asks_a_subscription_without_a_topic_for_its_camera_and_not_for_its_triggers) {
+  given_a_pass_at_its_end();
+  expect_stale({}, {a_topic_subscription(3, a_camera(10), std::nullopt)});
+  const Noted_Calls calls;
+
+  when_the_configuration_is_updated();
+
+  EXPECT_FALSE(result.success);
+  EXPECT_THAT(calls.all, ElementsAre("subscription 3: camera_id"));
+}
+
+TEST_F(End_Of_Pass, asks_a_detection_record_without_a_camera_for_its_camera_too) {
+  given_a_pass_at_its_end();
+  expect_read_back({}, {an_eta_camera(3, {})});
+  const stub_platform::Listening failing([](stub_platform::Function, const std::string& call) {
+    EXPECT_EQ(call, "eta_camera 3: camera_id");
+    throw std::runtime_error("no camera");
+  });
+
+  when_the_configuration_is_updated();
+
+  EXPECT_EQ(result,
+            (Result{false, {failed_processing("Failed to update trigger config: no camera")}}));
 }
 
 TEST_F(End_Of_Pass, that_meets_such_a_subscription_throws_from_an_update_of_the_mapping) {

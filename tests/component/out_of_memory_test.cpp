@@ -69,6 +69,21 @@ TEST_F(Out_Of_Memory, an_update_of_the_mapping_that_cannot_store_it_throws) {
   then_the_documents_are_the_old_ones();
 }
 
+TEST_F(Out_Of_Memory, a_refresh_that_cannot_copy_what_the_pusher_was_told_fails) {
+  manager = site.a_manager(Scripted_Site::config, Scripted_Site::mapping);
+  given_no_memory_once_the_pusher_was_told();
+  Trigger_Config_State state;
+
+  EXPECT_FALSE(manager->refresh_triggers(state));
+
+  EXPECT_TRUE(allocation_has_failed());
+  EXPECT_TRUE(site.pushed.has_value());
+  const std::string text = "Encountered error refreshing the trigger config: std::bad_alloc";
+  EXPECT_THAT(state.errors, ElementsAre(failed_processing(text)));
+  EXPECT_THAT(log.lines(logging::severity_level::error), ElementsAre(error_line(text)));
+  then_nothing_is_left_of_the_pass();
+}
+
 TEST_F(Out_Of_Memory, an_update_of_the_configuration_answers_wherever_it_happens) {
   manager = site.a_manager(Scripted_Site::config, Scripted_Site::mapping);
   const Error rejected = rejected_document("Failed to parse trigger config: std::bad_alloc");

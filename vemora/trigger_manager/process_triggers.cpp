@@ -47,8 +47,8 @@ Trigger_Config_State Vemora_Trigger_Manager::apply_triggers_(Parsed_Config parse
     }
   }
   finalize_processing_();
-  // Moved: a pass that has told the pusher must not fail any more over memory for a copy.
-  return std::move(state_);
+  return state_;  // a copy, equal to the one that the pusher has; without memory for it the pass
+                  // fails
 }
 
 void Vemora_Trigger_Manager::apply_trigger_(const Trigger_Config& config) {

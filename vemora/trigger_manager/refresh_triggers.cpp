@@ -4,13 +4,13 @@
 #include <exception>
 #include <utility>
 
+#include "vemora/trigger_manager/log_failed_operation.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
 namespace {
 
 using Directive_Config_Processing::Error;
-using kuv::logging::severity_level;
 
 }  // namespace
 
@@ -28,12 +28,12 @@ Vemora_Trigger_Manager::Refresh_Result Vemora_Trigger_Manager::refresh_triggers_
   const boost::unique_lock<boost::shared_mutex> lock(mutex_);
   Refresh_Result result;
   try {
-    logger_.log(severity_level::info, "Refreshing the trigger config.");
+    logger_.log(kuv::logging::severity_level::info, "Refreshing the trigger config.");
     result = {true, process_triggers_(config_, trigger_mapping_)};
   } catch (const std::exception& error) {
     std::string text =
         fmt::format("Encountered error refreshing the trigger config: {}", error.what());
-    logger_.log(severity_level::error, "{}", text);
+    log_failed_operation(logger_, text);
     result.state.add_error(Error::Category::failed_processing, std::move(text));
   }
   return result;

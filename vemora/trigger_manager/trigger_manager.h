@@ -31,24 +31,26 @@ class VEMORA_API Trigger_Manager {
   ///  - when either document could not be read, or what it names could not be looked up: category
   ///    rejected_document, nothing was applied;
   ///  - when the pass fails: category failed_processing, what it had written stays.
-  /// Of what a pass throws, only what is no std::exception comes through.
+  /// What propagates: exceptions that are not derived from std::exception; what the manager's lock
+  /// throws; std::bad_alloc where there is no memory for the answer itself. A log that fails takes
+  /// no error from the answer.
   virtual Directive_Config_Processing::Result update_config(const Json::Value& config) = 0;
 
   /// Runs a pass on the stored documents, which stay as they are. False when it failed; what it had
-  /// written stays. Of what a pass throws, only what is no std::exception comes through.
+  /// written stays. Exceptions propagate as from update_config.
   virtual bool refresh_triggers() = 0;
 
-  /// The same, and replaces all of `state` by the outcome: of a failed pass, one error. Where an
-  /// exception comes through, `state` is left as it was.
+  /// The same, and replaces all of `state` by the outcome, which is what the notification pusher
+  /// received, or the one error of a failed pass. An exception leaves `state` as it was.
   virtual bool refresh_triggers(Trigger_Config_State& state) = 0;
 
   /// A copy of the configuration last accepted; until then, of the one that the manager was made
   /// with, completed.
   virtual Json::Value get_config() = 0;
 
-  /// Runs a pass with a new trigger mapping, stores it and answers the outcome. Unlike
-  /// update_config it throws what the pass throws, a rejected document included, and then keeps the
-  /// old mapping.
+  /// Runs a pass with a new trigger mapping, stores it and answers the outcome, which is what the
+  /// notification pusher received. Unlike update_config it throws what the pass throws, a rejected
+  /// document included, and then keeps the old mapping.
   virtual Trigger_Config_State update_trigger_mapping(const Json::Value& mapping) = 0;
 
   /// A copy of the trigger mapping last accepted; until then, of the one that the manager was made

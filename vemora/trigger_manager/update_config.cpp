@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "vemora/trigger_manager/log_failed_operation.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -13,7 +14,7 @@ using Directive_Config_Processing::Error;
 using Directive_Config_Processing::Result;
 
 Result failure(kuv::logging::Source& logger, Error::Category category, std::string text) {
-  logger.log(kuv::logging::severity_level::error, "{}", text);
+  log_failed_operation(logger, text);
   return {false, {{category, std::move(text)}}};
 }
 
