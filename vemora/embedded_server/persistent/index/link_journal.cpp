@@ -30,7 +30,7 @@ Link_Journal::Net_Changes Link_Journal::settle() {
     const auto next = std::find_if(first, events_.cend(), [first](const Event& event) {
       return key(event.link) != key(first->link);
     });
-    // Coming and going take turns, so an even number of events leads back to where it began.
+    // Additions and removals take turns, so an even number of them leads back to the beginning.
     if ((next - first) % 2 != 0) {
       (first->kind == Event::Kind::added ? net.links.added : net.links.deleted)
           .push_back(first->link);

@@ -7,7 +7,8 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// The trigger links that came and went in a pass. A link that went and came back is no change.
+/// The trigger links that a pass added and removed. One that was removed and added again is no
+/// change.
 class Link_Journal {
  public:
   using Link = Changes::Link;
@@ -26,7 +27,7 @@ class Link_Journal {
     events_.push_back({{record_id, trigger_id}, Event::Kind::removed});
   }
 
-  /// A link that went because its trigger is deleted.
+  /// A link that is removed because its trigger is deleted.
   void note_dropped(std::uint64_t record_id, std::uint64_t trigger_id) {
     events_.push_back({{record_id, trigger_id}, Event::Kind::dropped});
   }

@@ -32,7 +32,7 @@ class Linked_Records {
 
   struct Entry {
     Record_Pointer record;
-    std::size_t links = 0;  ///< how many triggers hold lists name it
+    std::size_t links = 0;  ///< how many holder lists name it
   };
 
   using Entries = std::map<std::uint64_t, Entry>;

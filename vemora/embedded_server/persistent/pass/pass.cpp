@@ -120,14 +120,12 @@ void Pass::store_changes(Site_Index& site) {
       begun = true;
       session_->commit(*transaction_);
     } catch (const std::exception& fault) {
-      lost_ = true;       // half of it may be written: it goes as a whole
-      note_fault(fault);  // as long as the connection still knows what it was
-      note_fate(fault, begun, changes);
-      transaction_.reset();
+      note_failed_commit(fault, begun, changes);
+      transaction_.reset();  // half of it may be written: all of it is rolled back
       throw;
     }
     ++commits_;
-    uncommitted_ = false;
+    come_to(Pass_Event::commit);
     transaction_.reset();
   }
   changes_ = std::move(changes);
@@ -136,8 +134,9 @@ void Pass::store_changes(Site_Index& site) {
   }
 }
 
-/// What became of a commit, once it was `begun`, with these changes.
-void Pass::note_fate(const std::exception& fault, bool begun, Changes& changes) noexcept {
+/// What became of a commit that failed, once it was `begun`, with these changes. To be called as
+/// long as the connection still knows what the fault was.
+void Pass::note_failed_commit(const std::exception& fault, bool begun, Changes& changes) noexcept {
   const auto* const not_known = dynamic_cast<const Commit_Not_Known*>(&fault);
   if (not_known != nullptr) {
     commit_not_known_ = not_known->known();
@@ -148,6 +147,8 @@ void Pass::note_fate(const std::exception& fault, bool begun, Changes& changes) 
   if (commit_not_known_ == Commit_Not_Known::Known::committed_here) {
     changes_ = std::move(changes);
   }
+  come_to(commit_not_known_ ? Pass_Event::doubt : Pass_Event::loss);
+  note_fault(fault);
 }
 
 void Pass::confirm_place() {
@@ -191,30 +192,33 @@ void Pass::end() {
     } catch (const std::exception&) {  // which sticks
     }
   }
-  // What failed behind the commit only read.
-  if (uncommitted_ && !commit_what_came_before_the_fault()) {
-    throw Database_Error(fmt::format("{}; {}", *fault_,
-                                     commit_not_known_
-                                         ? fate_of("what the pass wrote", *commit_not_known_)
-                                         : std::string("nothing that the pass wrote was kept")));
+  if (phase_ == Pass_Phase::faulty) {
+    commit_what_came_before_the_fault();
+  }
+  if (phase_ == Pass_Phase::in_doubt) {
+    throw Database_Error(
+        fmt::format("{}; {}", *fault_, fate_of("what the pass wrote", *commit_not_known_)));
+  }
+  if (phase_ == Pass_Phase::lost) {
+    throw Database_Error(fmt::format("{}; nothing that the pass wrote was kept", *fault_));
   }
 }
 
-/// False when the database lost it.
-bool Pass::commit_what_came_before_the_fault() {
-  if (lost_ || !transaction_ || !engine().holds_transaction()) {
-    lost_ = true;
-    return false;
+/// The fault sticks, whatever comes of it.
+void Pass::commit_what_came_before_the_fault() {
+  if (!transaction_ || !engine().holds_transaction()) {
+    come_to(Pass_Event::loss);
+    return;
   }
-  std::optional<std::string> fault = std::move(fault_);
-  fault_.reset();
   try {
-    run([this](Site_Index& site) { store_changes(site); });
-  } catch (const std::exception&) {
-    lost_ = true;
+    store_changes(site_);
+  } catch (const std::exception& error) {
+    if (phase_ == Pass_Phase::over) {  // committed, and what failed is what came after it
+      throw Database_Error(fmt::format("{}; {}", *fault_, error.what()));
+    }
+    come_to(Pass_Event::loss);
+    transaction_.reset();
   }
-  fault_ = std::move(fault);
-  return !lost_;
 }
 
 /// Fails for want of memory as little as for anything else: a fault that did not stick would let
@@ -225,11 +229,12 @@ void Pass::note_fault(const std::exception& fault) noexcept {
   }
   const bool of_the_database = dynamic_cast<const Database_Error*>(&fault) != nullptr ||
                                dynamic_cast<const odb::exception*>(&fault) != nullptr;
-  fault_.emplace();
   if (!of_the_database) {
     poison(fault.what());
     return;
   }
+  come_to(Pass_Event::fault);
+  fault_.emplace();
   try {
     fault_ = fmt::format("database {}: {}", engine().location(), engine().describe(fault));
   } catch (const std::exception&) {
@@ -239,7 +244,7 @@ void Pass::note_fault(const std::exception& fault) noexcept {
 
 /// What failed was no operation of the database, so the site in memory may be half changed.
 void Pass::poison(const char* reason) noexcept {
-  lost_ = true;
+  come_to(Pass_Event::loss);
   try {
     fault_ = reason;
   } catch (const std::bad_alloc&) {

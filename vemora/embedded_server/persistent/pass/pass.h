@@ -15,6 +15,7 @@
 #include "vemora/embedded_server/persistent/engine/commit_not_known.h"
 #include "vemora/embedded_server/persistent/engine/engine.h"
 #include "vemora/embedded_server/persistent/index/site_index.h"
+#include "vemora/embedded_server/persistent/pass/pass_phase.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
 
 namespace kuv::vemora::embedded_server {
@@ -75,7 +76,7 @@ class Pass {
   void confirm_place();
 
   /// To be called by each operation that writes.
-  void note_write() { uncommitted_ = true; }
+  void note_write() noexcept { come_to(Pass_Event::write); }
 
   /// Of a commit that nobody can know the fate of, what is known all the same; nothing where there
   /// was none.
@@ -100,10 +101,11 @@ class Pass {
   void store_changes(Site_Index& site);
   void write(const Site_Index::Net_Changes& net);
   void require_in_place();
-  bool commit_what_came_before_the_fault();
-  void note_fate(const std::exception& fault, bool begun, Changes& changes) noexcept;
+  void commit_what_came_before_the_fault();
+  void note_failed_commit(const std::exception& fault, bool begun, Changes& changes) noexcept;
   void note_fault(const std::exception& fault) noexcept;
   void poison(const char* reason) noexcept;
+  void come_to(Pass_Event event) noexcept { phase_ = next(phase_, event); }
   void throw_if_faulty() const;
   void verify_against_database();
 
@@ -115,11 +117,10 @@ class Pass {
   std::unique_ptr<odb::transaction> transaction_;
   Site_Index site_;
   Changes changes_;
-  std::optional<std::string> fault_;
+  Pass_Phase phase_ = Pass_Phase::working;
+  std::optional<std::string> fault_;  ///< in the phases in which one sticks
   int commits_ = 0;
   std::optional<Commit_Not_Known::Known> commit_not_known_;
-  bool lost_ = false;        ///< what was done cannot be committed any more
-  bool uncommitted_ = true;  ///< something may have been done since the last commit
 };
 
 }  // namespace kuv::vemora::embedded_server
