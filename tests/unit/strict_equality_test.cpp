@@ -40,7 +40,7 @@ const std::vector<Change> changes{
      [](Trigger_Source& source) { source.activity_duration->dropout = microseconds(3); }},
     {"presence of the duration", [](Trigger_Source& source) { source.activity_duration.reset(); }}};
 
-Trigger_Mapping_Entry entry(std::uint64_t id, const std::string& name = "") {
+Trigger_Mapping_Entry named_entry(std::uint64_t id, const std::string& name = "") {
   return {std::make_shared<schedule>(schedule{id, name, true})};
 }
 
@@ -71,10 +71,12 @@ TEST(Strict_Equality, sees_a_source_more_and_a_source_less) {
 }
 
 TEST(Strict_Equality, tells_schedules_apart_by_their_ids_alone) {
-  EXPECT_TRUE(strict_equality::same(Schedules{entry(1, "a")}, Schedules{entry(1, "b")}));
-  EXPECT_FALSE(strict_equality::same(Schedules{entry(1)}, Schedules{entry(2)}));
-  EXPECT_FALSE(strict_equality::same(Schedules{entry(1)}, Schedules{entry(1), entry(2)}));
-  EXPECT_FALSE(strict_equality::same(Schedules{entry(1)}, Schedules()));
+  EXPECT_TRUE(
+      strict_equality::same(Schedules{named_entry(1, "a")}, Schedules{named_entry(1, "b")}));
+  EXPECT_FALSE(strict_equality::same(Schedules{named_entry(1)}, Schedules{named_entry(2)}));
+  EXPECT_FALSE(
+      strict_equality::same(Schedules{named_entry(1)}, Schedules{named_entry(1), named_entry(2)}));
+  EXPECT_FALSE(strict_equality::same(Schedules{named_entry(1)}, Schedules()));
 }
 
 }  // namespace

@@ -149,7 +149,7 @@ Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fau
 }
 
 /// Their name is the last one of the answer, as names are ordered.
-void print_json(const Json::Value& answer, const Fault_List& warnings) {
+void print_with_warnings(const Json::Value& answer, const Fault_List& warnings) {
   std::string text = Json_Texts().of(answer);
   text.pop_back();
   std::cout << text << R"(,"warnings":)" << to_json_text(warnings) << "}\n";
@@ -243,7 +243,7 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
 void print_outcome(const Options& options, const Pass_Outcome& outcome,
                    const std::optional<Located_Fault>& place, const Fault_List& warnings) {
   if (options.json) {
-    print_json(to_json(outcome, place), warnings);
+    print_with_warnings(to_json(outcome, place), warnings);
   } else {
     print_for_people(outcome, place, warnings);
   }
@@ -269,7 +269,7 @@ void print_failed_pass(const Options& options, const std::string& message,
     answer["changes"] = Json::Value();  // what was written got lost with the outcome
     answer["reconciled"] = Json::Value();
   }
-  print_json(answer, {});
+  print_with_warnings(answer, {});
 }
 
 }  // namespace kuv::vemora::tools
