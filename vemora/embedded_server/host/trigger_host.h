@@ -53,7 +53,7 @@ struct Pass_Outcome {
 struct Host_Services {
   std::shared_ptr<capture::Manager> capture_manager;
   std::shared_ptr<Trigger_Notification_Pusher> pusher;
-  Judge_Documents judge;
+  Judge_Documents judge = {};
   bool warnings_reject = false;  ///< a document with a warning is rejected, and nothing changes
 };
 
