@@ -291,7 +291,7 @@ class Linked_Records {
   template <class Find_Trigger>
   void restore(Entry& entry, Find_Trigger find_trigger) {
     auto fresh = std::make_shared<Record>(*entry.record);
-    const Trigger_Link_Changes refused = std::move(fresh->link_changes);
+    const Trigger_Link_Changes refused = std::exchange(fresh->link_changes, {});
     std::vector<std::shared_ptr<trigger>> held;
     for (const std::uint64_t trigger_id : refused.removed) {
       if (const std::shared_ptr<trigger> record = find_trigger(trigger_id)) {
@@ -299,7 +299,6 @@ class Linked_Records {
       }
     }
     change_links(*fresh, held, refused.added);
-    fresh->link_changes = {};
     entry.record = std::move(fresh);
   }
 
