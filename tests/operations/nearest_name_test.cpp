@@ -1,0 +1,69 @@
+#include "vemora/operations/warnings/nearest_name.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kuv::vemora::operations {
+namespace {
+
+std::string nearest(const std::string& wrong, const std::vector<std::string>& names) {
+  Nearest_Name nearest(wrong);
+  for (const std::string& name : names) {
+    nearest.offer(name);
+  }
+  return std::string(nearest.found());
+}
+
+TEST(Nearest_Name, is_the_one_that_differs_least) {
+  EXPECT_EQ(nearest("cameras", {"server", "camera", "cameraId"}), "camera");
+  EXPECT_EQ(nearest("schedules", {"sources", "scheduleIds"}), "scheduleIds");
+  EXPECT_EQ(nearest("anytime", {"name", "anyTime"}), "anyTime");
+}
+
+TEST(Nearest_Name, may_lack_a_letter_have_one_more_another_or_two_swapped) {
+  for (const char* const wrong : {"servr", "serveer", "sarver", "sevrer", "SERVER", "server "}) {
+    EXPECT_EQ(nearest(wrong, {"camera", "server"}), "server") << wrong;
+  }
+}
+
+TEST(Nearest_Name, may_have_the_wrong_one_in_it_where_no_other_comes_near) {
+  EXPECT_EQ(nearest("duration", {"minDurationMs", "mode"}), "minDurationMs");
+  EXPECT_EQ(nearest("topic", {"type", "onvifTopic"}), "onvifTopic");
+  EXPECT_EQ(nearest("camera", {"cameraFilter", "camara"}), "camara");
+}
+
+TEST(Nearest_Name, is_none_where_all_are_far) {
+  EXPECT_EQ(nearest("prio", {"id", "name", "tags", "sources"}), "");
+  EXPECT_EQ(nearest("ix", {"abc"}), "");
+  EXPECT_EQ(nearest("x", {"", "abcdefgh"}), "");
+  EXPECT_EQ(nearest("", {"abc"}), "");
+  EXPECT_EQ(nearest("abcd", {}), "");
+}
+
+TEST(Nearest_Name, is_not_looked_for_where_a_name_is_longer_than_names_are) {
+  const std::string fits(200, 'x');
+  EXPECT_EQ(nearest(fits, {fits.substr(1)}), fits.substr(1));
+  EXPECT_EQ(nearest(fits + "x", {fits}), "");
+  EXPECT_EQ(nearest(fits, {fits + "x"}), "");
+  EXPECT_EQ(nearest(std::string(1'000'000, 'x'), {fits}), "");
+}
+
+TEST(Nearest_Name, is_asked_for_in_quotes) {
+  EXPECT_EQ(asking_for("camera"), "; did you mean \"camera\"?");
+  EXPECT_EQ(asking_for(""), ".");
+}
+
+TEST(Comparison_Budget, is_spent_after_a_million) {
+  Comparison_Budget budget;
+  std::size_t count = 0;
+  while (!budget.is_spent()) {
+    ++count;
+  }
+  EXPECT_EQ(count, 999'999);
+  EXPECT_TRUE(budget.is_spent());
+}
+
+}  // namespace
+}  // namespace kuv::vemora::operations
