@@ -148,6 +148,13 @@ TEST_F(Unassigned_Elements, are_told_with_the_place_of_their_array) {
   parser.parse_trigger_configs(document, {}, told);
   ASSERT_EQ(told.all.size(), 1U);
   EXPECT_EQ(told.all[0].offset, std::string(R"({"triggers": )").size());
+
+  const std::string before_ids = R"({"triggerMapping": [{"scheduleIds": [], "triggerIds": )";
+  document = json(before_ids + "[ ]}]}");
+  document["triggerMapping"][0]["triggerIds"][Json::ArrayIndex(3)] = 7;
+  parser.parse_trigger_mapping(document, told);
+  ASSERT_EQ(told.all.size(), 2U);
+  EXPECT_EQ(told.all[1].offset, before_ids.size());
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 
 namespace kuv::vemora {
 
-/// Whatever was not applied goes: triggers that left the configuration, that are inactive here, and
-/// that failed on the way, so that no half-processed trigger fires.
+/// Deletes every trigger that was not applied: those that left the configuration, that are inactive
+/// here and that failed in this pass, so that no half-processed trigger fires.
 void Vemora_Trigger_Manager::cleanup_stale_records_() {
   if (state_.applied_triggers.empty()) {
-    // Said outright: an empty set of survivors is also what a mistake looks like.
+    // A call of its own: an empty set of ids to keep could also be a mistake.
     repository_->triggers().delete_all();
   } else {
     repository_->triggers().delete_all_except(applied_trigger_ids_());

@@ -30,7 +30,7 @@ void Vemora_Trigger_Manager::process_generic_metadata_source_subscriptions_(
   query.trigger_match = Subscription_Query::Trigger_Match::lacking;
   add_trigger_to_subscriptions_(details.trigger, subscriptions.Get_Matching_Subscriptions(query));
   if (query.tags.empty()) {
-    return;  // a filter that asks for nothing refuses nothing, so nothing can lie outside it
+    return;  // an empty filter matches every generic subscription: there is none to leave
   }
   query.trigger_match = Subscription_Query::Trigger_Match::holding;
   query.tags_match = Subscription_Query::Tags::not_matching;

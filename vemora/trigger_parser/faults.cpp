@@ -16,7 +16,7 @@ bool Faults::tell(const std::string& message, std::optional<std::size_t> offset)
     return false;
   }
   const auto index = index_ == no_element ? std::nullopt : std::make_optional(index_);
-  // As an exception says it, whose text ends with the first NUL: a tag's name may hold one.
+  // Up to the first NUL, as what() of an exception has it: the name of a tag may hold one.
   std::string said = message.substr(0, message.find('\0'));
   return sink_->take({std::move(said), offset, index, id_});
 }

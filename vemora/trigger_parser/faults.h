@@ -12,15 +12,15 @@
 
 namespace kuv::vemora {
 
-/// Whom the readers of a document tell what is wrong with it. Without a sink, and where the sink
-/// does not want to go on, the first fault rejects the document: what is read behind a fault is
-/// read for the sake of further faults alone, and is nothing to work with.
+/// Collects what is wrong with a document. Without a sink the first fault rejects the document, and
+/// with one the fault after which the sink wants no more. Behind a fault the document is read only
+/// to find further faults: what is read there must not be used.
 class Faults {
  public:
   Faults() = default;
   explicit Faults(Fault_Sink& sink) : sink_(&sink) {}
 
-  /// What is told from here on is about that element of the array.
+  /// The faults that follow are about that element of the array.
   void enter_element(std::size_t index) {
     index_ = index;
     id_.reset();
@@ -31,11 +31,11 @@ class Faults {
 
   bool is_named() const { return id_.has_value(); }
 
-  /// How many were told so far.
+  /// How many faults there were so far.
   std::size_t count() const { return count_; }
 
-  /// One rule of a document; answers whether it is kept. Its text is a literal, so that a rule that
-  /// is kept costs nothing.
+  /// Checks one rule of a document; answers whether the document keeps it. The text is a literal,
+  /// so that a rule that is kept costs nothing.
   bool require(bool kept, const Member& member, const char* message) {
     if (!kept) {
       add_literal(member.place(), message);
@@ -57,7 +57,7 @@ class Faults {
   [[gnu::cold]] bool tell(const std::string& message, std::optional<std::size_t> offset);
 
  private:
-  // Out of line, so that no text is made where a rule is looked at.
+  // Out of line, so that no text is made where a rule is checked.
   [[gnu::cold]] void add_literal(const Json::Value& value, const char* message);
 
   Fault_Sink* sink_ = nullptr;

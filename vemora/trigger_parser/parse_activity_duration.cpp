@@ -29,8 +29,8 @@ std::chrono::microseconds checked_duration(const Json::Value& value, const Limit
   return std::chrono::milliseconds(milliseconds);
 }
 
-/// For a mode that is none, the one that asks for least: nobody knows what was meant, and nothing
-/// shall be missed that the right one may do without.
+/// An invalid mode counts as the one that requires least: it is not known what was meant, and no
+/// further fault is told that the right mode might not have.
 Activity_Duration_Mode parse_mode(const Member& mode, Faults& faults) {
   if (mode->isNull()) {
     return Activity_Duration_Mode::object_presence;

@@ -6,7 +6,7 @@
 namespace kuv::vemora {
 namespace {
 
-/// Asks who judged the array about each of its elements.
+/// Asks the function that refused the array about each element alone.
 void tell_wrong_elements(const Json::Value& array, const char* message, Faults& faults) {
   const std::size_t before = faults.count();
   for (const auto& [index, element] : kuv::utils::Json_Elements(array)) {
@@ -15,7 +15,7 @@ void tell_wrong_elements(const Json::Value& array, const char* message, Faults& 
     std::vector<std::uint64_t> ids;
     faults.require(kuv::utils::transform_json_array(alone, ids), Member(element, array), message);
   }
-  faults.require(faults.count() > before, array, message);  // of each alone nothing was said
+  faults.require(faults.count() > before, array, message);  // each alone was accepted
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ void parse_onvif_topic(const Member& topic, std::optional<std::string>& parsed, 
   }
 }
 
-/// Empty when it is none.
+/// Empty when it is no object type.
 std::string parse_object_type(const Member& type, Faults& faults) {
   std::string parsed;
   if (faults.require(type->isString(), type,
@@ -76,7 +76,7 @@ void parse_search_item(const Member& item, std::optional<Object_Search_Item>& pa
   }
 }
 
-/// Whether it can be told which other source this one would be the same as.
+/// Whether the source has what the ordering of its kind compares.
 bool is_comparable(const Trigger_Source& source) {
   switch (source.type) {
     case Trigger_Source_Type::onvif_metadata:

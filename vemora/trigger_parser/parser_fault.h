@@ -11,7 +11,7 @@ namespace kuv::vemora {
 
 /// One thing that is wrong with a document, as the parser finds it.
 struct Parser_Fault {
-  std::string message;  ///< to the letter what the document is rejected with when it comes first
+  std::string message;  ///< exactly what the document is rejected with if this is the first fault
 
   /// Of the wrong value, or of the object that misses it, in the text that the document was read
   /// from (Json::Value::getOffsetStart). Nothing when the fault is none of the document's.
@@ -27,8 +27,8 @@ class VEMORA_API Fault_Sink {
  public:
   virtual ~Fault_Sink() = default;
 
-  /// Whether the parser shall go on and look for more. If not, it throws what it throws without a
-  /// sink.
+  /// True: the parser goes on and looks for more faults. False: it throws this fault as it would
+  /// without a sink.
   virtual bool take(Parser_Fault fault) = 0;
 };
 

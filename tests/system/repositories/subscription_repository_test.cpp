@@ -383,6 +383,28 @@ TEST_P(Subscription_Repository_Contract, lets_triggers_join_a_generic_subscripti
   });
 }
 
+// With a camera and no topic, or the other way round, as another program may leave it: of no kind.
+TEST_P(Subscription_Repository_Contract,
+       leaves_a_subscription_of_half_a_kind_to_whoever_looks_at_it) {
+  site.given_camera(10);
+  given_trigger(7);
+  given_topic_subscription(10, "a", {7});
+  given_topic_subscription(10, "b", {7});
+  given_topic_subscription(10, "c", {7});
+  reopen();
+  foreign_program().execute("UPDATE subscription SET onvif_topic = NULL WHERE id = 2");
+  foreign_program().execute("UPDATE subscription SET camera_id = NULL WHERE id = 3");
+
+  EXPECT_THAT(ids_of(subscriptions().get_stale({})), ElementsAre(1, 2, 3));
+  EXPECT_THAT(ids_of(subscriptions().get_stale({8})), ElementsAre(1));
+  triggers().delete_all();
+  EXPECT_THAT(ids_of(subscriptions().get_stale({8})), ElementsAre(1));
+  subscriptions().delete_stale();
+
+  now_and_after_reopening(
+      [this] { EXPECT_THAT(ids_of(subscriptions().get_stale({})), ElementsAre(2, 3)); });
+}
+
 TEST_P(Subscription_Repository_Contract, gives_ids_that_are_not_taken_by_the_site) {
   site.given_camera(10);
   site.given_generic_subscription(1);
