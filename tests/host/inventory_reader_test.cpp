@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "host/counted_allocations.h"
-#include "vemora/embedded_server/host/services.h"
+#include "vemora/embedded_server/inventory/object_types.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -230,7 +230,7 @@ TEST(Cycles_Of_Object_Types, are_found_behind_others_and_each_name_is_in_one) {
 /// A road whose every stop leads on, and back to its beginning.
 std::size_t allocations_for_returning_road(int stops) {
   const auto name = [](int stop) { return fmt::format("an object type called {:06}", stop); };
-  Inventory_Meta_Type_Resolver::Object_Types types;
+  Object_Types types;
   for (int stop = 0; stop < stops; ++stop) {
     types[name(stop)] = {name(0), name(stop + 1)};
   }

@@ -63,86 +63,85 @@ TEST(Read_Documents, rejects_what_ends_too_early) {
     EXPECT_EQ(verdict(text), "1:" + std::to_string(std::string(text).size() + 1) +
                                  ": The document ends too early.");
   }
-  EXPECT_EQ(verdict("{\"a\""), "1:5: A colon is expected.");
-  EXPECT_EQ(verdict("[\"a"), "1:2: The text that begins here has no end.");
-  EXPECT_EQ(verdict("[\"a\\"), "1:4: There is no such escape.");
+  EXPECT_EQ(verdict("{\"a\""), "1:5: Expected a colon.");
+  EXPECT_EQ(verdict("[\"a"), "1:2: The string that begins here has no end.");
+  EXPECT_EQ(verdict("[\"a\\"), "1:4: Unknown escape sequence.");
 }
 
 TEST(Read_Documents, rejects_what_stands_behind_the_end) {
-  EXPECT_EQ(verdict("{}{}"), "1:3: There is something behind the end of the document.");
-  EXPECT_EQ(verdict("[]\n]"), "2:1: There is something behind the end of the document.");
-  EXPECT_EQ(verdict(std::string("{}\0", 3)),
-            "1:3: There is something behind the end of the document.");
+  EXPECT_EQ(verdict("{}{}"), "1:3: Unexpected text after the end of the document.");
+  EXPECT_EQ(verdict("[]\n]"), "2:1: Unexpected text after the end of the document.");
+  EXPECT_EQ(verdict(std::string("{}\0", 3)), "1:3: Unexpected text after the end of the document.");
 }
 
 TEST(Read_Documents, rejects_comments_wherever_they_stand) {
-  EXPECT_EQ(verdict("/* none */{}"), "1:1: JSON has no comments.");
-  EXPECT_EQ(verdict("{/* none */}"), "1:2: JSON has no comments.");
-  EXPECT_EQ(verdict("{\"a\" /* none */: 1}"), "1:6: JSON has no comments.");
-  EXPECT_EQ(verdict("{\"a\": /* none */ 1}"), "1:7: JSON has no comments.");
-  EXPECT_EQ(verdict("{\"a\": 1 /* none */}"), "1:9: JSON has no comments.");
-  EXPECT_EQ(verdict("[1, // none\n 2]"), "1:5: JSON has no comments.");
-  EXPECT_EQ(verdict("[] // none\n"), "1:4: JSON has no comments.");
-  EXPECT_EQ(verdict("{\n# none\n}"), "2:1: JSON has no comments.");
+  EXPECT_EQ(verdict("/* none */{}"), "1:1: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("{/* none */}"), "1:2: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("{\"a\" /* none */: 1}"), "1:6: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("{\"a\": /* none */ 1}"), "1:7: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("{\"a\": 1 /* none */}"), "1:9: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("[1, // none\n 2]"), "1:5: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("[] // none\n"), "1:4: Comments are not allowed in JSON.");
+  EXPECT_EQ(verdict("{\n# none\n}"), "2:1: Comments are not allowed in JSON.");
 }
 
 TEST(Read_Documents, rejects_commas_and_colons_out_of_place) {
-  EXPECT_EQ(verdict("{\"a\": 1,}"), "1:9: A key in double quotes is expected.");
-  EXPECT_EQ(verdict("[1,]"), "1:4: A value is expected.");
-  EXPECT_EQ(verdict("[,1]"), "1:2: A value is expected.");
-  EXPECT_EQ(verdict("{\"a\" 1}"), "1:6: A colon is expected.");
-  EXPECT_EQ(verdict("{\"a\": 1 \"b\": 2}"), "1:9: A comma or a closing brace is expected.");
-  EXPECT_EQ(verdict("[1 2]"), "1:4: A comma or a closing bracket is expected.");
-  EXPECT_EQ(verdict("[1}"), "1:3: A comma or a closing bracket is expected.");
-  EXPECT_EQ(verdict("{\"a\": 1]"), "1:8: A comma or a closing brace is expected.");
-  EXPECT_EQ(verdict("{1: 2}"), "1:2: A key in double quotes is expected.");
-  EXPECT_EQ(verdict("{'a': 2}"), "1:2: A key in double quotes is expected.");
+  EXPECT_EQ(verdict("{\"a\": 1,}"), "1:9: Expected a key in double quotes.");
+  EXPECT_EQ(verdict("[1,]"), "1:4: Expected a value.");
+  EXPECT_EQ(verdict("[,1]"), "1:2: Expected a value.");
+  EXPECT_EQ(verdict("{\"a\" 1}"), "1:6: Expected a colon.");
+  EXPECT_EQ(verdict("{\"a\": 1 \"b\": 2}"), "1:9: Expected a comma or a closing brace.");
+  EXPECT_EQ(verdict("[1 2]"), "1:4: Expected a comma or a closing bracket.");
+  EXPECT_EQ(verdict("[1}"), "1:3: Expected a comma or a closing bracket.");
+  EXPECT_EQ(verdict("{\"a\": 1]"), "1:8: Expected a comma or a closing brace.");
+  EXPECT_EQ(verdict("{1: 2}"), "1:2: Expected a key in double quotes.");
+  EXPECT_EQ(verdict("{'a': 2}"), "1:2: Expected a key in double quotes.");
 }
 
 TEST(Read_Documents, rejects_numbers_that_json_does_not_know) {
-  EXPECT_EQ(verdict("[01]"), "1:2: A number must not begin with a zero.");
-  EXPECT_EQ(verdict("[-00.5]"), "1:3: A number must not begin with a zero.");
-  EXPECT_EQ(verdict("[1.]"), "1:4: A digit is expected.");
-  EXPECT_EQ(verdict("[1.e5]"), "1:4: A digit is expected.");
-  EXPECT_EQ(verdict("[1e]"), "1:4: A digit is expected.");
-  EXPECT_EQ(verdict("[1e+]"), "1:5: A digit is expected.");
-  EXPECT_EQ(verdict("[-]"), "1:3: A digit is expected.");
+  EXPECT_EQ(verdict("[01]"), "1:2: A number must not have leading zeros.");
+  EXPECT_EQ(verdict("[-00.5]"), "1:3: A number must not have leading zeros.");
+  EXPECT_EQ(verdict("[1.]"), "1:4: Expected a digit.");
+  EXPECT_EQ(verdict("[1.e5]"), "1:4: Expected a digit.");
+  EXPECT_EQ(verdict("[1e]"), "1:4: Expected a digit.");
+  EXPECT_EQ(verdict("[1e+]"), "1:5: Expected a digit.");
+  EXPECT_EQ(verdict("[-]"), "1:3: Expected a digit.");
   for (const char* text : {"[+1]", "[.5]", "[NaN]", "[Infinity]"}) {
-    EXPECT_EQ(verdict(text), "1:2: A value is expected.") << text;
+    EXPECT_EQ(verdict(text), "1:2: Expected a value.") << text;
   }
-  EXPECT_EQ(verdict("[-Infinity]"), "1:3: A digit is expected.");
-  EXPECT_EQ(verdict("[0x10]"), "1:3: A comma or a closing bracket is expected.");
+  EXPECT_EQ(verdict("[-Infinity]"), "1:3: Expected a digit.");
+  EXPECT_EQ(verdict("[0x10]"), "1:3: Expected a comma or a closing bracket.");
 }
 
 TEST(Read_Documents, rejects_words_that_are_no_values) {
   for (const char* text : {"[True]", "[nul]", "[undefined]", "[']"}) {
-    EXPECT_EQ(verdict(text), "1:2: A value is expected.") << text;
+    EXPECT_EQ(verdict(text), "1:2: Expected a value.") << text;
   }
-  EXPECT_EQ(verdict("[truely]"), "1:6: A comma or a closing bracket is expected.");
+  EXPECT_EQ(verdict("[truely]"), "1:6: Expected a comma or a closing bracket.");
 }
 
 TEST(Read_Documents, rejects_escapes_that_json_does_not_know) {
   for (const char* text : {R"(["\x"])", R"(["\'"])", R"(["\U0041"])", "[\"\\\n\"]"}) {
-    EXPECT_EQ(verdict(text), "1:3: There is no such escape.") << text;
+    EXPECT_EQ(verdict(text), "1:3: Unknown escape sequence.") << text;
   }
   for (const char* text : {R"(["\u12"])", R"(["\u12G4"])", R"(["\u"])", R"(["\u-123"])"}) {
-    EXPECT_EQ(verdict(text), "1:3: \\u takes four hexadecimal digits.") << text;
+    EXPECT_EQ(verdict(text), "1:3: \\u must be followed by four hexadecimal digits.") << text;
   }
 }
 
 TEST(Read_Documents, rejects_escapes_that_stand_for_half_a_letter) {
   for (const char* text : {R"(["\udc00"])", R"(["\ud800"])", R"(["\ud800x"])", R"(["\ud800\n"])",
                            R"(["\uD800\u0041"])", R"(["\ud800\ud800"])", R"(["\uDFFF\ud800"])"}) {
-    EXPECT_EQ(verdict(text), "1:3: This escape stands for half a letter.") << text;
+    EXPECT_EQ(verdict(text), "1:3: The escape sequence is half of a surrogate pair.") << text;
   }
-  EXPECT_EQ(verdict(R"({"\udc00": 1})"), "1:3: This escape stands for half a letter.");
+  EXPECT_EQ(verdict(R"({"\udc00": 1})"), "1:3: The escape sequence is half of a surrogate pair.");
 }
 
 TEST(Read_Documents, rejects_control_characters_that_are_not_escaped) {
-  constexpr auto complaint = "A control character in a text must be escaped.";
+  constexpr auto complaint = "A control character in a string must be escaped.";
   EXPECT_EQ(verdict("[\"a\nb\"]"), std::string("1:4: ") + complaint);
   EXPECT_EQ(verdict(std::string("[\"\0\"]", 5)), std::string("1:3: ") + complaint);
-  EXPECT_EQ(verdict("[\x01]"), "1:2: A value is expected.");
+  EXPECT_EQ(verdict("[\x01]"), "1:2: Expected a value.");
 }
 
 TEST(Read_Documents, rejects_a_key_that_comes_twice_where_it_comes_again) {
@@ -168,10 +167,14 @@ TEST(Read_Documents, accepts_nesting_as_deep_as_the_reader_does_and_no_deeper) {
   };
   EXPECT_EQ(verdict(nested(deepest_nesting, "")), "accepted");
   EXPECT_EQ(verdict(nested(deepest_nesting - 1, "7")), "accepted");
-  EXPECT_EQ(verdict(nested(deepest_nesting, "7")), "1:1001: Nested more than 1000 levels deep.");
-  EXPECT_EQ(verdict(nested(deepest_nesting + 1, "")), "1:1001: Nested more than 1000 levels deep.");
-  EXPECT_EQ(verdict(nested(1000000, "")), "1:1001: Nested more than 1000 levels deep.");
-  EXPECT_EQ(verdict(repeated("{\"a\":", 2000)), "1:5001: Nested more than 1000 levels deep.");
+  EXPECT_EQ(verdict(nested(deepest_nesting, "7")),
+            "1:1001: The document is nested more than 1000 levels deep.");
+  EXPECT_EQ(verdict(nested(deepest_nesting + 1, "")),
+            "1:1001: The document is nested more than 1000 levels deep.");
+  EXPECT_EQ(verdict(nested(1000000, "")),
+            "1:1001: The document is nested more than 1000 levels deep.");
+  EXPECT_EQ(verdict(repeated("{\"a\":", 2000)),
+            "1:5001: The document is nested more than 1000 levels deep.");
 }
 
 std::string verdict_with(std::size_t most_values, const std::string& text) {
@@ -187,34 +190,36 @@ std::string verdict_with(std::size_t most_values, const std::string& text) {
 TEST(Read_Documents, accepts_as_many_values_as_allowed_and_no_more) {
   const std::string text = "{\"a\": [1, null,\n true], \"b\": {\"c\": \"d\"}}";  // 7
   EXPECT_EQ(verdict_with(7, text), "accepted");
-  EXPECT_EQ(verdict_with(6, text), "2:20: More than 6 values.  true], \"b\": {\"c\": \"d\"}}");
-  EXPECT_EQ(verdict_with(4, text), "2:2: More than 4 values.  true], \"b\": {\"c\": \"d\"}}");
+  EXPECT_EQ(verdict_with(6, text),
+            "2:20: The document has more than 6 values.  true], \"b\": {\"c\": \"d\"}}");
+  EXPECT_EQ(verdict_with(4, text),
+            "2:2: The document has more than 4 values.  true], \"b\": {\"c\": \"d\"}}");
   EXPECT_EQ(verdict_with(1, "[]"), "accepted");
-  EXPECT_EQ(verdict_with(0, "[]"), "1:1: More than 0 values. []");
-  EXPECT_EQ(verdict_with(3, "[[],[],[]]"), "1:8: More than 3 values. [[],[],[]]");
+  EXPECT_EQ(verdict_with(0, "[]"), "1:1: The document has more than 0 values. []");
+  EXPECT_EQ(verdict_with(3, "[[],[],[]]"), "1:8: The document has more than 3 values. [[],[],[]]");
 }
 
 TEST(Read_Documents, has_an_end_of_values_where_nothing_is_said_of_them) {
-  const std::string elements = repeated("0,", most_values_unless_told - 2);
+  const std::string elements = repeated("0,", default_most_values - 2);
   EXPECT_EQ(find_grammar_fault("[" + elements + "0]"), std::nullopt);
 
   const auto fault = find_grammar_fault("[" + elements + "0,0]");
 
   ASSERT_TRUE(fault);
-  EXPECT_EQ(fault->message, "More than 20000000 values.");
-  EXPECT_EQ(fault->offset, 2 * (most_values_unless_told - 1) + 1);
+  EXPECT_EQ(fault->message, "The document has more than 20000000 values.");
+  EXPECT_EQ(fault->offset, 2 * (default_most_values - 1) + 1);
 }
 
-TEST(Places_In_Documents, are_told_in_letters) {
-  EXPECT_EQ(verdict("{\"Tür\": \"門\",, }"), "1:13: A key in double quotes is expected.");
-  EXPECT_EQ(verdict("{\"\x80\xFF\": x}"), "1:8: A value is expected.");
+TEST(Locations_In_Documents, count_columns_in_characters) {
+  EXPECT_EQ(verdict("{\"Tür\": \"門\",, }"), "1:13: Expected a key in double quotes.");
+  EXPECT_EQ(verdict("{\"\x80\xFF\": x}"), "1:8: Expected a value.");
 }
 
 auto is_at(std::size_t line, std::size_t column) {
   return testing::AllOf(Field(&Location::line, line), Field(&Location::column, column));
 }
 
-TEST(Places_In_Documents, are_those_of_values_and_of_keys) {
+TEST(Locations_In_Documents, are_those_of_values_and_of_keys) {
   const Json_Document document("{\n \"Tür\" :\n  [ 1,\"門\", {}],\"b\\\"\\\\\":\t-5}");
   const Json::Value& root = document.value();
   EXPECT_THAT(document.locate(root), is_at(1, 1));
@@ -226,7 +231,7 @@ TEST(Places_In_Documents, are_those_of_values_and_of_keys) {
   EXPECT_THAT(document.locate(root["b\"\\"]), is_at(3, 25));
 }
 
-TEST(Places_In_Documents, do_not_count_a_byte_order_mark) {
+TEST(Locations_In_Documents, do_not_count_a_byte_order_mark) {
   const Json_Document document("\xEF\xBB\xBF{\"a\": 1}");
   EXPECT_THAT(document.locate(document.value()), is_at(1, 1));
   EXPECT_THAT(document.locate(document.value()["a"]), is_at(1, 7));
@@ -234,7 +239,7 @@ TEST(Places_In_Documents, do_not_count_a_byte_order_mark) {
   EXPECT_EQ(document.line(1), "{\"a\": 1}");
 }
 
-TEST(Places_In_Documents, are_right_however_long_the_document_and_its_lines_are) {
+TEST(Locations_In_Documents, are_right_however_long_the_document_and_its_lines_are) {
   std::string text = "[";
   for (int element = 0; element < 5000; ++element) {
     text += "\"門\",";
@@ -289,7 +294,8 @@ std::string complaint_of_reading(const std::string& path, std::size_t limit = la
 TEST_F(Document_Files, are_read_up_to_the_limit) {
   EXPECT_EQ(Json_Document::read(path_).text(), "{\"a\": 1}");
   EXPECT_EQ(complaint_of_reading(path_, 8), "");
-  EXPECT_EQ(complaint_of_reading(path_, 7), path_ + " is larger than a document may be (7 bytes)");
+  EXPECT_EQ(complaint_of_reading(path_, 7),
+            path_ + " is larger than the maximum size of a document (7 bytes)");
 }
 
 TEST_F(Document_Files, that_cannot_be_read_are_told_with_the_reason) {
@@ -306,7 +312,7 @@ TEST(Documents, keep_their_text_as_it_was_written) {
   EXPECT_EQ(Json_Document(text).text(), text);
 }
 
-TEST(Documents, can_be_copied_and_moved_with_their_places) {
+TEST(Documents, can_be_copied_and_moved_with_their_locations) {
   auto document = std::make_unique<Json_Document>("{\n\"a\": 1}");
   const Json_Document copy = *document;
   const Json_Document moved = std::move(*document);

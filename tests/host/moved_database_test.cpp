@@ -144,8 +144,7 @@ TEST_F(Moved_Databases, are_noticed_when_the_cameras_were_told) {
 
   EXPECT_EQ(outcome.status, Status::failed);
   EXPECT_THAT(texts_in(outcome), ElementsAre(gone_after_commit));
-  EXPECT_THAT(outcome.remarks,
-              ElementsAre("What the pass had written before the fault is committed."));
+  EXPECT_THAT(outcome.remarks, ElementsAre("What the pass wrote before the failure is committed."));
   EXPECT_EQ(moved_rows("SELECT id FROM trigger_record"), (Rows{{"7"}}));
   EXPECT_THAT(moved_rows("SELECT kind FROM document"), IsEmpty());
   EXPECT_EQ(moved_rows("SELECT camera_id FROM pending_camera"), (Rows{{"10"}}));

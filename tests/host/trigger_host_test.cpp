@@ -174,7 +174,7 @@ TEST_F(Trigger_Host_Test, fails_an_apply_whose_state_the_pusher_does_not_take) {
               ElementsAre(is_error(Error::Category::failed_processing,
                                    "Failed to update trigger config: the queue is full")));
   EXPECT_THAT(outcome.remarks,
-              ElementsAre("What the pass had written is committed; the documents stored are still "
+              ElementsAre("What the pass wrote is committed; the stored documents are still "
                           "the old ones."));
   EXPECT_FALSE(outcome.state);
   EXPECT_THAT(outcome.changes.triggers.added, ElementsAre(7));
@@ -212,8 +212,8 @@ TEST_F(Trigger_Host_Test, says_so_when_only_the_documents_could_not_be_stored) {
               ElementsAre(is_error(Error::Category::failed_processing,
                                    "database " + location() + ": no such table: main.missing")));
   EXPECT_THAT(outcome.remarks,
-              ElementsAre("The records of the pass are committed. Repeat the command, so that its "
-                          "documents are stored too."));
+              ElementsAre("The records of the pass are committed. Repeat the command to store "
+                          "its documents too."));
   EXPECT_THAT(outcome.reconciled, ElementsAre(10, 11));
   EXPECT_EQ(foreign_program().count("trigger_record"), 1);
   EXPECT_THAT(stored_documents(), IsEmpty());
@@ -301,8 +301,8 @@ TEST_F(Trigger_Host_Test, keeps_a_camera_that_fails_again_for_the_pass_after) {
   EXPECT_THAT(capture_manager->asked_for, ElementsAre(10, 11));
   EXPECT_THAT(pending_cameras(), ElementsAre(10, 11));
   EXPECT_THAT(log.messages(),
-              testing::Contains("Failed to reconcile metadata stream for camera 11, tried again "
-                                "after the next pass: no route"));
+              testing::Contains("Failed to reconcile metadata stream for camera 11; the next pass "
+                                "tries again: no route"));
 }
 
 TEST_F(Trigger_Host_Test, reconciles_what_is_left_over_when_the_pass_fails_as_well) {
@@ -377,8 +377,8 @@ TEST_F(Trigger_Host_Test,
   EXPECT_THAT(capture_manager->asked_for, ElementsAre(10, 11));
   EXPECT_THAT(outcome.reconciled, ElementsAre(10, 11));
   EXPECT_THAT(outcome.remarks,
-              ElementsAre("The records of the pass are committed. Repeat the command, so that its "
-                          "documents are stored too."));
+              ElementsAre("The records of the pass are committed. Repeat the command to store "
+                          "its documents too."));
   foreign_program().execute("ALTER TABLE elsewhere RENAME TO pending_camera");
   capture_manager->act = nullptr;
   EXPECT_THAT(apply(a_config).reconciled, ElementsAre(10, 11));
@@ -619,9 +619,9 @@ class Damaged_Documents : public Trigger_Host_Test, public testing::WithParamInt
   }
 
   static constexpr auto damaged_config =
-      "the stored configuration is damaged: it is no JSON object; apply one anew";
+      "the stored configuration is damaged: it is not a JSON object; apply it again";
   static constexpr auto damaged_mapping =
-      "the stored mapping is damaged: it is no JSON object; apply one anew";
+      "the stored mapping is damaged: it is not a JSON object; apply it again";
 };
 
 TEST_P(Damaged_Documents, end_a_refresh) {

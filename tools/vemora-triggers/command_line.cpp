@@ -16,11 +16,11 @@ namespace kuv::vemora::tools {
 namespace {
 
 constexpr const char* footer =
-    "Exit status: 0 done; 1 done, with errors of single triggers; 2 a document was rejected and\n"
-    "nothing changed; 3 the pass or the database failed, or the outcome could not be written;\n"
+    "Exit status: 0 done; 1 done, but single triggers had errors; 2 a document was rejected and\n"
+    "nothing changed; 3 the pass or the database failed, or the output could not be written;\n"
     "64 wrong usage.";
 
-/// CLI11 takes signs, bases and numbers that do not fit; an id is none of those.
+/// Stricter than CLI11, which accepts signs, other bases, and numbers that do not fit.
 std::string decimal_id(const std::string& text) {
   std::uint64_t id = 0;
   const char* const end = text.data() + text.size();
@@ -28,16 +28,16 @@ std::string decimal_id(const std::string& text) {
   const bool leading_zero = text.size() > 1 && text.front() == '0';
   return fault == std::errc() && read == end && !leading_zero
              ? std::string()
-             : text + " is no unsigned 64-bit number";
+             : text + " is not an unsigned 64-bit number";
 }
 
-/// The path in a variable that was not set is no wish for something else.
-std::string some_path(const std::string& text) {
+/// An empty path is most likely a shell variable that was not set.
+std::string non_empty(const std::string& text) {
   return text.empty() ? "a path must not be empty" : std::string();
 }
 
 CLI::Validator a_path() {
-  return CLI::Validator(some_path, "");
+  return CLI::Validator(non_empty, "");
 }
 
 CLI::Validator one_of(std::vector<std::string> words) {
@@ -45,7 +45,7 @@ CLI::Validator one_of(std::vector<std::string> words) {
       [words = std::move(words)](const std::string& text) {
         const bool known = std::find(words.begin(), words.end(), text) != words.end();
         return known ? std::string()
-                     : fmt::format("{} is none of {}", text, fmt::join(words, ", "));
+                     : fmt::format("{} is not one of {}", text, fmt::join(words, ", "));
       },
       "");
 }
@@ -57,23 +57,25 @@ void add_global_options(CLI::App& app, Invocation& call) {
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app.set_version_flag("--version", std::string("vemora-triggers ") + VEMORA_VERSION);
   app.add_option("--database", call.options.database,
-                 "The site's database: a file, or postgresql://USER@HOST/NAME?schema=SCHEMA")
+                 "The database: an SQLite file, or postgresql://USER@HOST/NAME?schema=SCHEMA")
       ->capture_default_str()
       ->type_name("FILE")
       ->check(a_path());
-  app.add_option("--server-id", call.options.server_id, "The server that this process works for")
+  app.add_option("--server-id", call.options.server_id,
+                 "The id of the server that the database belongs to")
       ->capture_default_str()
       ->type_name("ID")
       ->check(CLI::Validator(decimal_id, ""));
-  app.add_flag("--json", call.options.json, "Print one JSON document, for programs");
+  app.add_flag("--json", call.options.json, "Print the outcome as one JSON document");
   app.add_option("--max-values", call.options.max_values,
-                 "How many values a document may have; each takes about 100 bytes of memory")
+                 "The maximum number of values in a document; each takes about 100 bytes of memory")
       ->capture_default_str()
       ->type_name("N")
       ->check(CLI::Validator(decimal_id, ""));
-  app.add_option("--log-level", call.log_level,
-                 "Log to standard error from this level on: off, trace, debug, detail, info, "
-                 "warning, error, fatal")
+  app.add_option(
+         "--log-level", call.log_level,
+         "The lowest level that is logged to standard error: trace, debug, detail, info, warning, "
+         "error, fatal; off logs nothing")
       ->capture_default_str()
       ->type_name("LEVEL")
       ->check(one_of({"off", "trace", "debug", "detail", "info", "warning", "error", "fatal"}));
@@ -81,7 +83,7 @@ void add_global_options(CLI::App& app, Invocation& call) {
 
 void require_different_sources(const Invocation& call) {
   if (call.config_path == "-" && call.mapping_path == "-") {
-    throw CLI::ValidationError("MAPPING", "CONFIG is read from standard input already");
+    throw CLI::ValidationError("MAPPING", "CONFIG and MAPPING cannot both be standard input");
   }
 }
 
@@ -91,27 +93,26 @@ void add_path(CLI::App& command, const char* name, std::string& path, const char
 }
 
 void add_documents(CLI::App& command, Invocation& call) {
-  add_path(command, "CONFIG", call.config_path, "The trigger configuration; - is standard input");
+  add_path(command, "CONFIG", call.config_path,
+           "The trigger configuration; - reads standard input");
   command
       .add_option("MAPPING", call.mapping_path,
-                  "The trigger mapping; - is standard input; without it the stored one is used")
+                  "The trigger mapping; - reads standard input; default: the stored mapping")
       ->type_name(" ")
       ->check(a_path());
 }
 
-void add_strictness(CLI::App& command, Invocation& call) {
-  command.add_flag("--strict", call.options.strict,
-                   "Reject documents that there are warnings of; nothing changes then");
+void add_strict(CLI::App& command, Invocation& call) {
+  command.add_flag("--strict", call.options.strict, "Reject documents that have warnings");
 }
 
 void add_copies(CLI::App& app, Invocation& call) {
-  CLI::App* const copied =
-      app.add_subcommand("backup", "Copy the site into a file that can be kept anywhere");
-  add_path(*copied, "FILE", call.file, "The backup; one that is there is replaced when it is done");
+  CLI::App* const copied = app.add_subcommand("backup", "Copy the site into one file");
+  add_path(*copied, "FILE", call.file, "The backup; an existing one is replaced");
   copied->callback([&call] { call.command = [&call] { return backup(call.options, call.file); }; });
 
   CLI::App* const restored =
-      app.add_subcommand("restore", "Put the site of a backup in the place of the one there is");
+      app.add_subcommand("restore", "Replace the site with that of a backup");
   add_path(*restored, "FILE", call.file, "The backup");
   restored->callback(
       [&call] { call.command = [&call] { return restore(call.options, call.file); }; });
@@ -120,30 +121,31 @@ void add_copies(CLI::App& app, Invocation& call) {
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
-  add_path(*site, "INVENTORY", call.inventory_path, "What there is; - is standard input");
+  add_path(*site, "INVENTORY", call.inventory_path, "The inventory; - reads standard input");
   site->callback(
       [&call] { call.command = [&call] { return init(call.options, call.inventory_path); }; });
 
-  CLI::App* const checked = app.add_subcommand("check", "Validate documents; nothing is written");
+  CLI::App* const checked =
+      app.add_subcommand("check", "Validate a configuration and a mapping; writes nothing");
   add_documents(*checked, call);
-  add_strictness(*checked, call);
+  add_strict(*checked, call);
   checked->callback([&call] {
     require_different_sources(call);
     call.command = [&call] { return check(call.options, call.config_path, call.mapping_path); };
   });
 
   CLI::App* const applied =
-      app.add_subcommand("apply", "Run the pass on new documents and store them");
+      app.add_subcommand("apply", "Run a pass on a configuration and a mapping, and store them");
   add_documents(*applied, call);
-  add_strictness(*applied, call);
+  add_strict(*applied, call);
   applied->callback([&call] {
     require_different_sources(call);
     call.runs_pass = true;
     call.command = [&call] { return apply(call.options, call.config_path, call.mapping_path); };
   });
 
-  CLI::App* const refreshed = app.add_subcommand("refresh", "Run the pass on the stored documents");
-  add_strictness(*refreshed, call);
+  CLI::App* const refreshed = app.add_subcommand("refresh", "Run a pass on the stored documents");
+  add_strict(*refreshed, call);
   refreshed->callback([&call] {
     call.runs_pass = true;
     call.command = [&call] { return refresh(call.options); };
@@ -173,10 +175,16 @@ void describe_command_line(CLI::App& app, Invocation& call) {
 }
 
 std::string complaint_of(const CLI::App& app, const CLI::ParseError& error) {
-  // What CLI11 calls a missing command is mostly a misspelt one.
+  if (!app.get_subcommands().empty()) {
+    return error.what();
+  }
+  // CLI11 reports a misspelled command as a missing one, and calls it a subcommand.
   const std::vector<std::string> unknown = app.remaining();
-  const bool misspelt = app.get_subcommands().empty() && !unknown.empty();
-  return misspelt ? "There is no command or option " + unknown.front() + "." : error.what();
+  if (!unknown.empty()) {
+    return "Unknown command or option: " + unknown.front();
+  }
+  const bool lacks_command = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+  return lacks_command ? "A command is required" : error.what();
 }
 
 }  // namespace kuv::vemora::tools

@@ -13,7 +13,7 @@ class ParseError;
 
 namespace kuv::vemora::tools {
 
-/// What the command line said.
+/// The parsed command line.
 struct Invocation {
   Options options;
   std::string log_level = "off";
@@ -23,14 +23,13 @@ struct Invocation {
   std::string what;
   std::string file;
   std::function<Exit_Status()> command;
-  bool runs_pass = false;  ///< the command, which decides on the form of its outcome
+  bool runs_pass = false;  ///< true if the command runs a pass, and prints the outcome of one
 };
 
-/// Makes `app` understand the command line, and leave what it said in `call`, which must live as
-/// long.
+/// Makes `app` parse the command line into `call`, which must live as long as `app`.
 void describe_command_line(CLI::App& app, Invocation& call);
 
-/// What to say of a command line that was not understood.
+/// The message for a command line that could not be parsed.
 std::string complaint_of(const CLI::App& app, const CLI::ParseError& error);
 
 }  // namespace kuv::vemora::tools

@@ -22,7 +22,7 @@
 namespace kuv::vemora::tools {
 namespace {
 
-/// The arguments as they were given, for what is told before they are understood, or cannot be.
+/// The arguments of the process, for messages that are printed before they are parsed.
 class Arguments {
  public:
   Arguments(int count, char** texts) : count_(count), texts_(texts) {}
@@ -30,7 +30,7 @@ class Arguments {
   int count() const { return count_; }
   char** texts() const { return texts_; }
 
-  bool hold(std::string_view wanted) const noexcept {
+  bool contain(std::string_view wanted) const noexcept {
     return std::any_of(texts_, texts_ + count_,
                        [&](const char* text) { return std::string_view(text) == wanted; });
   }
@@ -40,7 +40,7 @@ class Arguments {
   char** texts_;
 };
 
-/// Half an outcome that was printed before is none.
+/// Replaces what the command has printed, which may be half an outcome.
 void print_failed_command(const Invocation& call, Outcome_Output& output, const char* reason) {
   output.discard();
   if (call.runs_pass) {
@@ -65,29 +65,28 @@ Exit_Status run(const Invocation& call, Outcome_Output& output) {
   }
 }
 
-void tell_out_of_memory(const Arguments& arguments) noexcept {
-  print_out_of_memory(arguments.hold("--json"),
-                      arguments.hold("apply") || arguments.hold("refresh"), stored_note());
+void report_out_of_memory(const Arguments& arguments) noexcept {
+  print_out_of_memory(arguments.contain("--json"),
+                      arguments.contain("apply") || arguments.contain("refresh"), stored_note());
 }
 
-/// CLI11 copies names in functions that promise not to throw: where there is no memory for that,
-/// the program would be aborted. As long as this lives, nothing has been done yet, and that is
-/// said.
-class Understanding {
+/// CLI11 copies names in noexcept functions, so the program would be aborted if memory runs out
+/// there. While this exists, it reports that instead; nothing has been done at that time.
+class Parsing_Guard {
  public:
-  explicit Understanding(const Arguments& arguments) : before_(std::set_terminate(&give_up)) {
+  explicit Parsing_Guard(const Arguments& arguments) : before_(std::set_terminate(&give_up)) {
     arguments_ = &arguments;
   }
-  ~Understanding() { std::set_terminate(before_); }
-  Understanding(const Understanding&) = delete;
-  Understanding& operator=(const Understanding&) = delete;
+  ~Parsing_Guard() { std::set_terminate(before_); }
+  Parsing_Guard(const Parsing_Guard&) = delete;
+  Parsing_Guard& operator=(const Parsing_Guard&) = delete;
 
  private:
   [[noreturn]] static void give_up() {
     try {
       std::rethrow_exception(std::current_exception());
     } catch (const std::bad_alloc&) {
-      tell_out_of_memory(*arguments_);
+      report_out_of_memory(*arguments_);
       std::_Exit(exit_failed);
     } catch (...) {
       std::abort();
@@ -98,37 +97,37 @@ class Understanding {
   std::terminate_handler before_;
 };
 
-void understand(CLI::App& app, const Arguments& arguments) {
-  const Understanding in_progress(arguments);
+void parse(CLI::App& app, const Arguments& arguments) {
+  const Parsing_Guard guard(arguments);
   app.parse(arguments.count(), arguments.texts());
 }
 
-Exit_Status understand_and_run(const Arguments& arguments, Outcome_Output& output) {
+Exit_Status parse_and_run(const Arguments& arguments, Outcome_Output& output) {
   CLI::App app("Runs the triggers of a video-management server on a database of its own.",
                "vemora-triggers");
   Invocation call;
   describe_command_line(app, call);
   try {
-    understand(app, arguments);
+    parse(app, arguments);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {  // --help, --version
       app.exit(error, std::cout, std::cerr);
       return exit_done;
     }
-    print_wrong_usage(arguments.hold("--json"), complaint_of(app, error));
+    print_wrong_usage(arguments.contain("--json"), complaint_of(app, error));
     return exit_usage;
   }
   return run(call, output);
 }
 
-/// There is no memory, or none for saying what else is wrong.
+/// Called if memory ran out, for the outcome or for another message.
 Exit_Status give_up(const Arguments& arguments, Outcome_Output& output) noexcept {
   output.discard();
-  tell_out_of_memory(arguments);
+  report_out_of_memory(arguments);
   return exit_failed;
 }
 
-/// An outcome that nobody could read is none.
+/// An outcome that cannot be written is a failure.
 Exit_Status deliver(Outcome_Output& output, Exit_Status status) noexcept {
   if (output.deliver()) {
     return status;
@@ -143,7 +142,7 @@ Exit_Status deliver(Outcome_Output& output, Exit_Status status) noexcept {
 Exit_Status run(const Arguments& arguments) noexcept {
   Outcome_Output output;
   try {
-    const Exit_Status status = understand_and_run(arguments, output);
+    const Exit_Status status = parse_and_run(arguments, output);
     return deliver(output, status);
   } catch (const std::exception&) {
     return give_up(arguments, output);
@@ -158,7 +157,7 @@ int main(int count, char** arguments) {
   occupy_missing_standard_streams();
   kuv::vemora::embedded_server::suit_heap_to_passes();
   for (const int signal : {SIGPIPE, SIGXFSZ}) {
-    std::signal(signal, SIG_IGN);  // writing that fails is told of like any other fault
+    std::signal(signal, SIG_IGN);  // a failing write is reported like any other failure
   }
   return run(Arguments(count, arguments));
 }

@@ -153,8 +153,8 @@ def about_failed(case, answer, text, left):
     if "The pass is done" in text:
         return must_be(left._replace(pending=frozenset()), case.after, "the pass is done")
     kept = ("The records of the pass are committed" in text or
-            "What the pass had written is committed" in text or
-            "What the pass had written before the fault is committed" in text)
+            "What the pass wrote is committed" in text or
+            "What the pass wrote before the failure is committed" in text)
     if not kept:
         return must_be(left, case.before, "nothing was kept")
     found = [] if left.documents == case.before.documents else ["committed, and the documents are stored too"]

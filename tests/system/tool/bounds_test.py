@@ -21,15 +21,15 @@ class Bounds(Site):
         for command in ("check", "apply"):
             with self.subTest(command):
                 self.assertEqual(self.run_tool("--max-values", "3", command, name, empty).status, DONE)
-                self.assert_rejected("config.json:2:16: error: More than 2 values.", "--max-values", "2", command, name)
-                self.assert_rejected("mapping.json:1:20: error: More than 1 values.", "--max-values", "1", command,
+                self.assert_rejected("config.json:2:16: error: The document has more than 2 values.", "--max-values", "2", command, name)
+                self.assert_rejected("mapping.json:1:20: error: The document has more than 1 values.", "--max-values", "1", command,
                                      self.write("[].json", "[]"), empty)
         answer = self.run_tool("--json", "--max-values", "2", "apply", name).json
         self.assertEqual((answer["success"], answer["errors"]), (False, [
-            {"category": 0, "document": "config", "message": "More than 2 values.", "line": 2, "column": 16}]))
+            {"category": 0, "document": "config", "message": "The document has more than 2 values.", "line": 2, "column": 16}]))
         inventory = self.write("inventory.json", '{"servers": []}')
         self.assertEqual(self.run_tool("--max-values", "2", "init", inventory).status, DONE)
-        self.assert_rejected("inventory.json:1:13: error: More than 1 values.", "--max-values", "1", "init", inventory)
+        self.assert_rejected("inventory.json:1:13: error: The document has more than 1 values.", "--max-values", "1", "init", inventory)
 
     def test_a_document_that_was_let_in_is_refreshed_whatever_is_allowed_now(self):
         self.init()
@@ -51,9 +51,9 @@ class Bounds(Site):
         rows = self.rows()
         outcome = self.run_tool("--json", "apply", self.write("config.json", config(trigger(7))))
         self.assertEqual((outcome.status, outcome.json["errors"]), (FAILED, [{"category": 1, "message":
-            'object type "vehicle" of the site stands for more than 1000 types; give it fewer'}]))
+            'object type "vehicle" of the site stands for more than 1000 types; change the inventory'}]))
         self.assertEqual(self.run_tool("refresh").err.decode(), "vemora-triggers: object type \"vehicle\" of the site "
-                         "stands for more than 1000 types; give it fewer\n")
+                         "stands for more than 1000 types; change the inventory\n")
         self.assertEqual(self.rows(), rows)
         self.init(general_type(2))
         self.assertEqual(self.run_tool("apply", "config.json").status, DONE)

@@ -107,7 +107,7 @@ class Unusable_Databases(Database_Site):
     @on_sqlite
     def test_a_fault_amid_a_pass_keeps_the_documents_and_what_was_written_until_then(self):
         self.assertEqual(self.fault_amid_a_pass()["remarks"],
-                         ["What the pass had written before the fault is committed."])
+                         ["What the pass wrote before the failure is committed."])
         self.assertEqual([record["id"] for record in self.show("triggers")], [7, 8])
         self.assert_documents_kept()
 
@@ -156,7 +156,7 @@ class Corrupt_Records(Database_Site):
         outcome = self.run_tool("apply", "new.json")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (FAILED, b"", f"""\
 error: Failed to update trigger config: bad optional access
-note: What the pass had written is committed; the documents stored are still the old ones.
+note: What the pass wrote is committed; the stored documents are still the old ones.
 note: {self.CORRUPT}
 Changed:
   triggers                    1 written        1 deleted
@@ -184,8 +184,8 @@ Failed.
 
 
 class Damaged_Documents(Database_Site):
-    CONFIG = "the stored configuration is damaged: it is no JSON object; apply one anew"
-    MAPPING = "the stored mapping is damaged: it is no JSON object; apply one anew"
+    CONFIG = "the stored configuration is damaged: it is not a JSON object; apply it again"
+    MAPPING = "the stored mapping is damaged: it is not a JSON object; apply it again"
 
     def given_stored(self, kind, text):
         self.sql("UPDATE document SET text = ? WHERE kind = ?", text, kind)

@@ -86,7 +86,7 @@ class Checked_Documents(Site):
         self.assertEqual(outcome.status, REJECTED)
         lines = outcome.text.splitlines()
         self.assertEqual(sum(": error: " in line for line in lines), 1000)
-        self.assertEqual(lines[-1], "1500 more errors; --json tells of each.")
+        self.assertEqual(lines[-1], "1500 more errors; use --json to see all.")
         errors = self.run_tool("--json", "check", "config.json").json["errors"]
         self.assertEqual([error["index"] for error in errors], list(range(2500)))
 
@@ -176,7 +176,7 @@ config.json:2:28: error: Missing "triggers" array.
     def test_people_read_the_line_of_a_document_that_cannot_be_read(self):
         self.write("config.json", '{"triggers": [\n  {"id": 7,, "name": ""}\n]}')
         self.assertEqual(self.run_tool("check", "config.json").text, """\
-config.json:2:12: error: A key in double quotes is expected.
+config.json:2:12: error: Expected a key in double quotes.
       {"id": 7,, "name": ""}
                ^
 """)

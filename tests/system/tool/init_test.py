@@ -179,7 +179,7 @@ class Texts_To_Hold(Site):
         outcome = self.run_tool("init", self.write("inventory.json", inventory.encode().replace(b'"@"', text)))
         self.assertEqual((outcome.status, outcome.err), (DONE, b""), outcome.out)
 
-    def assert_refused(self, inventory, text, message="This database cannot hold the text."):
+    def assert_refused(self, inventory, text, message="This database cannot store the text."):
         self.write("inventory.json", b"\n" + inventory.encode().replace(b'"@"', text))
         outcome = self.run_tool("--json", "init", "inventory.json")
         self.assertEqual((outcome.status, outcome.err), (REJECTED, b""), outcome.out)
@@ -220,10 +220,10 @@ class Texts_To_Hold(Site):
                                      b' "schedules": [{"id": 1, "name": "\xff"}]}')
         outcome = self.run_tool("init", "inventory.json")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
-inventory.json:1:32: error: This database cannot hold the text.
+inventory.json:1:32: error: This database cannot store the text.
     {"servers": [{"id": 1, "name": "a\\u0000"}],
                                    ^
-inventory.json:2:34: error: This database cannot hold the text.
+inventory.json:2:34: error: This database cannot store the text.
      "schedules": [{"id": 1, "name": "\\xff"}]}
                                      ^
 """))

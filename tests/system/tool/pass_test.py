@@ -259,7 +259,7 @@ Rejected; nothing changed.
         self.write("config.json", '{"triggers": [1.]}')
         outcome = self.run_tool("apply", "config.json")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
-config.json:1:17: error: A digit is expected.
+config.json:1:17: error: Expected a digit.
     {"triggers": [1.]}
                     ^
 Rejected; nothing changed.

@@ -8,8 +8,8 @@ from tool_site import DONE, ENGINE, FAILED, REJECTED, Site, config, topic_source
 FULL = b"vemora-triggers: cannot write the outcome to standard output\n"
 
 # What is said with it, of what is stored all the same.
-STORED = {"apply": b"note: The pass is done, and all that it changed is stored.\n",
-          "refresh": b"note: The pass is done, and all that it changed is stored.\n",
+STORED = {"apply": b"note: The pass is done, and all of its changes are stored.\n",
+          "refresh": b"note: The pass is done, and all of its changes are stored.\n",
           "init": b"note: The inventory is stored.\n"}
 
 
@@ -89,14 +89,14 @@ class Endless_Input(Streams):
     def test_a_file_without_an_end_is_refused(self):
         outcome = self.run_tool("check", "/dev/zero")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (
-            REJECTED, b"", "/dev/zero: error: /dev/zero is larger than a document may be (536870912 bytes)\n"))
+            REJECTED, b"", "/dev/zero: error: /dev/zero is larger than the maximum size of a document (536870912 bytes)\n"))
 
     def test_standard_input_without_an_end_is_refused(self):
         with open("/dev/zero", "rb") as zeros:
             outcome = self.run_command(self.command("--json", "apply", "-"), stdin=zeros)
         self.assertEqual((outcome.status, outcome.err), (REJECTED, b""))
         [error] = outcome.json["errors"]
-        self.assertEqual(error["message"], "standard input is larger than a document may be (536870912 bytes)")
+        self.assertEqual(error["message"], "standard input is larger than the maximum size of a document (536870912 bytes)")
 
     def test_a_document_of_many_megabytes_is_read(self):
         name = self.write("large.json", config(trigger(8, topic_source("x" * (50 << 20)))))

@@ -5,8 +5,8 @@ import unittest
 from tool_site import DONE, FAILED, LARGEST_ID, WRONG_USAGE, Site, config, mapping
 
 WRONG = {
-    "no command": ([], "A subcommand is required"),
-    "an unknown command": (["chek", "config.json"], "There is no command or option chek."),
+    "no command": ([], "A command is required"),
+    "an unknown command": (["chek", "config.json"], "Unknown command or option: chek"),
     "an unknown option": (["refresh", "--force"], "The following argument was not expected: --force"),
     "an unknown option before the command": (["--force", "refresh"],
                                              "The following argument was not expected: --force"),
@@ -15,9 +15,9 @@ WRONG = {
     "no inventory": (["init"], "INVENTORY is required"),
     "a document too many": (["apply", "a", "b", "c"], "The following argument was not expected: c"),
     "nothing to show": (["show"], "WHAT is required"),
-    "an unknown thing to show": (["show", "doors"], "WHAT: doors is none of triggers, subscriptions, detection, "
+    "an unknown thing to show": (["show", "doors"], "WHAT: doors is not one of triggers, subscriptions, detection, "
                                                     "cameras, config, mapping"),
-    "an unknown log level": (["--log-level", "loud", "refresh"], "--log-level: loud is none of off, trace, debug, "
+    "an unknown log level": (["--log-level", "loud", "refresh"], "--log-level: loud is not one of off, trace, debug, "
                                                                  "detail, info, warning, error, fatal"),
     "an option without its value": (["refresh", "--database"], "--database: 1 required FILE missing"),
     "an empty database": (["--database", "", "refresh"], "--database: a path must not be empty"),
@@ -26,11 +26,11 @@ WRONG = {
     "an empty path of a backup": (["restore", ""], "FILE: a path must not be empty"),
     "an empty path": (["check", ""], "CONFIG: a path must not be empty"),
     "an empty path of a mapping": (["apply", "config.json", ""], "MAPPING: a path must not be empty"),
-    "standard input twice": (["apply", "-", "-"], "MAPPING: CONFIG is read from standard input already"),
-    "standard input twice to check": (["check", "-", "-"], "MAPPING: CONFIG is read from standard input already"),
-    **{f"the server id {text}": (["--server-id", text, "refresh"], f"--server-id: {text} is no unsigned 64-bit number")
+    "standard input twice": (["apply", "-", "-"], "MAPPING: CONFIG and MAPPING cannot both be standard input"),
+    "standard input twice to check": (["check", "-", "-"], "MAPPING: CONFIG and MAPPING cannot both be standard input"),
+    **{f"the server id {text}": (["--server-id", text, "refresh"], f"--server-id: {text} is not an unsigned 64-bit number")
        for text in ("x", "-1", "+1", "01", "0x1", "1.0", "1 ", str(LARGEST_ID + 1))},
-    "no number of values": (["--max-values", "many", "refresh"], "--max-values: many is no unsigned 64-bit number"),
+    "no number of values": (["--max-values", "many", "refresh"], "--max-values: many is not an unsigned 64-bit number"),
 }
 
 
@@ -57,7 +57,7 @@ class Wrong_Usage(Site):
         outcome = self.run_tool("show", "\x1b[31m\u202e")
         self.assertEqual(outcome.status, WRONG_USAGE)
         self.assertEqual(outcome.err, (
-            b"vemora-triggers: WHAT: \\x1b[31m\\u202e is none of triggers, subscriptions, detection, cameras, config, "
+            b"vemora-triggers: WHAT: \\x1b[31m\\u202e is not one of triggers, subscriptions, detection, cameras, config, "
             b"mapping\nRun with --help for more information.\n"))
 
 
@@ -68,27 +68,27 @@ Usage: vemora-triggers [OPTIONS] COMMAND
 Options:
   -h,--help                   Print this help message and exit
   --version                   Display program version information and exit
-  --database FILE=vemora.db   The site's database: a file, or postgresql://USER@HOST/NAME?schema=SCHEMA
-  --server-id ID=1            The server that this process works for
-  --json                      Print one JSON document, for programs
-  --max-values N=20000000     How many values a document may have; each takes about 100 bytes of memory
-  --log-level LEVEL=off       Log to standard error from this level on: off, trace, debug, detail, info, \
-warning, error, fatal
+  --database FILE=vemora.db   The database: an SQLite file, or postgresql://USER@HOST/NAME?schema=SCHEMA
+  --server-id ID=1            The id of the server that the database belongs to
+  --json                      Print the outcome as one JSON document
+  --max-values N=20000000     The maximum number of values in a document; each takes about 100 bytes of memory
+  --log-level LEVEL=off       The lowest level that is logged to standard error: trace, debug, detail, info, \
+warning, error, fatal; off logs nothing
 
 Commands:
   init                        Create or update the site: servers, cameras, schedules, subscriptions
-  check                       Validate documents; nothing is written
-  apply                       Run the pass on new documents and store them
-  refresh                     Run the pass on the stored documents
+  check                       Validate a configuration and a mapping; writes nothing
+  apply                       Run a pass on a configuration and a mapping, and store them
+  refresh                     Run a pass on the stored documents
   show                        Show what is stored
-  backup                      Copy the site into a file that can be kept anywhere
-  restore                     Put the site of a backup in the place of the one there is
+  backup                      Copy the site into one file
+  restore                     Replace the site with that of a backup
 """
 
 DOCUMENTS = """
 Positionals:
-  CONFIG   REQUIRED           The trigger configuration; - is standard input
-  MAPPING                     The trigger mapping; - is standard input; without it the stored one is used
+  CONFIG   REQUIRED           The trigger configuration; - reads standard input
+  MAPPING                     The trigger mapping; - reads standard input; default: the stored mapping
 """
 
 HELP_OF_COMMANDS = {
@@ -97,18 +97,18 @@ Create or update the site: servers, cameras, schedules, subscriptions
 Usage: vemora-triggers init [OPTIONS] INVENTORY
 
 Positionals:
-  INVENTORY   REQUIRED        What there is; - is standard input
+  INVENTORY   REQUIRED        The inventory; - reads standard input
 """,
     "check": f"""\
-Validate documents; nothing is written
+Validate a configuration and a mapping; writes nothing
 Usage: vemora-triggers check [OPTIONS] CONFIG [MAPPING]
 {DOCUMENTS}""",
     "apply": f"""\
-Run the pass on new documents and store them
+Run a pass on a configuration and a mapping, and store them
 Usage: vemora-triggers apply [OPTIONS] CONFIG [MAPPING]
 {DOCUMENTS}""",
     "refresh": """\
-Run the pass on the stored documents
+Run a pass on the stored documents
 Usage: vemora-triggers refresh [OPTIONS]
 """,
     "show": """\
@@ -121,14 +121,14 @@ Positionals:
 }
 
 HELP_OF_COMMANDS["backup"] = """\
-Copy the site into a file that can be kept anywhere
+Copy the site into one file
 Usage: vemora-triggers backup [OPTIONS] FILE
 
 Positionals:
-  FILE   REQUIRED             The backup; one that is there is replaced when it is done
+  FILE   REQUIRED             The backup; an existing one is replaced
 """
 HELP_OF_COMMANDS["restore"] = """\
-Put the site of a backup in the place of the one there is
+Replace the site with that of a backup
 Usage: vemora-triggers restore [OPTIONS] FILE
 
 Positionals:
@@ -141,12 +141,12 @@ Options:
 """
 
 STRICTNESS = """\
-  --strict                    Reject documents that there are warnings of; nothing changes then
+  --strict                    Reject documents that have warnings
 """
 
 STATUSES = """
-Exit status: 0 done; 1 done, with errors of single triggers; 2 a document was rejected and
-nothing changed; 3 the pass or the database failed, or the outcome could not be written;
+Exit status: 0 done; 1 done, but single triggers had errors; 2 a document was rejected and
+nothing changed; 3 the pass or the database failed, or the output could not be written;
 64 wrong usage.
 """
 

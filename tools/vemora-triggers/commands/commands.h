@@ -7,8 +7,8 @@
 
 namespace kuv::vemora::tools {
 
-// Each command prints its outcome to standard output and answers the exit status. Documents that
-// cannot be read and databases that fail are thrown (Document_Error, Database_Error).
+// Each command prints its outcome to standard output and returns the exit status. It throws if a
+// document cannot be read (Unreadable_Document) or the database fails (Database_Error).
 
 Exit_Status init(const Options& options, const std::string& inventory_path);
 
@@ -21,7 +21,7 @@ Exit_Status apply(const Options& options, const std::string& config_path,
 Exit_Status refresh(const Options& options);
 Exit_Status show(const Options& options, const std::string& what);
 
-/// On a database that is no file they are wrong usage.
+/// Wrong usage if the database is not a file.
 Exit_Status backup(const Options& options, const std::string& file);
 Exit_Status restore(const Options& options, const std::string& file);
 

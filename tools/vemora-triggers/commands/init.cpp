@@ -23,7 +23,7 @@ bool holds_site(const std::shared_ptr<Database>& database) {
   return database && database->holds_site();
 }
 
-/// As it is: nothing is made for a document that may turn out to be faulty.
+/// Creates nothing, because the document may be faulty.
 std::shared_ptr<Database> open_as_found(const Options& options) {
   auto database = Database::open(options.database, Database::Open_Mode::as_found);
   if (holds_site(database)) {
@@ -43,7 +43,7 @@ Read_Inventory read_for_site(const embedded_server::Json_Document& document,
       document, embedded_server::load_inventory_references(database), database);
 }
 
-/// Notes at its end whether an inventory was stored, however that came.
+/// Records in its destructor whether an inventory was stored, also if something was thrown.
 class Noted_Storing {
  public:
   explicit Noted_Storing(const Database& database) : database_(database) {}
@@ -57,16 +57,16 @@ class Noted_Storing {
   Noted_Storing(const Noted_Storing&) = delete;
   Noted_Storing& operator=(const Noted_Storing&) = delete;
 
-  /// Until then, nothing is written.
-  void note_faultless() noexcept { tried_ = true; }
+  /// Until this is called, nothing is written.
+  void note_valid() noexcept { tried_ = true; }
 
  private:
   const Database& database_;
   bool tried_ = false;
 };
 
-/// Reads the document again in the transaction that stores it: since the first look, another
-/// process may have stored what it runs into.
+/// Reads the document again in the transaction that stores it: another process may have stored
+/// something since the first time that is in conflict with it.
 Read_Inventory store(const Options& options, const embedded_server::Json_Document& document,
                      const std::shared_ptr<Database>& database) {
   Read_Inventory read;
@@ -77,7 +77,7 @@ Read_Inventory store(const Options& options, const embedded_server::Json_Documen
     if (!read.faults.empty()) {
       return nullptr;
     }
-    noted.note_faultless();
+    noted.note_valid();
     return &read.inventory;
   });
   return read;

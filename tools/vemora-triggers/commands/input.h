@@ -12,7 +12,7 @@
 
 namespace kuv::vemora::tools {
 
-/// A document that could not be read, with what it was to be.
+/// Thrown for a document that cannot be read.
 struct Unreadable_Document {
   std::string role;  ///< "inventory", "config" or "mapping"
   std::string path;
@@ -32,7 +32,7 @@ embedded_server::Json_Document read_input(const Options& options, const std::str
 Fault_List located(const std::vector<embedded_server::Document_Warning>& warnings,
                    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);
 
-/// What `check` and `apply` are given.
+/// The documents that `check` and `apply` are given.
 class Trigger_Documents {
  public:
   /// An empty mapping path stands for the stored mapping. Throws Unreadable_Document.
@@ -40,10 +40,10 @@ class Trigger_Documents {
 
   const embedded_server::Json_Document& config() const { return config_; }
 
-  /// Null for the stored one.
+  /// Null for the stored mapping.
   const embedded_server::Json_Document* mapping() const { return mapping_ ? &*mapping_ : nullptr; }
 
-  /// A fault of these documents with the file and the line that it stands in.
+  /// A fault of these documents with its file and line.
   Located_Fault locate(const embedded_server::Check_Fault& found) const;
 
  private:

@@ -15,7 +15,7 @@ using embedded_server::Kept;
 using embedded_server::Pass_Outcome;
 using embedded_server::Trigger_Host;
 
-/// For the time when the outcome, which says more, is lost.
+/// To be printed if the outcome, which says more, is lost.
 const char* sentence(Kept kept) {
   switch (kept) {
     case Kept::nothing:
@@ -23,18 +23,18 @@ const char* sentence(Kept kept) {
     case Kept::not_known:
       return "It is not known whether what the pass wrote was kept.";
     case Kept::records:
-      return "The records of the pass are committed. Repeat the command, so that its documents are "
-             "stored too.";
+      return "The records of the pass are committed. Repeat the command to store its documents "
+             "too.";
     case Kept::records_perhaps_more:
       return "The records of the pass are committed; it is not known whether its documents are "
              "stored too.";
     case Kept::everything:
-      return "The pass is done, and all that it changed is stored.";
+      return "The pass is done, and all of its changes are stored.";
   }
   return "";
 }
 
-/// Notes at its end what became of the pass, however that came.
+/// Records in its destructor what is stored of the pass, also if something was thrown.
 class Noted_Pass {
  public:
   explicit Noted_Pass(const Trigger_Host& host) : host_(host) {}
@@ -61,11 +61,11 @@ Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pas
 Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
                      const Locate_Fault& locate) {
   const Pass_Outcome outcome = outcome_of(options, doing, run);
-  std::optional<Located_Fault> place;
+  std::optional<Located_Fault> rejection;
   if (outcome.rejection) {
-    place = locate(*outcome.rejection);
+    rejection = locate(*outcome.rejection);
   }
-  print_outcome(options, outcome, place, located(outcome.warnings, locate));
+  print_outcome(options, outcome, rejection, located(outcome.warnings, locate));
   return exit_status_of(outcome);
 }
 

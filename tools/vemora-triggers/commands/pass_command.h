@@ -12,8 +12,8 @@ namespace kuv::vemora::tools {
 using Run_Pass = std::function<embedded_server::Pass_Outcome(embedded_server::Trigger_Host&)>;
 using Locate_Fault = std::function<Located_Fault(const embedded_server::Check_Fault&)>;
 
-/// Runs a pass on the database and prints what became of it. Where it throws, stored_note() tells
-/// what is stored all the same.
+/// Runs a pass on the database and prints its outcome. If this throws, stored_note() says what is
+/// stored.
 Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
                      const Locate_Fault& locate);
 

@@ -10,7 +10,7 @@
 namespace kuv::vemora::tools {
 namespace {
 
-/// A document comes back as it was written, to the byte unless a terminal would obey some of them.
+/// Prints a stored document byte for byte; on a terminal, with control characters as escapes.
 void print_document(const Options& options, const std::optional<std::string>& text,
                     const char* name) {
   if (text) {

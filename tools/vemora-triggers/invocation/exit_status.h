@@ -2,10 +2,10 @@
 
 namespace kuv::vemora::tools {
 
-/// What the process answers; scripts rely on the numbers.
+/// The exit status of the process. Scripts rely on the numbers.
 enum Exit_Status : int {
   exit_done = 0,
-  exit_trigger_errors = 1,  ///< done, but single triggers failed
+  exit_trigger_errors = 1,  ///< done, but single triggers had errors
   exit_rejected = 2,        ///< a document was rejected and nothing changed
   exit_failed = 3,          ///< the pass or the database failed
   exit_usage = 64,

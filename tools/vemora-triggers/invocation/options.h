@@ -7,13 +7,13 @@
 
 namespace kuv::vemora::tools {
 
-/// What is said before the command.
+/// The options of all commands.
 struct Options {
   std::string database = "vemora.db";
   std::uint64_t server_id = 1;
   bool json = false;
-  bool strict = false;  ///< warnings reject documents
-  std::uint64_t max_values = embedded_server::most_values_unless_told;  ///< of a document
+  bool strict = false;                                              ///< warnings reject documents
+  std::uint64_t max_values = embedded_server::default_most_values;  ///< of a document
 };
 
 }  // namespace kuv::vemora::tools

@@ -25,15 +25,15 @@ bool Outcome_Output::deliver() noexcept {
   return write_whole(STDOUT_FILENO, text_.text.data(), text_.text.size());
 }
 
-Outcome_Output::Text::int_type Outcome_Output::Text::overflow(int_type letter) {
-  if (!traits_type::eq_int_type(letter, traits_type::eof())) {
-    text.push_back(traits_type::to_char_type(letter));
+Outcome_Output::Text::int_type Outcome_Output::Text::overflow(int_type character) {
+  if (!traits_type::eq_int_type(character, traits_type::eof())) {
+    text.push_back(traits_type::to_char_type(character));
   }
-  return traits_type::not_eof(letter);
+  return traits_type::not_eof(character);
 }
 
-std::streamsize Outcome_Output::Text::xsputn(const char* letters, std::streamsize count) {
-  text.append(letters, static_cast<std::size_t>(count));
+std::streamsize Outcome_Output::Text::xsputn(const char* characters, std::streamsize count) {
+  text.append(characters, static_cast<std::size_t>(count));
   return count;
 }
 

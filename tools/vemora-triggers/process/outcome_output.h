@@ -5,8 +5,8 @@
 
 namespace kuv::vemora::tools {
 
-/// While it lives, holds back what is printed to std::cout, so that an outcome is written whole or
-/// not at all. What is printed throws where there is no memory for it.
+/// While it exists, keeps what is printed to std::cout in memory, so that an outcome is written
+/// completely or not at all. Printing throws if memory runs out.
 class Outcome_Output {
  public:
   Outcome_Output();
@@ -14,10 +14,10 @@ class Outcome_Output {
   Outcome_Output(const Outcome_Output&) = delete;
   Outcome_Output& operator=(const Outcome_Output&) = delete;
 
-  /// Forgets what was printed, half an outcome perhaps.
+  /// Drops what was printed, which may be half an outcome.
   void discard() noexcept;
 
-  /// Writes what was printed to standard output; false when it could not be written.
+  /// Writes what was printed to standard output; false if that fails.
   bool deliver() noexcept;
 
  private:
@@ -26,15 +26,15 @@ class Outcome_Output {
     std::string text;
 
    protected:
-    int_type overflow(int_type letter) override;
-    std::streamsize xsputn(const char* letters, std::streamsize count) override;
+    int_type overflow(int_type character) override;
+    std::streamsize xsputn(const char* characters, std::streamsize count) override;
   };
 
   Text text_;
   std::streambuf* before_;
 };
 
-/// Writes to a descriptor, without asking for memory; false when it could not be written.
+/// Writes to a file descriptor without allocating memory; false if that fails.
 bool write_whole(int descriptor, const char* text, std::size_t size) noexcept;
 
 }  // namespace kuv::vemora::tools

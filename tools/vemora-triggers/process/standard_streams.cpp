@@ -13,8 +13,8 @@ void occupy_missing_standard_streams() {
     if (::fcntl(stream, F_GETFD) != -1) {
       continue;
     }
-    // The lowest free number is the one that is missing. Opened for what it will not be used for:
-    // nothing can be read from standard input, and what is written is not taken for delivered.
+    // open() returns the lowest free descriptor, which is the missing one. The mode is the opposite
+    // of what the stream is for, so that reading and writing it fail.
     if (::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream) {
       std::abort();
     }

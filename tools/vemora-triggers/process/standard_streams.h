@@ -2,9 +2,9 @@
 
 namespace kuv::vemora::tools {
 
-/// Fills the places of standard streams that the process was started without, so that no file
-/// opened later gets them and is written to as if it were a terminal. Using such a stream fails, as
-/// it would have. To be called before anything is opened.
+/// Opens the standard streams that the process was started without, so that no file opened later
+/// gets their descriptors and is written to by mistake. Using such a stream still fails. To be
+/// called before anything is opened.
 void occupy_missing_standard_streams();
 
 }  // namespace kuv::vemora::tools

@@ -2,10 +2,10 @@
 
 namespace kuv::vemora::tools {
 
-// What is stored already, and has to be told with whatever fails from then on. Kept beside the
-// outcome, so that it is there when the memory for an outcome is not.
+// A sentence that says what is stored already, to be printed if the command fails later. It is kept
+// apart from the outcome, so that it is available if there is no memory for an outcome.
 
-/// `sentence` lives as long as the program; empty: nothing is stored.
+/// `sentence` must exist as long as the program; empty if nothing is stored.
 void note_stored(const char* sentence) noexcept;
 
 const char* stored_note() noexcept;

@@ -8,7 +8,7 @@
 
 namespace kuv::vemora::tools {
 
-// What a backup holds, as `backup` and `restore` tell it.
+// The content of a backup, as `backup` and `restore` print it.
 
 Json::Value to_json(const embedded_server::Site_Counts& counts);
 

@@ -7,7 +7,7 @@
 
 namespace kuv::vemora::tools {
 
-/// A number of things, in the word that fits it.
+/// A number with the singular or plural of what is counted.
 inline std::string counted(std::uint64_t count, const char* one, const char* many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }

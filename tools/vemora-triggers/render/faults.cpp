@@ -8,40 +8,40 @@
 
 #include "tools/vemora-triggers/render/json.h"
 #include "tools/vemora-triggers/render/terminal.h"
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 #include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
-using embedded_server::count_letters;
-using embedded_server::first_letters;
+using embedded_server::count_characters;
+using embedded_server::first_characters;
 using embedded_server::printable;
 
-constexpr std::size_t widest_side = 60;  ///< letters before the place of a fault, and from it on
+constexpr std::size_t widest_side = 60;  ///< characters shown before a fault, and from it on
 constexpr std::size_t most_excerpts = 100;
-constexpr std::size_t most_messages = 1000;  ///< more than anybody reads
+constexpr std::size_t most_messages = 1000;  ///< more than anyone reads
 
-std::string place_of(const Located_Fault& located) {
-  std::string place = located.path.empty() ? "stored " + located.role : printable(located.path);
+std::string location_of(const Located_Fault& located) {
+  std::string text = located.path.empty() ? "stored " + located.role : printable(located.path);
   if (located.fault.location.line != 0) {
-    place += fmt::format(":{}:{}", located.fault.location.line, located.fault.location.column);
+    text += fmt::format(":{}:{}", located.fault.location.line, located.fault.location.column);
   }
-  return place;
+  return text;
 }
 
-/// The text with "..." in the place of all but its last letters.
+/// The last characters of a text, after "..." if it is longer.
 std::string shown_end(std::string_view text) {
-  const std::size_t letters = count_letters(text);
-  if (letters <= widest_side) {
+  const std::size_t characters = count_characters(text);
+  if (characters <= widest_side) {
     return printable(text);
   }
-  text.remove_prefix(first_letters(text, letters - widest_side).size());
+  text.remove_prefix(first_characters(text, characters - widest_side).size());
   return "..." + printable(text);
 }
 
 std::string shown_beginning(std::string_view text) {
-  const std::string_view beginning = first_letters(text, widest_side);
+  const std::string_view beginning = first_characters(text, widest_side);
   return printable(beginning) + (beginning.size() < text.size() ? "..." : "");
 }
 
@@ -50,24 +50,24 @@ embedded_server::Surroundings surroundings_of(const Located_Fault& located) {
     return located.document->surroundings(located.fault.location);
   }
   const std::string_view line = located.line;
-  const std::string_view before = first_letters(line, located.fault.location.column - 1);
+  const std::string_view before = first_characters(line, located.fault.location.column - 1);
   return {before, line.substr(before.size())};
 }
 
-/// What surrounds the fault in its line, with a mark under its place.
+/// Prints the text around the fault in its line, with a mark under its column.
 void print_excerpt(const Located_Fault& located) {
   const bool line_is_known = located.document != nullptr || !located.line.empty();
   if (!line_is_known || located.fault.location.column == 0) {
     return;
   }
-  const auto [before, behind] = surroundings_of(located);
+  const auto [before, after] = surroundings_of(located);
   const std::string shown_before = shown_end(before);
-  std::cout << "    " << shown_before << shown_beginning(behind) << '\n'
-            << "    " << std::string(count_letters(shown_before), ' ') << in_red("^") << '\n';
+  std::cout << "    " << shown_before << shown_beginning(after) << '\n'
+            << "    " << std::string(count_characters(shown_before), ' ') << in_red("^") << '\n';
 }
 
 void print_message(const Located_Fault& located) {
-  std::cout << place_of(located) << ": "
+  std::cout << location_of(located) << ": "
             << (located.warning.empty() ? in_red("error: ") : "warning: ")
             << printable(located.fault.message);
   if (located.id) {
@@ -106,18 +106,18 @@ void print_for_people(const Located_Fault& located) {
 }
 
 void print_for_people(const Fault_List& faults) {
-  const std::size_t told = std::min(faults.count, most_messages);
-  for (std::size_t number = 0; number < told; ++number) {
+  const std::size_t shown = std::min(faults.count, most_messages);
+  for (std::size_t number = 0; number < shown; ++number) {
     const Located_Fault located = faults.at(number);
     print_message(located);
     if (number < most_excerpts) {
       print_excerpt(located);
     }
   }
-  if (told < faults.count) {
-    const std::size_t more = faults.count - told;
-    const std::string what = faults.at(told).warning.empty() ? "error" : "warning";
-    std::cout << fmt::format("{} more {}; --json tells of each.\n", more,
+  if (shown < faults.count) {
+    const std::size_t more = faults.count - shown;
+    const std::string what = faults.at(shown).warning.empty() ? "error" : "warning";
+    std::cout << fmt::format("{} more {}; use --json to see all.\n", more,
                              more == 1 ? what : what + "s");
   }
 }

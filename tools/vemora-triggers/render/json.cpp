@@ -18,7 +18,8 @@ Json_Texts::Json_Texts() : writer_(make_writer()) {}
 
 std::string Json_Texts::of(const Json::Value& value) {
   std::ostringstream stream;
-  stream.exceptions(std::ios::badbit | std::ios::failbit);  // or a text might lack its end
+  stream.exceptions(std::ios::badbit |
+                    std::ios::failbit);  // otherwise the text could be cut off silently
   writer_->write(value, &stream);
   return stream.str();
 }

@@ -8,7 +8,7 @@
 
 namespace kuv::vemora::tools {
 
-/// Makes texts of values, each on one line and in plain ASCII, whatever bytes their texts hold.
+/// Converts values to JSON, each on one line and in ASCII, whatever bytes their strings contain.
 class Json_Texts {
  public:
   Json_Texts();
@@ -19,7 +19,7 @@ class Json_Texts {
   std::unique_ptr<Json::StreamWriter> writer_;
 };
 
-/// Prints a JSON document on a line of its own.
+/// Prints a JSON document on one line.
 void print_json(const Json::Value& value);
 
 }  // namespace kuv::vemora::tools

@@ -13,7 +13,7 @@
 namespace kuv::vemora::tools {
 namespace {
 
-/// One after the other into one piece: a reader never gets half of it for want of memory.
+/// Texts joined in a fixed buffer, so that they are written at once and without allocating memory.
 class Message {
  public:
   Message(std::initializer_list<const char*> parts) noexcept {

@@ -2,8 +2,8 @@
 
 namespace kuv::vemora::tools {
 
-/// Prints that there was no memory, and what is stored all the same, in the form of the command's
-/// outcome; asks for no memory itself. What cannot be written is lost.
+/// Prints that memory ran out, and what is stored, in the form of the command's outcome. Allocates
+/// no memory. Errors of writing are ignored.
 void print_out_of_memory(bool json, bool of_a_pass, const char* stored) noexcept;
 
 }  // namespace kuv::vemora::tools

@@ -118,10 +118,10 @@ Json::Value to_json(const Changes& changes) {
   return object;
 }
 
-/// The members of a fault beside those of an error; the message stays the library's.
-void add_place(Json::Value& error, const Located_Fault& fault) {
-  const Json::Value place = to_json(fault);
-  for (auto member = place.begin(); member != place.end(); ++member) {
+/// Adds the members of a fault to an error, which keeps its message.
+void add_location(Json::Value& error, const Located_Fault& fault) {
+  const Json::Value members = to_json(fault);
+  for (auto member = members.begin(); member != members.end(); ++member) {
     if (!error.isMember(member.name())) {
       error[member.name()] = *member;
     }
@@ -129,12 +129,12 @@ void add_place(Json::Value& error, const Located_Fault& fault) {
 }
 
 /// All but the warnings.
-Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place) {
+Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& rejection) {
   Json::Value answer = empty_object();
   answer["success"] = outcome.status == Pass_Outcome::Status::done;
   answer["errors"] = list_to_json(outcome.errors);
-  if (place) {
-    add_place(answer["errors"][0], *place);
+  if (rejection) {
+    add_location(answer["errors"][0], *rejection);
   }
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
@@ -194,21 +194,21 @@ const char* headline(Pass_Outcome::Status status, bool without_errors) {
   return "Failed.";
 }
 
-/// The library's own texts; that of a rejected document where it stands, if that is known.
-void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> place) {
+/// Prints the messages of the library; that of a rejected document with its location.
+void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> rejection) {
   for (const Error& error : outcome.errors) {
-    if (place) {
-      place->fault.message = error.message;
-      print_for_people(*place);
+    if (rejection) {
+      rejection->fault.message = error.message;
+      print_for_people(*rejection);
     } else {
       std::cout << in_red("error: ") << printable(error.message) << '\n';
     }
   }
 }
 
-void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& place,
+void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& rejection,
                       const Fault_List& warnings) {
-  print_errors(outcome, place);
+  print_errors(outcome, rejection);
   print_for_people(warnings);
   for (const std::string& remark : outcome.remarks) {
     std::cout << "note: " << printable(remark) << '\n';
@@ -241,11 +241,11 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
 }
 
 void print_outcome(const Options& options, const Pass_Outcome& outcome,
-                   const std::optional<Located_Fault>& place, const Fault_List& warnings) {
+                   const std::optional<Located_Fault>& rejection, const Fault_List& warnings) {
   if (options.json) {
-    print_with_warnings(to_json(outcome, place), warnings);
+    print_with_warnings(to_json(outcome, rejection), warnings);
   } else {
-    print_for_people(outcome, place, warnings);
+    print_for_people(outcome, rejection, warnings);
   }
 }
 
@@ -266,7 +266,7 @@ void print_failed_pass(const Options& options, const std::string& message,
   Json::Value answer = to_json(outcome, std::nullopt);
   if (!stored.empty()) {
     answer["remarks"].append(stored);
-    answer["changes"] = Json::Value();  // what was written got lost with the outcome
+    answer["changes"] = Json::Value();  // lost with the outcome
     answer["reconciled"] = Json::Value();
   }
   print_with_warnings(answer, {});

@@ -13,16 +13,15 @@ namespace kuv::vemora::tools {
 
 Exit_Status exit_status_of(const embedded_server::Pass_Outcome& outcome);
 
-/// Prints what became of a pass, with its warnings; of a rejected document also where, as far as
-/// that is known.
+/// Prints the outcome of a pass with its warnings and, if a document was rejected, the location of
+/// the fault.
 void print_outcome(const Options& options, const embedded_server::Pass_Outcome& outcome,
-                   const std::optional<Located_Fault>& place, const Fault_List& warnings = {});
+                   const std::optional<Located_Fault>& rejection, const Fault_List& warnings = {});
 
-/// Prints that there was no pass, because a document could not be read.
+/// Prints that there was no pass because a document could not be read.
 void print_no_pass(const Options& options, const Located_Fault& fault);
 
-/// Prints that a pass could not be run to an outcome, and what is stored all the same (empty:
-/// nothing).
+/// Prints that a pass failed without an outcome and, unless `stored` is empty, what is stored.
 void print_failed_pass(const Options& options, const std::string& message,
                        const std::string& stored);
 

@@ -85,7 +85,7 @@ Json::Value to_json(const std::optional<std::string>& text) {
   return text ? Json::Value(*text) : Json::Value();
 }
 
-/// The tags of any record: they are entries or members of a map.
+/// The tags of any kind of record: a set of entries, or a map.
 template <class Tags>
 Json::Value tags_to_json(const Tags& tags) {
   Json::Value object(Json::objectValue);

@@ -10,45 +10,45 @@
 #include <string_view>
 #include <utility>
 
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 #include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
-using embedded_server::count_letters;
+using embedded_server::count_characters;
 
-bool wants_colour() {
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment
+bool wants_color() {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment is never changed
   const char* const refused = std::getenv("NO_COLOR");
   return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
 }
 
-/// A cell that is wider sticks out of its own row, and does not widen all the others.
+/// A wider cell extends its own row, and does not widen the column.
 constexpr std::size_t widest_column = 200;
 
 void print_row(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
   for (std::size_t column = 0; column < row.size(); ++column) {
     std::cout << row[column];
     if (column + 1 < row.size()) {
-      const std::size_t letters = count_letters(row[column]);
-      std::cout << std::string(std::max(widths[column], letters) - letters + 2, ' ');
+      const std::size_t characters = count_characters(row[column]);
+      std::cout << std::string(std::max(widths[column], characters) - characters + 2, ' ');
     }
   }
   std::cout << '\n';
 }
 
-/// Line ends and tabs, which lay a document out, stay.
+/// Keeps line ends and tabs.
 void print_printable_lines(std::string_view text) {
   while (!text.empty()) {
     const std::size_t end = std::min(text.find_first_of("\n\t"), text.size());
-    std::string_view piece = text.substr(0, end);
-    const std::string_view behind = text.substr(end, 1);
-    text.remove_prefix(end + behind.size());
-    if (behind == "\n" && !piece.empty() && piece.back() == '\r') {
-      piece.remove_suffix(1);
+    std::string_view part = text.substr(0, end);
+    const std::string_view separator = text.substr(end, 1);
+    text.remove_prefix(end + separator.size());
+    if (separator == "\n" && !part.empty() && part.back() == '\r') {
+      part.remove_suffix(1);
     }
-    std::cout << embedded_server::printable(piece) << behind;
+    std::cout << embedded_server::printable(part) << separator;
   }
 }
 
@@ -63,16 +63,16 @@ void print_text(const std::string& text) {
 }
 
 std::string in_red(const std::string& text) {
-  return wants_colour() ? "\x1b[31m" + text + "\x1b[0m" : text;
+  return wants_color() ? "\x1b[31m" + text + "\x1b[0m" : text;
 }
 
 void print_table(const std::vector<std::string>& headings,
                  const std::vector<std::vector<std::string>>& rows) {
   std::vector<std::size_t> widths;
   for (std::size_t column = 0; column < headings.size(); ++column) {
-    std::size_t width = count_letters(headings[column]);
+    std::size_t width = count_characters(headings[column]);
     for (const std::vector<std::string>& row : rows) {
-      width = std::max(width, std::min(count_letters(row[column]), widest_column));
+      width = std::max(width, std::min(count_characters(row[column]), widest_column));
     }
     widths.push_back(width);
   }
@@ -88,7 +88,7 @@ Progress_Line::Progress_Line(std::string what) : what_(std::move(what)) {
   }
   try {
     ticker_ = std::thread([this] { tick(); });
-  } catch (const std::exception&) {  // there is no memory or no thread: nothing depends on the line
+  } catch (const std::exception&) {  // no memory or no thread: do without the line
   }
 }
 
@@ -107,7 +107,7 @@ void Progress_Line::tick() {
   std::unique_lock<std::mutex> lock(mutex_);
   int seconds = 0;
   while (!finished_.wait_for(lock, std::chrono::seconds(1), [this] { return done_; })) {
-    // Each piece as it is: for a text there might be no memory, and nobody to tell.
+    // Written in parts, because building a string could fail for lack of memory.
     std::cerr << '\r' << what_ << " ... " << ++seconds << " s" << std::flush;
   }
   if (seconds > 0) {

@@ -9,17 +9,17 @@
 
 namespace kuv::vemora::tools {
 
-/// Prints a document to the byte; on a terminal, as a person may be shown it.
+/// Prints a document byte for byte; on a terminal, with control characters as escapes.
 void print_text(const std::string& text);
 
-/// The text in the colour of failures, where standard output is a terminal that wants colours.
+/// The text in red if standard output is a terminal and NO_COLOR is not set.
 std::string in_red(const std::string& text);
 
-/// Prints rows under headings, each column as wide as it needs to be.
+/// Prints rows under headings, each column as wide as its widest cell.
 void print_table(const std::vector<std::string>& headings,
                  const std::vector<std::vector<std::string>>& rows);
 
-/// While it lives, says on a terminal how long something has been going on.
+/// While it exists, shows on a terminal how long an activity has been going on.
 class Progress_Line {
  public:
   explicit Progress_Line(std::string what);

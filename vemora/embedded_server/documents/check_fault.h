@@ -9,7 +9,7 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// Why a document would be rejected.
+/// One reason for which a document would be rejected.
 struct Check_Fault {
   std::string document;  ///< "config" or "mapping"
   Document_Fault fault;

@@ -5,7 +5,7 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// A place in a text, both counted from 1, columns in letters; 0 where it is not known.
+/// A line and a column of a text, both counted from 1, columns in characters; 0 if not known.
 struct Location {
   std::size_t line = 0;
   std::size_t column = 0;

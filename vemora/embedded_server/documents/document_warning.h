@@ -9,13 +9,12 @@ namespace kuv::vemora::embedded_server {
 
 class Json_Document;
 
-/// What an operator surely did not mean, though the document is valid. It changes neither pass nor
-/// outcome, unless warnings are to reject documents.
+/// What an operator probably did not mean, although the document is valid. A warning changes
+/// neither the pass nor its outcome, unless warnings reject documents.
 struct Document_Warning {
-  std::string code;  ///< for programs, such as "not-storable"
+  std::string code;  ///< for programs; for example "not-storable"
   Check_Fault fault;
-  std::shared_ptr<const Json_Document> stored =
-      nullptr;  ///< the document, where it is a stored one
+  std::shared_ptr<const Json_Document> stored = nullptr;  ///< the document if it is a stored one
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -9,14 +9,14 @@
 
 #include "vemora/embedded_server/documents/json_grammar.h"
 #include "vemora/embedded_server/documents/read_file.h"
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// Where the reader means. It counts bytes, from behind a byte order mark, and takes a carriage
-/// return for the end of a line.
-std::size_t offset_told_by_reader(std::string_view text, std::size_t line, std::size_t column) {
+/// The offset that the JSON reader means. It counts bytes after a byte order mark, and regards a
+/// carriage return as the end of a line.
+std::size_t offset_from_reader(std::string_view text, std::size_t line, std::size_t column) {
   std::size_t offset = byte_order_mark_size(text);
   for (std::size_t passed = 1; passed < line && offset < text.size(); ++passed) {
     offset = std::min(text.find_first_of("\r\n", offset), text.size() - 1) + 1;
@@ -27,10 +27,10 @@ std::size_t offset_told_by_reader(std::string_view text, std::size_t line, std::
   return offset + column - 1;
 }
 
-/// The reader tells its faults as text alone: "* Line 3, Column 7\n  What is wrong\n", and what it
-/// stumbles over after the first one in the same way.
+/// The JSON reader reports faults only as text: "* Line 3, Column 7\n  What is wrong\n". Further
+/// faults follow in the same form.
 Document_Fault fault_in_report(const std::string& report, std::string_view text,
-                               const Text_Places& places) {
+                               const Text_Locations& locations) {
   std::size_t line = 0;
   std::size_t column = 0;
   int head = 0;
@@ -39,11 +39,12 @@ Document_Fault fault_in_report(const std::string& report, std::string_view text,
   }
   std::string message = report.substr(static_cast<std::size_t>(head));
   message.erase(std::min(message.find("\n* Line "), message.find_last_not_of('\n') + 1));
-  return {message, places.locate(text, offset_told_by_reader(text, line, column))};
+  return {message, locations.locate(text, offset_from_reader(text, line, column))};
 }
 
-std::string_view line_of(std::string_view text, const Text_Places& places, std::size_t number) {
-  std::string_view found = text.substr(places.begin_of_line(text, number));
+std::string_view line_of(std::string_view text, const Text_Locations& locations,
+                         std::size_t number) {
+  std::string_view found = text.substr(locations.begin_of_line(text, number));
   found = found.substr(0, found.find('\n'));
   if (!found.empty() && found.back() == '\r') {
     found.remove_suffix(1);
@@ -51,12 +52,13 @@ std::string_view line_of(std::string_view text, const Text_Places& places, std::
   return found;
 }
 
-Json::Value parse(const std::string& text, const Text_Places& places, std::size_t most_values) {
+Json::Value parse(const std::string& text, const Text_Locations& locations,
+                  std::size_t most_values) {
   const auto reject = [&](const Document_Fault& fault) {
-    throw Document_Error(fault, line_of(text, places, fault.location.line));
+    throw Document_Error(fault, line_of(text, locations, fault.location.line));
   };
   if (const auto fault = find_grammar_fault(text, most_values)) {
-    reject({fault->message, places.locate(text, fault->offset)});
+    reject({fault->message, locations.locate(text, fault->offset)});
   }
   Json::CharReaderBuilder builder;
   Json::CharReaderBuilder::strictMode(&builder.settings_);
@@ -65,7 +67,7 @@ Json::Value parse(const std::string& text, const Text_Places& places, std::size_
   Json::Value value;
   std::string report;
   if (!reader->parse(text.data(), text.data() + text.size(), &value, &report)) {
-    reject(fault_in_report(report, text, places));
+    reject(fault_in_report(report, text, locations));
   }
   return value;
 }
@@ -73,7 +75,7 @@ Json::Value parse(const std::string& text, const Text_Places& places, std::size_
 }  // namespace
 
 Json_Document::Json_Document(std::string text, std::size_t most_values)
-    : text_(std::move(text)), places_(text_), value_(parse(text_, places_, most_values)) {}
+    : text_(std::move(text)), locations_(text_), value_(parse(text_, locations_, most_values)) {}
 
 Json_Document Json_Document::read(const std::string& path, std::size_t limit,
                                   std::size_t most_values) {
@@ -85,25 +87,25 @@ std::size_t Json_Document::offset_of(const Json::Value& part) const {
 }
 
 Location Json_Document::locate(const Json::Value& part) const {
-  return places_.locate(text_, offset_of(part));
+  return locations_.locate(text_, offset_of(part));
 }
 
-Location Json_Document::locate_offset(std::size_t offset, Text_Place& last) const {
-  return places_.locate(text_, byte_order_mark_size(text_) + offset, last);
+Location Json_Document::locate_offset(std::size_t offset, Text_Position& last) const {
+  return locations_.locate(text_, byte_order_mark_size(text_) + offset, last);
 }
 
-Surroundings Json_Document::surroundings(const Location& place) const {
-  return places_.surroundings(text_, place);
+Surroundings Json_Document::surroundings(const Location& location) const {
+  return locations_.surroundings(text_, location);
 }
 
 Location Json_Document::locate_key(const Json::Value& member) const {
-  Text_Place nowhere;
+  Text_Position nowhere;
   return locate_offset(key_offset(member), nowhere);
 }
 
 std::size_t Json_Document::key_offset(const Json::Value& member) const {
-  // Backwards from the value: a colon, the quote that ends the key, and the one that begins it,
-  // which is the next that is not escaped, that is, has an even number of backslashes before it.
+  // Before the value are a colon, the quote that ends the key, and the quote that begins it. The
+  // latter is the next one that is not escaped: an even number of backslashes precedes it.
   const std::size_t colon = text_.rfind(':', offset_of(member) - 1);
   const std::size_t end = text_.rfind('"', colon);
   std::size_t begin = end;
@@ -116,7 +118,7 @@ std::size_t Json_Document::key_offset(const Json::Value& member) const {
 }
 
 std::string_view Json_Document::line(std::size_t number) const {
-  return line_of(text_, places_, number);
+  return line_of(text_, locations_, number);
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -5,7 +5,7 @@
 #include <array>
 #include <utility>
 
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -25,20 +25,20 @@ std::optional<unsigned> hex_value(char c) {
                                          : std::make_optional(static_cast<unsigned>(value));
 }
 
-/// Walks through a text once, without calling itself, so that no nesting is too deep for it.
-class Walk {
+/// Checks a text in one pass, without recursion, so that no nesting is too deep for it.
+class Checker {
  public:
-  Walk(std::string_view text, std::size_t most_values)
-      : text_(text), place_(byte_order_mark_size(text)), most_values_(most_values) {}
+  Checker(std::string_view text, std::size_t most_values)
+      : text_(text), offset_(byte_order_mark_size(text)), most_values_(most_values) {}
 
   std::optional<Grammar_Fault> find_fault() {
     skip_blanks();
     take_root();
-    while (!fault_ && (skip_blanks(), place_ < text_.size())) {
+    while (!fault_ && (skip_blanks(), offset_ < text_.size())) {
       take_next();
     }
     if (!fault_ && expected_ != Expected::nothing) {
-      complain("The document ends too early.");
+      report("The document ends too early.");
     }
     return std::move(fault_);
   }
@@ -46,36 +46,36 @@ class Walk {
  private:
   enum class Expected { value, value_or_end, key, key_or_end, comma_or_end, nothing };
 
-  void complain(std::string message) { complain_at(place_, std::move(message)); }
+  void report(std::string message) { report_at(offset_, std::move(message)); }
 
-  void complain_at(std::size_t place, std::string message) {
+  void report_at(std::size_t offset, std::string message) {
     if (!fault_) {
-      fault_ = Grammar_Fault{std::move(message), place};
+      fault_ = Grammar_Fault{std::move(message), offset};
     }
   }
 
-  /// The byte here, or NUL behind the end; no rule of JSON takes a NUL for something.
-  char here() const { return place_ < text_.size() ? text_[place_] : '\0'; }
+  /// The byte at the current offset, or NUL after the end. NUL has no meaning in JSON.
+  char here() const { return offset_ < text_.size() ? text_[offset_] : '\0'; }
 
   bool take(char wanted) {
-    const bool there = place_ < text_.size() && text_[place_] == wanted;
-    place_ += there ? 1 : 0;
+    const bool there = offset_ < text_.size() && text_[offset_] == wanted;
+    offset_ += there ? 1 : 0;
     return there;
   }
 
   void skip_blanks() {
     while (here() == ' ' || here() == '\t' || here() == '\n' || here() == '\r') {
-      ++place_;
+      ++offset_;
     }
   }
 
   void take_root() {
-    if (place_ == text_.size()) {
-      complain("The document is empty.");
+    if (offset_ == text_.size()) {
+      report("The document is empty.");
     } else if (here() == '/' || here() == '{' || here() == '[') {
       take_value();
     } else {
-      complain("A document must be an object or an array.");
+      report("A document must be an object or an array.");
     }
   }
 
@@ -94,17 +94,18 @@ class Walk {
       case Expected::nothing:
         break;
     }
-    complain(is_comment() ? no_comments : "There is something behind the end of the document.");
+    report(is_comment() ? no_comments : "Unexpected text after the end of the document.");
   }
 
   bool is_comment() const { return here() == '/' || here() == '#'; }
 
   void take_value() {
     if (nesting_.size() >= deepest_nesting) {
-      return complain(fmt::format("Nested more than {} levels deep.", deepest_nesting));
+      return report(
+          fmt::format("The document is nested more than {} levels deep.", deepest_nesting));
     }
     if (values_ == most_values_) {
-      return complain(fmt::format("More than {} values.", most_values_));
+      return report(fmt::format("The document has more than {} values.", most_values_));
     }
     ++values_;
     if (here() == '{' || here() == '[') {
@@ -124,12 +125,12 @@ class Walk {
     const bool object = here() == '{';
     nesting_.push_back(here());
     expected_ = object ? Expected::key_or_end : Expected::value_or_end;
-    ++place_;
+    ++offset_;
   }
 
   void leave() {
     nesting_.pop_back();
-    ++place_;
+    ++offset_;
     close_value();
   }
 
@@ -137,12 +138,12 @@ class Walk {
 
   void take_key() {
     if (here() != '"') {
-      return complain(is_comment() ? no_comments : "A key in double quotes is expected.");
+      return report(is_comment() ? no_comments : "Expected a key in double quotes.");
     }
     take_string();
     skip_blanks();
     if (!take(':')) {
-      return complain(is_comment() ? no_comments : "A colon is expected.");
+      return report(is_comment() ? no_comments : "Expected a colon.");
     }
     expected_ = Expected::value;
   }
@@ -154,28 +155,28 @@ class Walk {
     } else if (take(',')) {
       expected_ = object ? Expected::key : Expected::value;
     } else if (is_comment()) {
-      complain(no_comments);
+      report(no_comments);
     } else {
-      complain(object ? "A comma or a closing brace is expected."
-                      : "A comma or a closing bracket is expected.");
+      report(object ? "Expected a comma or a closing brace."
+                    : "Expected a comma or a closing bracket.");
     }
   }
 
   void take_word() {
     for (const std::string_view word : {"true", "false", "null"}) {
-      if (text_.substr(place_, word.size()) == word) {
-        place_ += word.size();
+      if (text_.substr(offset_, word.size()) == word) {
+        offset_ += word.size();
         return;
       }
     }
-    complain(is_comment() ? no_comments : "A value is expected.");
+    report(is_comment() ? no_comments : "Expected a value.");
   }
 
   void take_number() {
     take('-');
     if (take('0')) {
       if (is_digit(here())) {
-        return complain_at(place_ - 1, "A number must not begin with a zero.");
+        return report_at(offset_ - 1, "A number must not have leading zeros.");
       }
     } else {
       take_digits();
@@ -194,57 +195,57 @@ class Walk {
   /// At least one.
   void take_digits() {
     if (!is_digit(here())) {
-      complain("A digit is expected.");
+      report("Expected a digit.");
     }
     while (is_digit(here())) {
-      ++place_;
+      ++offset_;
     }
   }
 
   void take_string() {
-    const std::size_t begin = place_++;
+    const std::size_t begin = offset_++;
     while (!fault_ && !take('"')) {
-      if (place_ == text_.size()) {
-        complain_at(begin, "The text that begins here has no end.");
+      if (offset_ == text_.size()) {
+        report_at(begin, "The string that begins here has no end.");
       } else if (take('\\')) {
         take_escape();
       } else if (static_cast<unsigned char>(here()) < 0x20) {
-        complain("A control character in a text must be escaped.");
+        report("A control character in a string must be escaped.");
       } else {
-        ++place_;
+        ++offset_;
       }
     }
   }
 
-  /// Behind its backslash.
+  /// Called after the backslash.
   void take_escape() {
     constexpr std::string_view plain = "\"\\/bfnrt";
     if (here() != '\0' && plain.find(here()) != std::string_view::npos) {
-      ++place_;
+      ++offset_;
     } else if (take('u')) {
-      take_escaped_letter();
+      take_code_escape();
     } else {
-      complain_at(place_ - 1, "There is no such escape.");
+      report_at(offset_ - 1, "Unknown escape sequence.");
     }
   }
 
-  /// Behind "\u". Letters that four digits cannot say take two such escapes.
-  void take_escaped_letter() {
-    constexpr auto half_a_letter = "This escape stands for half a letter.";
-    const std::size_t begin = place_ - 2;
+  /// Called after "\u". Characters beyond four digits take two such escapes, a surrogate pair.
+  void take_code_escape() {
+    constexpr auto half_a_pair = "The escape sequence is half of a surrogate pair.";
+    const std::size_t begin = offset_ - 2;
     const unsigned first = take_code_unit(begin);
     const bool leads = first >= 0xD800 && first <= 0xDBFF;
     if (first >= 0xDC00 && first <= 0xDFFF) {
-      complain_at(begin, half_a_letter);
+      report_at(begin, half_a_pair);
     }
     if (!leads || fault_) {
       return;
     }
-    const std::size_t second_begin = place_;
+    const std::size_t second_begin = offset_;
     const bool escaped = take('\\') && take('u');
     const unsigned second = escaped ? take_code_unit(second_begin) : 0;
     if (second < 0xDC00 || second > 0xDFFF) {
-      complain_at(begin, half_a_letter);
+      report_at(begin, half_a_pair);
     }
   }
 
@@ -253,19 +254,19 @@ class Walk {
     for (int digit = 0; digit < 4; ++digit) {
       const auto value = hex_value(here());
       if (!value) {
-        complain_at(begin, "\\u takes four hexadecimal digits.");
+        report_at(begin, "\\u must be followed by four hexadecimal digits.");
         return 0;
       }
       unit = unit * 16 + *value;
-      ++place_;
+      ++offset_;
     }
     return unit;
   }
 
-  static constexpr const char* no_comments = "JSON has no comments.";
+  static constexpr const char* no_comments = "Comments are not allowed in JSON.";
 
   std::string_view text_;
-  std::size_t place_;
+  std::size_t offset_;
   std::size_t most_values_;
   std::size_t values_ = 0;
   Expected expected_ = Expected::value;
@@ -276,7 +277,7 @@ class Walk {
 }  // namespace
 
 std::optional<Grammar_Fault> find_grammar_fault(std::string_view text, std::size_t most_values) {
-  return Walk(text, most_values).find_fault();
+  return Checker(text, most_values).find_fault();
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -10,20 +10,20 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// How many values (objects, arrays, texts, numbers and words) a document may have where nothing
-/// else is said: each takes about a hundred bytes of memory, whatever it takes of the document.
-constexpr std::size_t most_values_unless_told = 20'000'000;
+/// How many values (objects, arrays, strings, numbers, true, false, null) a document may have by
+/// default. Each takes about 100 bytes of memory, however short it is in the document.
+constexpr std::size_t default_most_values = 20'000'000;
 
 struct Grammar_Fault {
   std::string message;
   std::size_t offset = 0;
 };
 
-/// The first place where a text breaks the grammar of JSON (RFC 8259) or is neither an object nor
-/// an array; nothing when it keeps to it. Said before a text is read, because the reader lets pass
-/// numbers, escapes and comments that JSON does not know. Whether keys repeat is not looked at. A
-/// value too many is a fault as well, found before anything is made of the text.
+/// The first fault of a text that is not JSON (RFC 8259) with an object or an array at the root;
+/// nothing if there is none. A text is checked before it is read, because the JSON reader accepts
+/// numbers, escapes and comments that are not JSON. More than `most_values` values are a fault too,
+/// found before memory is used for any. Duplicate keys are not detected here.
 VEMORA_API std::optional<Grammar_Fault> find_grammar_fault(
-    std::string_view text, std::size_t most_values = most_values_unless_told);
+    std::string_view text, std::size_t most_values = default_most_values);
 
 }  // namespace kuv::vemora::embedded_server

@@ -7,10 +7,10 @@
 
 namespace kuv::vemora::embedded_server {
 
-std::string json_text(const Json::Value& value, Json_Letters letters) {
+std::string json_text(const Json::Value& value, Json_Encoding encoding) {
   Json::StreamWriterBuilder builder;
   builder["indentation"] = "";
-  builder["emitUTF8"] = letters == Json_Letters::utf8;
+  builder["emitUTF8"] = encoding == Json_Encoding::utf8;
   const std::unique_ptr<Json::StreamWriter> writer(builder.newStreamWriter());
   std::ostringstream stream;
   stream.exceptions(std::ios::badbit | std::ios::failbit);

@@ -8,13 +8,13 @@
 
 namespace kuv::vemora::embedded_server {
 
-enum class Json_Letters {
-  ascii,  ///< all others are escaped, and so are bytes that are no letter
-  utf8,   ///< as they are
+enum class Json_Encoding {
+  ascii,  ///< all other characters are escaped, and bytes that are not UTF-8
+  utf8,   ///< characters stay as they are
 };
 
-/// A JSON document on one line. Whole, or it throws: a stream that runs out of memory would leave
-/// out the rest in silence.
-VEMORA_API std::string json_text(const Json::Value& value, Json_Letters letters);
+/// A JSON document on one line. Throws if memory runs out; a stream by itself would silently drop
+/// the rest.
+VEMORA_API std::string json_text(const Json::Value& value, Json_Encoding encoding);
 
 }  // namespace kuv::vemora::embedded_server

@@ -13,12 +13,12 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-[[noreturn]] void complain(const std::string& doing, const std::string& name, int fault) {
+[[noreturn]] void fail(const std::string& doing, const std::string& name, int error) {
   throw Document_Error(
-      {fmt::format("{} {}: {}", doing, name, std::generic_category().message(fault)), {}});
+      {fmt::format("{} {}: {}", doing, name, std::generic_category().message(error)), {}});
 }
 
-/// A file to read from, closed at the end unless it is standard input.
+/// A file to read from; the destructor closes it unless it is standard input.
 class Input {
  public:
   explicit Input(const std::string& path)
@@ -26,7 +26,7 @@ class Input {
         name_(standard_ ? "standard input" : path),
         descriptor_(standard_ ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
     if (descriptor_ < 0) {
-      complain("cannot open", name_, errno);
+      fail("cannot open", name_, errno);
     }
   }
   ~Input() {
@@ -39,14 +39,14 @@ class Input {
 
   const std::string& name() const { return name_; }
 
-  /// How many bytes there were; none at the end.
-  std::size_t read(char* where, std::size_t room) {
+  /// Returns the number of bytes read; 0 at the end of the file.
+  std::size_t read(char* buffer, std::size_t size) {
     ssize_t count = 0;
     do {
-      count = ::read(descriptor_, where, room);
+      count = ::read(descriptor_, buffer, size);
     } while (count < 0 && errno == EINTR);
     if (count < 0) {
-      complain("cannot read", name_, errno);
+      fail("cannot read", name_, errno);
     }
     return static_cast<std::size_t>(count);
   }
@@ -61,13 +61,15 @@ class Input {
 
 std::string read_file(const std::string& path, std::size_t limit) {
   Input input(path);
-  std::vector<char> piece(64 << 10);
+  std::vector<char> buffer(64 << 10);
   std::string text;
-  while (const std::size_t count = input.read(piece.data(), piece.size())) {
-    text.append(piece.data(), count);
+  while (const std::size_t count = input.read(buffer.data(), buffer.size())) {
+    text.append(buffer.data(), count);
     if (text.size() > limit) {
       throw Document_Error(
-          {fmt::format("{} is larger than a document may be ({} bytes)", input.name(), limit), {}});
+          {fmt::format("{} is larger than the maximum size of a document ({} bytes)", input.name(),
+                       limit),
+           {}});
     }
   }
   return text;

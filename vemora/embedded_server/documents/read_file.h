@@ -5,8 +5,8 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// The content of a file; "-" is standard input. Throws Document_Error, also where there is more
-/// than `limit` bytes or no end.
+/// The content of a file; "-" is standard input. Throws Document_Error; also if there are more than
+/// `limit` bytes.
 std::string read_file(const std::string& path, std::size_t limit);
 
 }  // namespace kuv::vemora::embedded_server

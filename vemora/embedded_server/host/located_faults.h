@@ -9,12 +9,12 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// Takes the faults that the parser finds in one document, and looks up where they stand.
+/// Receives the faults that the parser finds in one document, and locates them.
 class Located_Faults : public Fault_Sink {
  public:
   enum class Wanted { first, all };
 
-  /// Appends to `found`. Without a document, as for the stored one, places are not known.
+  /// Appends to `found`. Without a document, locations are not known; that is so for stored ones.
   Located_Faults(std::string name, const Json_Document* document, Wanted wanted,
                  std::vector<Check_Fault>& found);
 
@@ -25,7 +25,7 @@ class Located_Faults : public Fault_Sink {
   const Json_Document* document_;
   Wanted wanted_;
   std::vector<Check_Fault>& found_;
-  Text_Place last_;
+  Text_Position last_;
 };
 
 }  // namespace kuv::vemora::embedded_server

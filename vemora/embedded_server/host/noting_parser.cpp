@@ -6,11 +6,11 @@ namespace kuv::vemora::embedded_server {
 
 Noting_Parser::Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
                              const Json_Document& config, const Json_Document* mapping,
-                             std::vector<Check_Fault>& noted, Judge_Parsed judge)
+                             std::vector<Check_Fault>& faults, Judge_Parsed judge)
     : parser_(std::move(repository), server_id),
       mapping_(mapping),
-      in_config_("config", &config, Located_Faults::Wanted::first, noted),
-      in_mapping_("mapping", mapping, Located_Faults::Wanted::first, noted),
+      in_config_("config", &config, Located_Faults::Wanted::first, faults),
+      in_mapping_("mapping", mapping, Located_Faults::Wanted::first, faults),
       judge_(std::move(judge)) {}
 
 Trigger_Mapping Noting_Parser::parse_trigger_mapping(const Json::Value& document) {

@@ -10,19 +10,20 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// Is given what was parsed.
+/// Receives what was parsed without a fault.
 using Judge_Parsed =
     std::function<void(const Trigger_Mapping& schedules, const std::vector<Trigger_Config>&)>;
 
-/// The parser of a pass. It throws what the parser throws, and notes what that was about; has
-/// judged what it threw nothing over.
+/// The parser of a pass. It throws what the parser throws, and records the fault with its location.
+/// What is parsed without a fault is passed to a function.
 class Noting_Parser : public Trigger_Parser {
  public:
-  /// Notes in `noted`, which outlives the parser. A mapping that is given is read as it was given,
-  /// and not as the manager completed it: in a new document nothing may be missing.
+  /// Appends faults to `faults`, which must outlive the parser. If a mapping is given, this
+  /// document is parsed, not what the manager made of it: the manager adds what is missing, and in
+  /// a new document nothing may be missing.
   Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
                 const Json_Document& config, const Json_Document* mapping,
-                std::vector<Check_Fault>& noted, Judge_Parsed judge);
+                std::vector<Check_Fault>& faults, Judge_Parsed judge);
 
   Trigger_Mapping parse_trigger_mapping(const Json::Value& document) override;
   std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,

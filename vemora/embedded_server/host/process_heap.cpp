@@ -5,7 +5,7 @@
 namespace kuv::vemora::embedded_server {
 
 void suit_heap_to_passes() {
-  mallopt(M_MXFAST, 0);  // NOLINT(concurrency-mt-unsafe): before there are threads that pass
+  mallopt(M_MXFAST, 0);  // NOLINT(concurrency-mt-unsafe): before there are threads
 }
 
 }  // namespace kuv::vemora::embedded_server

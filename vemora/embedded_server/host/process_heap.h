@@ -4,10 +4,10 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// Sets the C library's heap up for passes, whose results are millions of small blocks that come
-/// and go together: a block that is freed is joined with its neighbours at once, but for a few of
-/// each size, not put by for later. For programs that run passes, before the first one; a library
-/// has no business doing so.
+/// Configures the C library's heap for passes, which allocate and free millions of small blocks
+/// together: freed blocks are joined with their neighbours at once instead of being kept for later,
+/// except for a few of each size. To be called by programs that run passes, before the first pass;
+/// a library should not do this to its process.
 VEMORA_API void suit_heap_to_passes();
 
 }  // namespace kuv::vemora::embedded_server

@@ -22,7 +22,7 @@ using Status = Pass_Outcome::Status;
 
 std::optional<Json_Document> object_in(const std::string& text) {
   try {
-    // However many values it has: whoever let it in allowed them.
+    // No limit: whoever applied the document chose one.
     Json_Document document(text, std::numeric_limits<std::size_t>::max());
     return document.value().isObject() ? std::make_optional(std::move(document)) : std::nullopt;
   } catch (const Document_Error&) {
@@ -30,31 +30,31 @@ std::optional<Json_Document> object_in(const std::string& text) {
   }
 }
 
-/// A stored document was accepted before, so it can be read unless it was damaged since; before the
-/// first one it is empty.
+/// A stored document was accepted once, so it can be read unless it was damaged since. It is empty
+/// before the first one is stored.
 Json_Document stored_document(const std::optional<std::string>& text, const char* name) {
   if (auto document = object_in(text.value_or("{}"))) {
     return *std::move(document);
   }
   throw Database_Error(
-      fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
+      fmt::format("the stored {} is damaged: it is not a JSON object; apply it again", name));
 }
 
-/// A site may have got its object types before there was a bound, or from another program.
-void require_bearable(const Inventory_Meta_Type_Resolver::Object_Types& types) {
-  const Overgrown_Types overgrown = find_overgrown(types);
-  if (overgrown.too_many_general) {
+/// The object types may be older than the limits, or written by another program.
+void require_within_limits(const Object_Types& types) {
+  const Excessive_Types excessive = find_excessive_types(types);
+  if (excessive.too_many_general) {
     throw Database_Error(
         fmt::format("the site has more than {} general object types", most_general_object_types));
   }
-  if (!overgrown.names.empty()) {
-    throw Database_Error(
-        fmt::format("object type \"{}\" of the site stands for more than {} types; give it fewer",
-                    overgrown.names.front(), most_types_of_a_general_one));
+  if (!excessive.names.empty()) {
+    throw Database_Error(fmt::format(
+        "object type \"{}\" of the site stands for more than {} types; change the inventory",
+        excessive.names.front(), most_types_of_a_general_one));
   }
 }
 
-/// The documents of a manager that was just made have what a missing key stands for.
+/// The document as a new manager would complete it: a missing list is an empty one.
 Json::Value with_default(Json::Value document, const char* key) {
   if (document.isObject() && document[key].isNull()) {
     document[key] = Json::Value(Json::arrayValue);
@@ -66,12 +66,11 @@ bool is_corrupt(const metadata_event_subscription& record) {
   return record.camera && !record.onvif_topic;
 }
 
-/// Keeps at its end what is stored of a pass, however it ends.
+/// Records in its destructor what is stored of a pass, also if something was thrown.
 class Kept_Note {
  public:
-  Kept_Note(std::atomic<Kept>& noted, const Pass_Scope& pass) noexcept
-      : noted_(noted), pass_(pass) {}
-  ~Kept_Note() { noted_ = kept(); }
+  Kept_Note(std::atomic<Kept>& note, const Pass_Scope& pass) noexcept : note_(note), pass_(pass) {}
+  ~Kept_Note() { note_ = kept(); }
   Kept_Note(const Kept_Note&) = delete;
   Kept_Note& operator=(const Kept_Note&) = delete;
 
@@ -82,12 +81,12 @@ class Kept_Note {
     if (status_ == Status::rejected) {
       return Kept::nothing;
     }
-    // Of a pass that failed, the documents are not stored.
+    // The documents of a failed pass are not stored.
     const Kept kept = pass_.kept();
     return status_ == Status::failed && kept == Kept::everything ? Kept::records : kept;
   }
 
-  std::atomic<Kept>& noted_;
+  std::atomic<Kept>& note_;
   const Pass_Scope& pass_;
   std::optional<Status> status_;
 };
@@ -101,12 +100,12 @@ Status status_of(const Directive_Config_Processing::Result& result) {
   return rejected ? Status::rejected : Status::failed;
 }
 
-/// Thrown where a pass must not go on: by no means an exception that the manager would tell of.
+/// Thrown to end a pass. Not derived from std::exception, because the manager would catch that.
 struct Rejected_For_Warnings {};
 
 }  // namespace
 
-/// What a pass works on.
+/// The documents of a pass.
 struct Trigger_Host::Given_Documents {
   Given_Documents(const Json_Document& given_config, const Json_Document* given_mapping,
                   const Pass_Scope& pass)
@@ -117,7 +116,7 @@ struct Trigger_Host::Given_Documents {
     }
   }
 
-  /// The stored ones.
+  /// The stored documents.
   explicit Given_Documents(const Pass_Scope& pass)
       : Given_Documents(std::make_shared<Json_Document>(
                             stored_document(pass.documents().config, "configuration")),
@@ -127,7 +126,7 @@ struct Trigger_Host::Given_Documents {
     return new_mapping != nullptr ? *new_mapping : *stored_mapping;
   }
 
-  std::shared_ptr<const Json_Document> stored_config;  ///< null where a new one is given
+  std::shared_ptr<const Json_Document> stored_config;  ///< null if a new one is given
   std::shared_ptr<const Json_Document> stored_mapping;
   const Json_Document& config;
   const Json_Document* new_mapping;
@@ -159,31 +158,31 @@ Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Documen
   Kept_Note kept(kept_, pass);
   begin();
   const Given_Documents documents(config, mapping, pass);
-  std::vector<Check_Fault> noted;
+  std::vector<Check_Fault> faults;
   Pass_Outcome outcome;
-  update_config(pass, documents, noted, outcome);
+  update_config(pass, documents, faults, outcome);
   finish(pass,
          {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
          outcome);
-  if (outcome.status == Status::rejected && !noted.empty()) {
-    outcome.rejection = std::move(noted.front());
+  if (outcome.status == Status::rejected && !faults.empty()) {
+    outcome.rejection = std::move(faults.front());
   } else if (outcome.status == Status::rejected && !outcome.rejected_for_warnings) {
-    outcome.status = Status::failed;  // what the parser failed for is nothing in the documents
+    outcome.status = Status::failed;  // the reason is not in the documents
   }
   kept.note_end(outcome.status);
   return outcome;
 }
 
 void Trigger_Host::update_config(Pass_Scope& pass, const Given_Documents& documents,
-                                 std::vector<Check_Fault>& noted, Pass_Outcome& outcome) {
+                                 std::vector<Check_Fault>& faults, Pass_Outcome& outcome) {
   const Json::Value& schedules = documents.mapping().value();
-  // The configuration before is about to be replaced: nothing is lost where it was damaged.
+  // The stored configuration is about to be replaced, so it does not matter if it is damaged.
   const auto before = object_in(pass.documents().config.value_or("{}"));
-  // A manager is made with objects alone; a mapping that is none is for its parser to reject.
+  // A manager can only be constructed with objects. The parser rejects a mapping that is not one.
   const Json::Value empty(Json::objectValue);
   const auto manager =
       make_manager(before ? before->value() : empty, schedules.isObject() ? schedules : empty,
-                   make_parser(documents, noted, outcome));
+                   make_parser(documents, faults, outcome));
   try {
     Directive_Config_Processing::Result result = manager->update_config(documents.config.value());
     outcome.status = status_of(result);
@@ -208,9 +207,9 @@ Pass_Outcome Trigger_Host::refresh() {
 }
 
 void Trigger_Host::refresh(const Given_Documents& documents, Pass_Outcome& outcome) {
-  std::vector<Check_Fault> unheeded;
+  std::vector<Check_Fault> ignored;
   const auto manager = make_manager(documents.config.value(), documents.mapping().value(),
-                                    make_parser(documents, unheeded, outcome));
+                                    make_parser(documents, ignored, outcome));
   try {
     Trigger_Config_State state;
     outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
@@ -223,8 +222,8 @@ void Trigger_Host::refresh(const Given_Documents& documents, Pass_Outcome& outco
 
 std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
                                              const Json_Document* mapping) {
-  std::vector<Document_Warning> unheeded;
-  return check(config, mapping, unheeded);
+  std::vector<Document_Warning> ignored;
+  return check(config, mapping, ignored);
 }
 
 std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
@@ -241,7 +240,7 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
       mapping != nullptr ? mapping->value()
                          : with_default(documents.mapping().value(), "triggerMapping"),
       in_mapping);
-  if (config.value().isObject()) {  // that it is none was told with the properties
+  if (config.value().isObject()) {  // if not, this was reported with the properties
     const std::vector<Trigger_Config> triggers =
         parser.parse_trigger_configs(config.value(), schedules, in_config);
     warnings = judge(documents, schedules, triggers, found.empty(), false);
@@ -254,7 +253,7 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
 
 /// What it is given outlives it.
 std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Given_Documents& documents,
-                                                          std::vector<Check_Fault>& noted,
+                                                          std::vector<Check_Fault>& faults,
                                                           Pass_Outcome& outcome) {
   const auto judge_parsed = [this, &documents, &outcome](
                                 const Trigger_Mapping& schedules,
@@ -265,7 +264,7 @@ std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Given_Documents&
     }
   };
   return std::make_unique<Noting_Parser>(repository_, server_id_, documents.config,
-                                         documents.new_mapping, noted, judge_parsed);
+                                         documents.new_mapping, faults, judge_parsed);
 }
 
 std::vector<Document_Warning> Trigger_Host::judge(const Given_Documents& documents,
@@ -293,8 +292,8 @@ std::unique_ptr<Vemora_Trigger_Manager> Trigger_Host::make_manager(
 void Trigger_Host::begin() {
   capture_manager_->forget();
   pusher_->forget();
-  Inventory_Meta_Type_Resolver::Object_Types types = load_object_types(database_);
-  require_bearable(types);
+  Object_Types types = load_object_types(database_);
+  require_within_limits(types);
   resolver_->learn(std::move(types));
 }
 
@@ -302,7 +301,7 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
   end(pass, outcome);
   outcome.changes = pass.changes();
   outcome.state = pusher_->state();
-  outcome.reconciled = capture_manager_->reconciled();  // whatever becomes of the database now
+  outcome.reconciled = capture_manager_->reconciled();  // even if storing fails
   if (outcome.status != Status::rejected && !pass.fault()) {
     try {
       reconcile_leftovers(pass);
@@ -313,14 +312,14 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});
       outcome.remarks.emplace_back(
           pass.kept() == Kept::everything
-              ? "The pass is done, and all that it changed is stored."
-              : "The records of the pass are committed. Repeat the command, so that its documents "
-                "are stored too.");
+              ? "The pass is done, and all of its changes are stored."
+              : "The records of the pass are committed. Repeat the command to store its documents "
+                "too.");
       return;
     }
     if (outcome.status == Status::failed) {
       outcome.remarks.emplace_back(
-          "What the pass had written is committed; the documents stored are still the old ones.");
+          "What the pass wrote is committed; the stored documents are still the old ones.");
       name_corrupt_records(outcome);
     }
   }
@@ -330,15 +329,15 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
   try {
     pass.end();
     if (pass.fault()) {
-      if (outcome.status == Status::done) {  // or the library has said so
+      if (outcome.status == Status::done) {  // otherwise the library reported it
         outcome.errors.push_back({Error::Category::failed_processing, *pass.fault()});
       }
       outcome.status = Status::failed;
-      outcome.remarks.emplace_back("What the pass had written before the fault is committed.");
+      outcome.remarks.emplace_back("What the pass wrote before the failure is committed.");
     }
   } catch (const Database_Error& error) {
     if (outcome.status != Status::done) {
-      outcome.remarks.emplace_back(error.what());  // the library has said that it failed
+      outcome.remarks.emplace_back(error.what());  // the library reported the failure
     } else {
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});
     }
@@ -347,9 +346,8 @@ void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {
   }
 }
 
-/// Cameras that changed and were not reconciled since, because a pass was cut short before it, or
-/// it failed for them: those of earlier passes, and of this one where it did not come to ask for
-/// them.
+/// Reconciles the cameras that changed and were not reconciled yet, because a pass was interrupted
+/// or reconciling failed: those of earlier passes, and those of this one that it did not reach.
 void Trigger_Host::reconcile_leftovers(Pass_Scope& pass) {
   for (const std::uint64_t camera_id : pass.pending_cameras()) {
     if (capture_manager_->asked_for().count(camera_id) != 0) {
@@ -358,10 +356,10 @@ void Trigger_Host::reconcile_leftovers(Pass_Scope& pass) {
     try {
       capture_manager_->reconcile_metadata_stream(camera_id);
     } catch (const std::exception& error) {
-      logger_.log(kuv::logging::severity_level::error,
-                  "Failed to reconcile metadata stream for camera {}, tried again after the next "
-                  "pass: {}",
-                  camera_id, error.what());
+      logger_.log(
+          kuv::logging::severity_level::error,
+          "Failed to reconcile metadata stream for camera {}; the next pass tries again: {}",
+          camera_id, error.what());
     }
   }
 }

@@ -28,28 +28,29 @@ class Vemora_Trigger_Manager;
 
 namespace kuv::vemora::embedded_server {
 
-/// What became of one pass.
+/// The outcome of one pass.
 struct Pass_Outcome {
   enum class Status {
-    done,      ///< perhaps with errors of single triggers
+    done,      ///< single triggers may have errors
     rejected,  ///< a document was rejected; nothing changed
     failed,    ///< the pass or the database failed
   };
 
   Status status = Status::failed;
   std::vector<Directive_Config_Processing::Error> errors;  ///< the library's own, in order
-  std::vector<std::string> remarks;           ///< what else there is to say of a failure
-  std::set<std::uint64_t> reconciled;         ///< cameras whose streams were brought in line
-  std::optional<Trigger_Config_State> state;  ///< what the pusher received
+  std::vector<std::string> remarks;                        ///< further information about a failure
+  std::set<std::uint64_t> reconciled;                      ///< cameras
+  std::optional<Trigger_Config_State> state;               ///< what the pusher received
   Changes changes;
   std::vector<Document_Warning> warnings;
-  std::optional<Check_Fault> rejection;  ///< of a rejected document: what for, as check() tells it
-  bool rejected_for_warnings = false;    ///< and for nothing else, since they are to reject
-  bool changes_are_known = true;         ///< nobody may know what became of a commit
+  std::optional<Check_Fault>
+      rejection;  ///< the reason if a document was rejected, as check() reports it
+  bool rejected_for_warnings = false;  ///< and for nothing else
+  bool changes_are_known = true;       ///< false if it is not known what became of a commit
 };
 
-/// Who acts on what passes bring about, and who judges documents. Where one is missing, nobody
-/// does.
+/// The services that passes call, and the function that judges documents. Each may be empty, and
+/// nothing is done then.
 struct Host_Services {
   std::shared_ptr<capture::Manager> capture_manager;
   std::shared_ptr<Trigger_Notification_Pusher> pusher;
@@ -57,31 +58,31 @@ struct Host_Services {
   bool warnings_reject = false;  ///< a document with a warning is rejected, and nothing changes
 };
 
-/// Runs passes over one database as a server would. May be used from any thread; passes queue up.
-/// What the database throws (Database_Error) before a pass has begun reaches the caller, and so
-/// does what the services throw that is no standard exception.
+/// Runs passes on one database as a server would. It can be used from any thread; passes wait for
+/// each other. Throws what the database throws (Database_Error) before a pass begins, and
+/// exceptions of the services that are not derived from std::exception.
 class VEMORA_API Trigger_Host {
  public:
   Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id,
                Host_Services services = {});
 
-  /// Runs a pass with a new configuration, and a new mapping where one is given, and stores them
-  /// when it succeeded. A mapping that is given must have its list; only stored ones may lack it.
+  /// Runs a pass with a new configuration and, unless it is null, a new mapping, and stores them if
+  /// the pass succeeds. A new mapping must have its list; only a stored one may lack it.
   Pass_Outcome apply(const Json_Document& config, const Json_Document* mapping);
 
   /// Runs a pass on the stored documents.
   Pass_Outcome refresh();
 
-  /// What is stored of the last pass that was begun, for whoever has to tell it where the outcome
-  /// is lost: when something was thrown, in the pass or since.
+  /// What is stored of the pass that began last. To be used if its outcome was lost because
+  /// something was thrown during the pass or after it.
   Kept kept() const noexcept { return kept_; }
 
-  /// Everything that the parser finds wrong with the documents (with the stored mapping where none
-  /// is given), in the order of a pass: the first one is what a pass would reject them with.
-  /// Nothing when they are valid. Writes nothing and waits for nobody.
+  /// All faults that the parser finds in the documents, with the stored mapping if `mapping` is
+  /// null, in the order of a pass: a pass would reject the documents with the first one. Empty if
+  /// they are valid. Writes nothing and waits for no lock.
   std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping);
 
-  /// The same, and what the judge says of the documents.
+  /// The same, and appends the warnings of the judge.
   std::vector<Check_Fault> check(const Json_Document& config, const Json_Document* mapping,
                                  std::vector<Document_Warning>& warnings);
 
@@ -91,10 +92,10 @@ class VEMORA_API Trigger_Host {
                                                        std::unique_ptr<Trigger_Parser> parser);
   struct Given_Documents;
   std::unique_ptr<Trigger_Parser> make_parser(const Given_Documents& documents,
-                                              std::vector<Check_Fault>& noted,
+                                              std::vector<Check_Fault>& faults,
                                               Pass_Outcome& outcome);
   void update_config(Pass_Scope& pass, const Given_Documents& documents,
-                     std::vector<Check_Fault>& noted, Pass_Outcome& outcome);
+                     std::vector<Check_Fault>& faults, Pass_Outcome& outcome);
   void refresh(const Given_Documents& documents, Pass_Outcome& outcome);
   std::vector<Document_Warning> judge(const Given_Documents& documents,
                                       const Trigger_Mapping& schedules,
@@ -116,7 +117,7 @@ class VEMORA_API Trigger_Host {
   Judge_Documents judge_;
   bool warnings_reject_;
   std::atomic<Kept> kept_ = Kept::nothing;
-  std::mutex mutex_;  ///< from the first read of a pass to the storing of its documents
+  std::mutex mutex_;  ///< held from the first read of a pass until its documents are stored
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "vemora/embedded_server/documents/json_text.h"
-#include "vemora/embedded_server/host/services.h"
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/inventory/object_types.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// An id is written as an integer: 7.0 equals one and is none.
+/// True for an integer. 7.0 is not an id, although its value is one.
 bool is_id(const Json::Value& value) {
   return value.type() != Json::realValue && value.isUInt64();
 }
@@ -33,50 +33,50 @@ std::string_view key_of(const Json::Value::const_iterator& member) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-/// A name as it stands in messages: one that many faults name must not be told whole by each.
+/// A name for use in messages, where a long one would be repeated by every fault that names it.
 std::string shortened(const std::string& name) {
-  constexpr std::size_t most_letters = 200;
-  const std::string_view beginning = first_letters(name, most_letters);
+  constexpr std::size_t most_characters = 200;
+  const std::string_view beginning = first_characters(name, most_characters);
   return std::string(beginning) + (beginning.size() < name.size() ? "..." : "");
 }
 
-/// The texts of a document that are to be stored.
+/// The texts of a document that will be stored.
 class Texts_To_Store {
  public:
   void add(const Json::Value& text) {
     texts_.push_back(text_of(text));
-    places_.push_back({&text, false});
+    origins_.push_back({&text, false});
   }
 
   void add_key(const Json::Value::const_iterator& member) {
     texts_.push_back(key_of(member));
-    places_.push_back({&*member, true});
+    origins_.push_back({&*member, true});
   }
 
-  /// A fault for each that the database cannot hold.
+  /// One fault for each text that the database cannot store.
   std::vector<Document_Fault> faults(const std::shared_ptr<Database>& database,
                                      const Json_Document& document) const {
     std::vector<Document_Fault> found;
     for (const Unstorable_Text& text : unstorable_texts(database, texts_)) {
-      const Place& place = places_[text.place];
+      const Origin& origin = origins_[text.place];
       found.push_back(
-          {"This database cannot hold the text.",
-           place.is_key ? document.locate_key(*place.value) : document.locate(*place.value)});
+          {"This database cannot store the text.",
+           origin.is_key ? document.locate_key(*origin.value) : document.locate(*origin.value)});
     }
     return found;
   }
 
  private:
-  struct Place {
+  struct Origin {
     const Json::Value* value;
-    bool is_key;  ///< of the value
+    bool is_key;  ///< the text is the key of the value
   };
 
   std::vector<std::string_view> texts_;
-  std::vector<Place> places_;
+  std::vector<Origin> origins_;
 };
 
-/// Reads one document and gathers what is wrong with it.
+/// Reads one document and collects its faults.
 class Inventory_Reader {
  public:
   Inventory_Reader(const Json_Document& document, const Inventory_References& stored)
@@ -90,7 +90,7 @@ class Inventory_Reader {
     }
     require_known_keys(root, {"servers", "cameras", "schedules", "eventCategories", "subscriptions",
                               "objectTypes"});
-    // What is referred to comes before what refers to it.
+    // Records come before those that refer to them.
     read_records(root, "servers", [this](const Json::Value& record) { read_server(record); });
     read_records(root, "cameras", [this](const Json::Value& record) { read_camera(record); });
     read_records(root, "schedules", [this](const Json::Value& record) { read_schedule(record); });
@@ -100,7 +100,7 @@ class Inventory_Reader {
                  [this](const Json::Value& record) { read_subscription(record); });
     read_object_types(root);
     if (database) {
-      refuse_unstorable_texts(database);
+      report_unstorable_texts(database);
     }
     std::stable_sort(result_.faults.begin(), result_.faults.end(),
                      [](const auto& a, const auto& b) {
@@ -111,11 +111,11 @@ class Inventory_Reader {
   }
 
  private:
-  void fault(const Json::Value& place, std::string message) {
-    result_.faults.push_back({std::move(message), document_.locate(place)});
+  void fault(const Json::Value& value, std::string message) {
+    result_.faults.push_back({std::move(message), document_.locate(value)});
   }
 
-  void refuse_unstorable_texts(const std::shared_ptr<Database>& database) {
+  void report_unstorable_texts(const std::shared_ptr<Database>& database) {
     const std::vector<Document_Fault> found = texts_.faults(database, document_);
     result_.faults.insert(result_.faults.end(), found.begin(), found.end());
   }
@@ -130,7 +130,7 @@ class Inventory_Reader {
     }
   }
 
-  /// A member that may be left out: null then, and also when it is of another kind, which is a
+  /// An optional member. Null if it is missing, and also if it is not of that kind, which is a
   /// fault.
   const Json::Value* find_member(const Json::Value& object, const char* key,
                                  bool (Json::Value::*is_kind)() const, const char* kind) {
@@ -241,11 +241,11 @@ class Inventory_Reader {
       return {};
     }
     require_utf8(*capabilities);
-    return json_text(*capabilities, Json_Letters::utf8);
+    return json_text(*capabilities, Json_Encoding::utf8);
   }
 
-  /// Capabilities are stored as JSON: control characters are escapes there, all else stays as it is
-  /// and would be unreadable ever after.
+  /// Capabilities are stored as JSON. There, control characters are escaped, but bytes that are not
+  /// UTF-8 would stay as they are and could not be read back.
   void require_utf8(const Json::Value& part) {
     constexpr const char* message = "\"capabilities\" must be UTF-8.";
     if (part.isString() && !is_utf8(text_of(part))) {
@@ -337,25 +337,25 @@ class Inventory_Reader {
       known[type.name()] = stands_for;
       result_.inventory.object_types[type.name()] = stands_for;
     }
-    refuse_overgrown_types(given, known);
+    report_excessive_types(given, known);
     for (const std::vector<std::string>& cycle : find_cycles(known)) {
-      const auto ours = std::find_if(cycle.begin(), cycle.end(), [&given](const std::string& name) {
-        return given.isMember(name);
-      });
-      fault(ours == cycle.end() ? given : given[*ours],
+      const auto given_name =
+          std::find_if(cycle.begin(), cycle.end(),
+                       [&given](const std::string& name) { return given.isMember(name); });
+      fault(given_name == cycle.end() ? given : given[*given_name],
             fmt::format("Object type \"{}\" stands for itself: \"{}\".", cycle.front(),
                         fmt::join(cycle, "\" > \"")));
     }
   }
 
-  void refuse_overgrown_types(const Json::Value& given,
+  void report_excessive_types(const Json::Value& given,
                               const std::map<std::string, std::set<std::string>>& known) {
-    const Overgrown_Types overgrown = find_overgrown(known);
-    if (overgrown.too_many_general) {
+    const Excessive_Types excessive = find_excessive_types(known);
+    if (excessive.too_many_general) {
       fault(given,
             fmt::format("There are more than {} general object types.", most_general_object_types));
     }
-    for (const std::string& name : overgrown.names) {
+    for (const std::string& name : excessive.names) {
       fault(given.isMember(name) ? given[name] : given,
             fmt::format("Object type \"{}\" stands for more than {} types.", shortened(name),
                         most_types_of_a_general_one));
@@ -385,7 +385,7 @@ class Inventory_Reader {
   const Inventory_References& stored_;
   Read_Inventory result_;
   Texts_To_Store texts_;
-  std::set<std::uint64_t> seen_ids_;  ///< of the kind being read
+  std::set<std::uint64_t> seen_ids_;  ///< of the kind of record that is being read
   std::set<std::uint64_t> camera_ids_;
   std::set<std::uint64_t> category_ids_;
 };

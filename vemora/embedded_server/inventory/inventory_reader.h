@@ -9,15 +9,15 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// What an inventory document says; when there are faults, it must not be stored.
+/// The content of an inventory document. It must not be stored if it has faults.
 struct Read_Inventory {
   Inventory inventory;
-  std::vector<Document_Fault> faults;  ///< every one, in the order of the document
+  std::vector<Document_Fault> faults;  ///< all of them, in the order of the document
 };
 
-/// Reads a whole inventory document. `stored` is what the database holds already and the document
-/// may refer to. A text that `database` cannot hold is a fault; one that is still to be made, null,
-/// will hold any.
+/// Reads an inventory document. `stored` are the records in the database, to which the document may
+/// refer. A text that `database` cannot store is a fault; null stands for a database that does not
+/// exist yet, and can store any.
 VEMORA_API Read_Inventory read_inventory(const Json_Document& document,
                                          const Inventory_References& stored,
                                          const std::shared_ptr<Database>& database = nullptr);

@@ -3,22 +3,22 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-/// Behind the text that begins at `place`, or behind the end.
-std::size_t end_of_string(std::string_view json, std::size_t place) {
-  for (++place; place < json.size() && json[place] != '"'; ++place) {
-    place += json[place] == '\\' ? 1 : 0;
+/// The offset after the string that begins at `offset`; past the end if the string has no end.
+std::size_t end_of_string(std::string_view json, std::size_t offset) {
+  for (++offset; offset < json.size() && json[offset] != '"'; ++offset) {
+    offset += json[offset] == '\\' ? 1 : 0;
   }
-  return place + 1;
+  return offset + 1;
 }
 
 }  // namespace
 
 bool is_nested_too_deeply(std::string_view json) {
   std::size_t depth = 0;
-  for (std::size_t place = 0; place < json.size();) {
-    const char here = json[place];
+  for (std::size_t offset = 0; offset < json.size();) {
+    const char here = json[offset];
     if (here == '"') {
-      place = end_of_string(json, place);
+      offset = end_of_string(json, offset);
       continue;
     }
     if (here == '{' || here == '[') {
@@ -28,7 +28,7 @@ bool is_nested_too_deeply(std::string_view json) {
     } else if ((here == '}' || here == ']') && depth > 0) {
       --depth;
     }
-    ++place;
+    ++offset;
   }
   return false;
 }

@@ -7,12 +7,12 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// How many objects and arrays of a JSON text may lie in each other around a value: readers of JSON
-/// call themselves for each, and a stack has an end.
+/// How many objects and arrays may be nested in a JSON text. JSON readers call themselves for each
+/// level, and the stack is limited.
 constexpr std::size_t deepest_nesting = 1000;
 
-/// Whether objects and arrays lie deeper in each other than that, as far as the text is JSON at
-/// all. A reader that stops where it is none has gone no deeper.
+/// True if objects and arrays are nested deeper than that. If the text is not valid JSON, a reader
+/// stops at the first error and has gone no deeper than this function looked.
 VEMORA_API bool is_nested_too_deeply(std::string_view json);
 
 }  // namespace kuv::vemora::embedded_server

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -18,33 +18,34 @@ struct Code_Range {
   bool has(char32_t code) const { return first <= code && code <= last; }
 };
 
-/// Control characters, and what Unicode calls format characters or lets no font show.
-constexpr Code_Range unshown[] = {
-    {0x0000, 0x001F},   {0x007F, 0x009F}, {0x00AD, 0x00AD},  // a hyphen that is not there
-    {0x034F, 0x034F},                                        // joins nothing
-    {0x061C, 0x061C},                                        // turns the direction
-    {0x115F, 0x1160},                                        // Hangul that is blank
-    {0x17B4, 0x17B5},                                        // Khmer vowels that nobody writes
-    {0x200B, 0x200B},                                        // a space without width
-    {0x200E, 0x200F},                                        // turn the direction
-    {0x2028, 0x202E},                                        // break the line, turn the direction
-    {0x2060, 0x206F},    // join words, multiply without a sign, turn the direction
-    {0x3164, 0x3164},    // Hangul that is blank
-    {0xFEFF, 0xFEFF},    // a byte order mark amid a text
-    {0xFFA0, 0xFFA0},    // Hangul that is blank
+/// Control characters, format characters, and characters that fonts show as nothing.
+constexpr Code_Range invisible[] = {
+    {0x0000, 0x001F},   {0x007F, 0x009F}, {0x00AD, 0x00AD},  // soft hyphen
+    {0x034F, 0x034F},                                        // combining grapheme joiner
+    {0x061C, 0x061C},                                        // changes the direction
+    {0x115F, 0x1160},                                        // Hangul fillers
+    {0x17B4, 0x17B5},                                        // Khmer vowels that are not shown
+    {0x200B, 0x200B},                                        // zero-width space
+    {0x200E, 0x200F},                                        // change the direction
+    {0x2028, 0x202E},                                        // break the line, change the direction
+    {0x2060, 0x206F},    // word joiner, invisible operators, directions
+    {0x3164, 0x3164},    // Hangul fillers
+    {0xFEFF, 0xFEFF},    // a byte order mark within a text
+    {0xFFA0, 0xFFA0},    // Hangul fillers
     {0xFFF0, 0xFFFB},    // annotations
-    {0x1BCA0, 0x1BCA3},  // of shorthand
-    {0x1D173, 0x1D17A},  // of music
-    {0xE0000, 0xE00FF},  // tags: a whole alphabet that nobody sees
-    {0xE01F0, 0xE0FFF},  // kept free for more of them
+    {0x1BCA0, 0x1BCA3},  // shorthand controls
+    {0x1D173, 0x1D17A},  // musical controls
+    {0xE0000, 0xE00FF},  // tags: an invisible alphabet
+    {0xE01F0, 0xE0FFF},  // reserved for more of them
 };
 
-constexpr Code_Range selectors[] = {
-    {0x180B, 0x180F}, {0xFE00, 0xFE0F}, {0xE0100, 0xE01EF}};  // which form of the letter before
+constexpr Code_Range selectors[] = {{0x180B, 0x180F},
+                                    {0xFE00, 0xFE0F},
+                                    {0xE0100, 0xE01EF}};  // choose the form of the character before
 
-constexpr Code_Range joiners{0x200C, 0x200D};  // whether the letters on both sides join
+constexpr Code_Range joiners{0x200C, 0x200D};  // whether the characters on both sides join
 
-/// The scripts that know joiners and selectors begin here.
+/// The first character of the scripts that use joiners and selectors.
 constexpr char32_t first_joining = 0x0600;
 
 template <class Ranges>
@@ -53,10 +54,10 @@ bool is_one_of(const Ranges& ranges, char32_t code) {
                      [code](const Code_Range& range) { return range.has(code); });
 }
 
-char32_t code_of(std::string_view letter) {
-  const auto lead = static_cast<unsigned char>(letter.front());
-  char32_t code = letter.size() == 1 ? lead : lead & (0x7FU >> letter.size());
-  for (const char byte : letter.substr(1)) {
+char32_t code_of(std::string_view character) {
+  const auto lead = static_cast<unsigned char>(character.front());
+  char32_t code = character.size() == 1 ? lead : lead & (0x7FU >> character.size());
+  for (const char byte : character.substr(1)) {
     code = code * 64 + (static_cast<unsigned char>(byte) & 0x3FU);
   }
   return code;
@@ -70,8 +71,8 @@ std::string spelled_out(char32_t code) {
   return number > 0xFFFF ? fmt::format("\\U{:08x}", number) : fmt::format("\\u{:04x}", number);
 }
 
-/// Tells letter by letter what can be shown.
-class Showing {
+/// Decides, character by character, what can be shown.
+class Visibility {
  public:
   bool shows(char32_t code) {
     const Before before = before_;
@@ -83,7 +84,7 @@ class Showing {
       before_ = Before::other;
       return before != Before::other;
     }
-    const bool shown = !is_one_of(unshown, code);
+    const bool shown = !is_one_of(invisible, code);
     before_ = shown && code >= first_joining ? Before::joining : Before::other;
     return shown;
   }
@@ -91,10 +92,10 @@ class Showing {
   void pass_stray_byte() { before_ = Before::other; }
 
  private:
-  /// What stands before the letter that is asked for.
+  /// What comes before the next character.
   enum class Before {
-    joining,   ///< a letter that a joiner or a selector may follow
-    selected,  ///< such a letter and its selector
+    joining,   ///< a character that a joiner or a selector may follow
+    selected,  ///< such a character and its selector
     other,
   };
 
@@ -106,20 +107,20 @@ class Showing {
 std::string printable(std::string_view text) {
   std::string all;
   all.reserve(text.size());
-  Showing showing;
+  Visibility visibility;
   std::size_t size = 0;
-  for (std::size_t place = 0; place < text.size(); place += size) {
-    size = letter_size(text, place);
+  for (std::size_t offset = 0; offset < text.size(); offset += size) {
+    size = character_size(text, offset);
     if (size == 0) {
       size = 1;
-      showing.pass_stray_byte();
-      all += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[place]));
+      visibility.pass_stray_byte();
+      all += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[offset]));
       continue;
     }
-    const std::string_view letter = text.substr(place, size);
-    const char32_t code = code_of(letter);
-    if (showing.shows(code)) {
-      all += letter;
+    const std::string_view character = text.substr(offset, size);
+    const char32_t code = code_of(character);
+    if (visibility.shows(code)) {
+      all += character;
     } else {
       all += spelled_out(code);
     }

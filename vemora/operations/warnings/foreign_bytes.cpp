@@ -8,13 +8,13 @@
 #include <iterator>
 #include <string_view>
 
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::operations {
 namespace {
 
+using embedded_server::character_size;
 using embedded_server::Json_Document;
-using embedded_server::letter_size;
 
 /// Where the next byte is that is not ASCII, eight at a time: hardly any document has one.
 std::size_t skip_ascii(std::string_view text, std::size_t place) {
@@ -36,7 +36,7 @@ std::size_t skip_ascii(std::string_view text, std::size_t place) {
 bool has_foreign_bytes(std::string_view text) {
   for (std::size_t place = skip_ascii(text, 0); place < text.size();
        place = skip_ascii(text, place)) {
-    const std::size_t size = letter_size(text, place);
+    const std::size_t size = character_size(text, place);
     if (size == 0) {
       return true;
     }
@@ -61,7 +61,7 @@ void find_texts(std::string_view document, Tell tell) {
     } else if (letter == '\\') {
       place += 2;
     } else {
-      const std::size_t size = letter_size(document, place);
+      const std::size_t size = character_size(document, place);
       if (size == 0 && in_text && !is_told) {
         tell(begin, static_cast<unsigned char>(letter));
         is_told = true;

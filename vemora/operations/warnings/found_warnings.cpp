@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::operations {
 namespace {
@@ -52,8 +52,8 @@ std::vector<Document_Warning> Found_Warnings::take() {
   found_.erase(std::unique(found_.begin(), found_.end(), twice), found_.end());
   std::vector<Document_Warning> warnings;
   warnings.reserve(found_.size());
-  embedded_server::Text_Place last_in_config;
-  embedded_server::Text_Place last_in_mapping;
+  embedded_server::Text_Position last_in_config;
+  embedded_server::Text_Position last_in_mapping;
   for (Found& found : found_) {
     warnings.push_back(
         located(std::move(found), found.in_mapping ? last_in_mapping : last_in_config));
@@ -66,7 +66,8 @@ std::tuple<bool, std::size_t> Found_Warnings::place_of(const Found& found) {
   return {found.in_mapping, found.offset};
 }
 
-Document_Warning Found_Warnings::located(Found&& found, embedded_server::Text_Place& last) const {
+Document_Warning Found_Warnings::located(Found&& found,
+                                         embedded_server::Text_Position& last) const {
   const Json_Document& document = found.in_mapping ? documents_.mapping : documents_.config;
   return {std::string(found.code),
           {found.in_mapping ? "mapping" : "config",
@@ -76,7 +77,7 @@ Document_Warning Found_Warnings::located(Found&& found, embedded_server::Text_Pl
 }
 
 std::string in_quotes(std::string_view text) {
-  const std::string_view shown = embedded_server::first_letters(text, most_quoted_letters);
+  const std::string_view shown = embedded_server::first_characters(text, most_quoted_letters);
   std::string result = "\"";
   result += shown;
   result += shown.size() < text.size() ? "...\"" : "\"";

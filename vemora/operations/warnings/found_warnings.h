@@ -51,7 +51,8 @@ class Found_Warnings {
 
   static std::tuple<bool, std::size_t> place_of(const Found& found);
 
-  embedded_server::Document_Warning located(Found&& found, embedded_server::Text_Place& last) const;
+  embedded_server::Document_Warning located(Found&& found,
+                                            embedded_server::Text_Position& last) const;
 
   const embedded_server::Read_Documents& documents_;
   std::vector<Found> found_;

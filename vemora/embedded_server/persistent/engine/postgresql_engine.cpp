@@ -13,7 +13,7 @@
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_connections.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_session.h"
-#include "vemora/embedded_server/texts/letters.h"
+#include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {

@@ -11,8 +11,8 @@
 #include "vemora/embedded_server/persistent/engine/row_writer.h"
 #include "vemora/embedded_server/persistent/index/row_reader.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
+#include "vemora/embedded_server/texts/characters.h"
 #include "vemora/embedded_server/texts/json_nesting.h"
-#include "vemora/embedded_server/texts/letters.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
