@@ -31,15 +31,15 @@ TEST_F(PostgreSQL_Schemas, are_made_where_there_are_none) {
   EXPECT_EQ(open(place.location(), Database::Open_Mode::create_if_absent), "no complaint");
 
   EXPECT_EQ(open(place.location()), "no complaint");
-  EXPECT_EQ(place.foreign_program()->query("SELECT schema_version FROM site"), (Rows{{"1"}}));
+  EXPECT_EQ(place.foreign_program()->query("SELECT schema_version FROM site"), (Rows{{"2"}}));
 }
 
 TEST_F(PostgreSQL_Schemas, of_a_newer_version_are_refused) {
   open(place.location(), Database::Open_Mode::create_if_absent);
-  place.foreign_program()->execute("UPDATE site SET schema_version = 2");
+  place.foreign_program()->execute("UPDATE site SET schema_version = 3");
 
   EXPECT_EQ(open(place.location()),
-            prefixed("it was made by a newer version of this program (schema 2, known up to 1)"));
+            prefixed("it was made by a newer version of this program (schema 3, known up to 2)"));
 }
 
 TEST_F(PostgreSQL_Schemas, of_other_programs_are_refused_and_left_alone) {

@@ -24,7 +24,8 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
 
   /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH", or
   /// "postgresql://USER@HOST:PORT/DATABASE?schema=NAME". `lock_wait` bounds every wait for another
-  /// process. Throws Database_Error.
+  /// process. The tables of an older version stay as they are until something is to be written:
+  /// then they are brought up to date first. Throws Database_Error.
   static std::shared_ptr<Database> open(
       const std::string& location, Open_Mode mode = Open_Mode::existing,
       std::chrono::milliseconds lock_wait = std::chrono::seconds(30));
@@ -34,7 +35,12 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   Database& operator=(const Database&) = delete;
 
   /// Whether there is something to work on. Without it, only unstorable_texts() may be asked.
-  bool holds_site() const { return holds_site_; }
+  bool holds_site() const { return schema_version_ != 0; }
+
+  /// The version of its tables as it was last seen; 0 where there is no site. Those of an older
+  /// version than this library's are read as they are.
+  std::int32_t schema_version() const noexcept { return schema_version_; }
+  void note_schema_version(std::int32_t version) noexcept { schema_version_ = version; }
 
   /// The server that the database belongs to: the first one whose pass stored something, records or
   /// documents. Nothing before that; an inventory and single operations belong to nobody.
@@ -52,10 +58,10 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   Engine& engine() { return *engine_; }
 
  private:
-  Database(std::unique_ptr<Engine> engine, bool holds_site);
+  Database(std::unique_ptr<Engine> engine, std::int32_t schema_version);
 
   std::unique_ptr<Engine> engine_;
-  bool holds_site_;
+  std::atomic<std::int32_t> schema_version_;
   std::atomic<Kept> kept_ = Kept::nothing;
 };
 

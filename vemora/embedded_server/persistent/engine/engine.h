@@ -79,6 +79,6 @@ class Engine {
 };
 
 /// The version of the schema that this library reads and writes.
-inline constexpr std::int32_t current_schema_version = 1;
+inline constexpr std::int32_t current_schema_version = 2;
 
 }  // namespace kuv::vemora::embedded_server

@@ -10,11 +10,11 @@
 #include <odb/sqlite/exceptions.hxx>
 #include <odb/sqlite/transaction.hxx>
 
-#include "sqlite_schema.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_connections.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_locks.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_schema_steps.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_session.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_statements.h"
 
@@ -97,15 +97,7 @@ void SQLite_Engine::migrate(Session&) {
   const std::int32_t present = schema_version().value_or(0);
   SQLite_Session session(odb::sqlite::connection_ptr(database_->connection()), lock_wait_);
   odb::transaction transaction(session.begin_immediately());
-  for (std::size_t version = static_cast<std::size_t>(present); version < sqlite_schema.size();
-       ++version) {
-    run_script(current_handle(), sqlite_schema[version]);
-  }
-  if (present == 0) {
-    database_->execute(fmt::format("PRAGMA application_id={}", sqlite_application_id));
-    database_->execute("INSERT INTO site (id, schema_version) VALUES (1, 0)");
-  }
-  database_->execute(fmt::format("UPDATE site SET schema_version={}", current_schema_version));
+  run_schema_steps(current_handle(), present);
   session.commit(transaction);
 }
 

@@ -7,6 +7,7 @@
 
 #include "vemora/embedded_server/persistent/engine/file_traits.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_files.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_schema_steps.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_site.h"
 
 namespace kuv::vemora::embedded_server {
@@ -91,7 +92,7 @@ void Read_Backup::read(const std::string& file, const std::string& database,
   }
   const std::int32_t version = require_site(site_, server_id);
   require_whole(site_);
-  bring_up_to_date(site_, version);
+  run_schema_steps(site_.get(), version);
 }
 
 }  // namespace kuv::vemora::embedded_server

@@ -6,9 +6,10 @@
 #include <set>
 #include <vector>
 
-#include "sqlite_schema.h"
-#include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/engine/bring_up_to_date.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_files.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_schema_steps.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_statements.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -18,18 +19,14 @@ std::set<std::string> columns_in(SQLite_Handle& file) {
   file.for_each(
       "SELECT m.name || '.' || c.name FROM sqlite_master m, pragma_table_info(m.name) c "
       "WHERE m.type = 'table'",
-      [&columns](sqlite3_stmt* row) {
-        columns.insert(reinterpret_cast<const char*>(sqlite3_column_text(row, 0)));
-      });
+      [&columns](sqlite3_stmt* row) { columns.insert(text_in(row, 0)); });
   return columns;
 }
 
 /// The columns that a site of that version has.
 std::set<std::string> columns_of_version(std::int32_t version) {
   SQLite_Handle model(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-  for (std::int32_t step = 0; step < version; ++step) {
-    model.run(sqlite_schema[static_cast<std::size_t>(step)]);
-  }
+  make_tables_of_version(model, version);
   return columns_in(model);
 }
 
@@ -45,14 +42,7 @@ std::int32_t require_site(SQLite_Handle& file, std::uint64_t server_id) {
   }
   const auto version =
       static_cast<std::int32_t>(file.number("SELECT schema_version FROM site WHERE id = 1"));
-  if (version > current_schema_version) {
-    throw Database_Error(
-        fmt::format("it was made by a newer version of this program (schema {}, known up to {})",
-                    version, current_schema_version));
-  }
-  if (version < 1) {
-    throw Database_Error("it does not say which version made it");
-  }
+  require_known_version(version);
   file.for_each("SELECT server_id FROM site WHERE server_id IS NOT NULL",
                 [server_id](sqlite3_stmt* row) {
                   const auto owner = static_cast<std::uint64_t>(sqlite3_column_int64(row, 0));
@@ -77,13 +67,6 @@ void require_whole(SQLite_Handle& file) {
       throw Database_Error(fmt::format("it is damaged: {} is missing", column));
     }
   }
-}
-
-void bring_up_to_date(SQLite_Handle& file, std::int32_t version) {
-  for (std::int32_t step = version; step < current_schema_version; ++step) {
-    file.run(sqlite_schema[static_cast<std::size_t>(step)]);
-  }
-  file.run(fmt::format("UPDATE site SET schema_version={}", current_schema_version));
 }
 
 Site_Counts counts_in(SQLite_Handle& file) {

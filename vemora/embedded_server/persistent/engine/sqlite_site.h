@@ -20,9 +20,6 @@ std::int32_t require_site(SQLite_Handle& file, std::uint64_t server_id);
 /// Looks all of it through: pages, rows, and whether no table of ours is missing.
 void require_whole(SQLite_Handle& file);
 
-/// Brings the schema from that version up to this library's.
-void bring_up_to_date(SQLite_Handle& file, std::int32_t version);
-
 Site_Counts counts_in(SQLite_Handle& file);
 
 }  // namespace kuv::vemora::embedded_server

@@ -1,5 +1,8 @@
 #include "vemora/embedded_server/persistent/engine/sqlite_statements.h"
 
+#include <memory>
+#include <new>
+
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_locks.h"
@@ -25,6 +28,30 @@ std::int64_t query_number(sqlite3* handle, const char* sql) {
     throw_fault(handle);
   }
   return number;
+}
+
+void query_rows(sqlite3* handle, const char* sql,
+                const std::function<void(sqlite3_stmt*)>& action) {
+  sqlite3_stmt* prepared = nullptr;
+  int state = sqlite3_prepare_v2(handle, sql, -1, &prepared, nullptr);
+  const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> owner(prepared,
+                                                                         &sqlite3_finalize);
+  if (state == SQLITE_OK) {
+    while ((state = sqlite3_step(prepared)) == SQLITE_ROW) {
+      action(prepared);
+    }
+  }
+  if (state != SQLITE_DONE) {
+    throw_fault(handle);
+  }
+}
+
+std::string text_in(sqlite3_stmt* row, int column) {
+  const auto* const bytes = sqlite3_column_text(row, column);
+  if (bytes == nullptr) {
+    throw std::bad_alloc();
+  }
+  return reinterpret_cast<const char*>(bytes);
 }
 
 void run_script(sqlite3* handle, const char* script) {

@@ -6,6 +6,7 @@
 #include <odb/exception.hxx>
 #include <stdexcept>
 
+#include "vemora/embedded_server/persistent/engine/bring_up_to_date.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
 #include "vemora/embedded_server/persistent/pass/verify_index.h"
 #include "vemora/embedded_server/persistent/pass/write_changes.h"
@@ -45,6 +46,10 @@ void Pass::open_session() {
     session_ = engine().open_session(purpose_ == Purpose::single_read
                                          ? Engine::Session::Access::shared
                                          : Engine::Session::Access::exclusive);
+    if (may_write() && database_->schema_version() < current_schema_version) {
+      bring_up_to_date(engine(), *session_);
+      database_->note_schema_version(current_schema_version);
+    }
   } catch (const std::exception& fault) {
     throw Database_Error(
         fmt::format("database {}: {}", engine().location(), engine().describe(fault)));

@@ -96,6 +96,10 @@ class Pass {
   odb::database& odb();
 
  private:
+  bool may_write() const {
+    return purpose_ != Purpose::single_read && mode_ == Pass_Scope::Mode::commit;
+  }
+
   void open_session();
   void begin_if_necessary();
   void store_changes(Site_Index& site);

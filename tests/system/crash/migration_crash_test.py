@@ -1,0 +1,80 @@
+"""Kills `vemora-triggers` at every call by which it writes or syncs a file while it brings an older site up to date.
+
+Each time the tables are those of the older version or those of today, whole, with every row as it was; and
+repeating the command ends as an undisturbed run does.
+"""
+
+import os
+import shutil
+import signal
+import sqlite3
+import tempfile
+import unittest
+
+from crash_test import KILLER, Site
+
+OLDER_SITES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tool", "older_sites")
+
+
+class Migrations(unittest.TestCase):
+    def setUp(self):
+        top = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, top)
+        self.copies = iter(os.path.join(top, f"copy{n}") for n in range(1000000))
+        os.mkdir(os.path.join(top, "template"))
+        self.template = Site(os.path.join(top, "template"))
+        self.template.write("nothing.json", {"cameras": []})
+        shutil.copy(os.path.join(OLDER_SITES, "1.0.0", "site.sqlite"), self.template.database)
+
+    @staticmethod
+    def state(site):
+        """The version, the schema and every row of a whole database; the version by itself."""
+        connection = sqlite3.connect(site.database)
+        try:
+            check = connection.execute("PRAGMA integrity_check").fetchall()
+            if check != [("ok",)]:
+                raise AssertionError(f"integrity check: {check[:5]}")
+            [(version,)] = connection.execute("SELECT schema_version FROM site")
+            schema = sorted(connection.execute("SELECT type, name, tbl_name, sql FROM sqlite_master"), key=repr)
+            rows = {name: sorted(connection.execute(f"SELECT * FROM {name}"), key=repr)
+                    for kind, name, _, _ in schema if kind == "table"}
+            return version, schema, rows
+        finally:
+            connection.close()
+
+    def command(self, site):
+        return "init", os.path.join(site.folder, "nothing.json")
+
+    def test_killed_at_every_call(self):
+        before = self.state(self.template)
+        undisturbed = self.template.copy_to(next(self.copies))
+        undisturbed.run(*self.command(undisturbed))
+        after = self.state(undisturbed)
+        self.assertEqual((before[0], after[0]), (1, 2))
+        self.assertEqual({**before[2], "site": None}, {**after[2], "site": None})
+
+        counted = self.template.copy_to(next(self.copies))
+        count_file = os.path.join(counted.folder, "count")
+        self.assertEqual(counted.start(*self.command(counted), LD_PRELOAD=KILLER, COUNT_CALLS_IN=count_file).wait(), 0)
+        with open(count_file, encoding="ascii") as file:
+            calls = int(file.read())
+        self.assertGreater(calls, 10)
+
+        found = {1: 0, 2: 0}
+        for number in range(1, calls + 1):
+            site = self.template.copy_to(next(self.copies))
+            run = site.start(*self.command(site), LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
+            self.assertEqual(run.wait(), -signal.SIGKILL, f"call {number} of {calls}")
+            with self.subTest(call=number):
+                state = self.state(site)
+                self.assertIn(state, (before, after))
+                found[state[0]] += 1
+                site.run(*self.command(site))
+                self.assertEqual(self.state(site), after)
+            shutil.rmtree(site.folder)
+        print(f"{calls} calls: version 1 {found[1]} times, version 2 {found[2]} times")
+        self.assertGreater(min(found.values()), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()

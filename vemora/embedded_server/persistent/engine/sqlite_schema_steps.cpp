@@ -1,0 +1,102 @@
+#include "vemora/embedded_server/persistent/engine/sqlite_schema_steps.h"
+
+#include <fmt/format.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "sqlite_schema.h"
+#include "vemora/embedded_server/persistent/engine/broken_rule.h"
+#include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_files.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_statements.h"
+
+namespace kuv::vemora::embedded_server {
+namespace {
+
+static_assert(sqlite_schema.size() == current_schema_version);
+
+/// What hangs on tables and goes with them: by name, the statements that make it.
+using Attachments = std::map<std::string, std::string>;
+
+constexpr const char* attachments =
+    "SELECT name, sql FROM sqlite_master WHERE type IN ('index', 'trigger') AND sql IS NOT NULL";
+
+Attachments attachments_in(sqlite3* handle) {
+  Attachments found;
+  query_rows(handle, attachments,
+             [&found](sqlite3_stmt* row) { found.emplace(text_in(row, 0), text_in(row, 1)); });
+  return found;
+}
+
+/// Those of other programs, in a site of that version.
+Attachments others_in(sqlite3* handle, std::int32_t version) {
+  SQLite_Handle model(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  make_tables_of_version(model, version);
+  Attachments others = attachments_in(handle);
+  for (const auto& [name, statement] : attachments_in(model.get())) {
+    others.erase(name);
+  }
+  return others;
+}
+
+/// As long as it lives, a table that is renamed leaves triggers and views as they are written: they
+/// mean the new table that has the name from then on.
+class Renaming_Leaves_References {
+ public:
+  explicit Renaming_Leaves_References(sqlite3* handle) : handle_(handle) { set(1); }
+  ~Renaming_Leaves_References() { set(0); }
+  Renaming_Leaves_References(const Renaming_Leaves_References&) = delete;
+  Renaming_Leaves_References& operator=(const Renaming_Leaves_References&) = delete;
+
+ private:
+  void set(int on) { sqlite3_db_config(handle_, SQLITE_DBCONFIG_LEGACY_ALTER_TABLE, on, nullptr); }
+
+  sqlite3* handle_;
+};
+
+void run_step(sqlite3* handle, const char* step) {
+  constexpr std::string_view refusal = "CHECK constraint failed: ";
+  try {
+    run_script(handle, step);
+  } catch (const Database_Error& fault) {
+    const std::string_view words = fault.what();
+    if (sqlite3_extended_errcode(handle) == SQLITE_CONSTRAINT_CHECK &&
+        words.substr(0, refusal.size()) == refusal) {
+      throw Broken_Rule(step, words.substr(refusal.size()));
+    }
+    throw;
+  }
+}
+
+}  // namespace
+
+void make_tables_of_version(SQLite_Handle& empty, std::int32_t version) {
+  for (std::int32_t step = 0; step < version; ++step) {
+    empty.run(sqlite_schema[static_cast<std::size_t>(step)]);
+  }
+}
+
+void run_schema_steps(sqlite3* handle, std::int32_t present) {
+  const Attachments others = others_in(handle, present);
+  const Renaming_Leaves_References guard(handle);
+  for (auto step = static_cast<std::size_t>(present); step < sqlite_schema.size(); ++step) {
+    run_step(handle, sqlite_schema[step]);
+  }
+  const Attachments left = attachments_in(handle);
+  for (const auto& [name, statement] : others) {
+    if (left.count(name) == 0) {
+      run_script(handle, statement.c_str());
+    }
+  }
+  if (present == 0) {
+    run_script(handle, fmt::format("PRAGMA application_id={}", sqlite_application_id).c_str());
+  }
+  run_script(handle, fmt::format("INSERT INTO site (id, schema_version) VALUES (1, {0}) "
+                                 "ON CONFLICT DO UPDATE SET schema_version = {0}",
+                                 current_schema_version)
+                         .c_str());
+}
+
+}  // namespace kuv::vemora::embedded_server
