@@ -118,6 +118,21 @@ void add_copies(CLI::App& app, Invocation& call) {
       [&call] { call.command = [&call] { return restore(call.options, call.file); }; });
 }
 
+void add_questions(CLI::App& app, Invocation& call) {
+  CLI::App* const explained = app.add_subcommand(
+      "explain", "Explain why a trigger is or is not active, and where it listens; writes nothing");
+  explained->add_option("TRIGGER_ID", call.trigger_id, "The trigger")
+      ->required()
+      ->type_name(" ")
+      ->check(CLI::Validator(decimal_id, ""));
+  explained->add_option("--camera", call.camera_id, "Only at this camera")
+      ->type_name("ID")
+      ->check(CLI::Validator(decimal_id, ""));
+  explained->callback([&call] {
+    call.command = [&call] { return explain(call.options, call.trigger_id, call.camera_id); };
+  });
+}
+
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
@@ -160,6 +175,7 @@ void add_commands(CLI::App& app, Invocation& call) {
       ->check(one_of({"triggers", "subscriptions", "detection", "cameras", "config", "mapping"}));
   shown->callback([&call] { call.command = [&call] { return show(call.options, call.what); }; });
 
+  add_questions(app, call);
   add_copies(app, call);
 
   for (CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {

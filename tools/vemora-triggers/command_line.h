@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "tools/vemora-triggers/invocation/exit_status.h"
@@ -22,6 +24,8 @@ struct Invocation {
   std::string mapping_path;
   std::string what;
   std::string file;
+  std::uint64_t trigger_id = 0;
+  std::optional<std::uint64_t> camera_id;
   std::function<Exit_Status()> command;
   bool runs_pass = false;  ///< true if the command runs a pass, and prints the outcome of one
 };

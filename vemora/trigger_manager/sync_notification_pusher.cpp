@@ -2,6 +2,7 @@
 #include <map>
 #include <vector>
 
+#include "vemora/trigger_manager/search_items.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -28,16 +29,6 @@ void add_topics(std::map<std::uint64_t, std::vector<Delivery>>& deliveries_by_tr
           ->second.insert(*delivery.topic);
     }
   }
-}
-
-std::set<Object_Search_Item> search_items(const trigger& record) {
-  std::set<Object_Search_Item> items;
-  for (const Trigger_Source& source : record.sources) {
-    if (source.type == Trigger_Source_Type::object_detection && source.search_item) {
-      items.insert(*source.search_item);
-    }
-  }
-  return items;
 }
 
 }  // namespace

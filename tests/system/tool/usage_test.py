@@ -81,6 +81,7 @@ Commands:
   apply                       Run a pass on a configuration and a mapping, and store them
   refresh                     Run a pass on the stored documents
   show                        Show what is stored
+  explain                     Explain why a trigger is or is not active, and where it listens; writes nothing
   backup                      Copy the site into one file
   restore                     Replace the site with that of a backup
 """
@@ -120,6 +121,14 @@ Positionals:
 """,
 }
 
+HELP_OF_COMMANDS["explain"] = """\
+Explain why a trigger is or is not active, and where it listens; writes nothing
+Usage: vemora-triggers explain [OPTIONS] TRIGGER_ID
+
+Positionals:
+  TRIGGER_ID   REQUIRED       The trigger
+"""
+OWN_OPTIONS = {"explain": "  --camera ID                 Only at this camera\n"}
 HELP_OF_COMMANDS["backup"] = """\
 Copy the site into one file
 Usage: vemora-triggers backup [OPTIONS] FILE
@@ -162,8 +171,8 @@ class Help(Site):
     def test_each_command_names_its_documents(self):
         for command, text in HELP_OF_COMMANDS.items():
             with self.subTest(command):
-                strictness = STRICTNESS if command in ("check", "apply", "refresh") else ""
-                self.assert_text(text + OPTIONS_OF_COMMANDS + strictness + STATUSES, command, "--help")
+                own = STRICTNESS if command in ("check", "apply", "refresh") else OWN_OPTIONS.get(command, "")
+                self.assert_text(text + OPTIONS_OF_COMMANDS + own + STATUSES, command, "--help")
 
     def test_the_version_is_told(self):
         outcome = self.run_tool("--version")

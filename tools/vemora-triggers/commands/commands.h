@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tools/vemora-triggers/invocation/exit_status.h"
@@ -20,6 +22,10 @@ Exit_Status apply(const Options& options, const std::string& config_path,
 
 Exit_Status refresh(const Options& options);
 Exit_Status show(const Options& options, const std::string& what);
+
+/// Wrong usage if the site does not have the camera.
+Exit_Status explain(const Options& options, std::uint64_t trigger_id,
+                    std::optional<std::uint64_t> camera_id);
 
 /// Wrong usage if the database is not a file.
 Exit_Status backup(const Options& options, const std::string& file);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kuv::vemora::operations {
+
+/// Why something is as it is.
+struct Reason {
+  std::string code;  ///< for programs: "camera-filter"
+  std::string text;  ///< for people: one sentence
+};
+
+using Reasons = std::vector<Reason>;
+
+}  // namespace kuv::vemora::operations

@@ -1,0 +1,71 @@
+#include "vemora/operations/site/site_view.h"
+
+#include <fmt/format.h>
+
+#include <limits>
+#include <utility>
+
+#include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/persistent/inventory.h"
+#include "vemora/embedded_server/persistent/site_reader.h"
+#include "vemora/trigger_manager/search_items.h"
+
+namespace kuv::vemora::operations {
+namespace {
+
+using embedded_server::Database_Error;
+using embedded_server::Json_Document;
+
+Json_Document stored_document(const std::optional<std::string>& text, const char* name) {
+  try {
+    // However many values it has: whoever let it in allowed them.
+    Json_Document document(text.value_or("{}"), std::numeric_limits<std::size_t>::max());
+    if (document.value().isObject()) {
+      return document;
+    }
+  } catch (const embedded_server::Document_Error&) {  // NOLINT(bugprone-empty-catch): told below
+  }
+  throw Database_Error(
+      fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
+}
+
+}  // namespace
+
+Site_View::Site_View(const std::shared_ptr<embedded_server::Database>& database,
+                     std::uint64_t server_id)
+    : database_(database),
+      server_id_(server_id),
+      scope_(database, server_id, embedded_server::Pass_Scope::Mode::read_only),
+      repository_(make_repository(database)),
+      resolver_(std::make_shared<embedded_server::Inventory_Meta_Type_Resolver>()),
+      config_(stored_document(scope_.documents().config, "configuration")),
+      mapping_(stored_document(scope_.documents().mapping, "mapping")) {
+  read_site();
+  // Last: from then on the site shows the refreshed records.
+  pass_ = run_unstored_pass(database_, server_id_, config_.value(), mapping_.value());
+  triggers_ = judged_triggers({config_, mapping_, pass_->schedules, pass_->triggers, true, false},
+                              here_.tags);
+}
+
+void Site_View::read_site() {
+  resolver_->learn(load_object_types(database_));
+  if (const std::shared_ptr<server> record = repository_->servers().get_by_id(server_id_)) {
+    here_ = *record;
+  }
+  for (const std::shared_ptr<camera>& record : embedded_server::read_cameras(database_)) {
+    cameras_.emplace_hint(cameras_.end(), record->id, record);
+  }
+  Metadata_Event_Subscription_Repository::Get_Matching_Subscriptions_Params generic;
+  generic.kind = decltype(generic)::Kind::generic;
+  for (const auto& record :
+       repository_->metadata_event_subscriptions().Get_Matching_Subscriptions(generic)) {
+    subscriptions_[record->id] = {record->name, record->tags};
+  }
+  stored_ = read_site_records(database_);
+}
+
+std::set<Object_Search_Item> Site_View::objects_of(const trigger& record) const {
+  return expand_search_items(search_items(record), *resolver_);
+}
+
+}  // namespace kuv::vemora::operations
