@@ -64,7 +64,7 @@ class Damaged_Files(Database_Site):
 
 
 class Unusable_Databases(Database_Site):
-    NO_TABLE = "no such table: camera_tag|relation \"camera_tag\" does not exist"
+    NO_TABLE = "no such table: eta_camera|relation \"eta_camera\" does not exist"
 
     def setUp(self):
         super().setUp()
@@ -89,9 +89,9 @@ class Unusable_Databases(Database_Site):
 
     def fault_amid_a_pass(self):
         """Runs a pass that writes a trigger and fails on a table then; answers what it said."""
-        self.sql("ALTER TABLE camera_tag RENAME TO elsewhere")
+        self.sql("ALTER TABLE eta_camera RENAME TO elsewhere")
         outcome = self.run_tool("--json", "apply", self.other)
-        self.sql("ALTER TABLE elsewhere RENAME TO camera_tag")
+        self.sql("ALTER TABLE elsewhere RENAME TO eta_camera")
         self.assertEqual((outcome.status, outcome.err), (FAILED, b""))
         self.assertIsNone(outcome.json["state"])
         [error] = outcome.json["errors"]
@@ -156,6 +156,9 @@ class Corrupt_Records(Database_Site):
         outcome = self.run_tool("apply", "new.json")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (FAILED, b"", f"""\
 error: Failed to update trigger config: bad optional access
+stored mapping:1:57: warning: The configuration has no trigger 7; take it out of the list. (trigger 7)
+    {{"triggerMapping": [{{"scheduleIds": [1], "triggerIds": [7]}}]}}
+                                                            ^
 note: What the pass wrote is committed; the stored documents are still the old ones.
 note: {self.CORRUPT}
 Changed:

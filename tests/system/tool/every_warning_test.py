@@ -2,7 +2,7 @@
 
 import unittest
 
-from tool_site import DONE, REJECTED, Site, small_inventory
+from tool_site import DONE, FAILED, REJECTED, Site, small_inventory
 
 LARGEST = 18446744073709551615
 
@@ -210,6 +210,24 @@ class Every_Warning(Site):
         for command in (["check", *names], ["apply", *names], ["refresh"]):
             self.assertEqual(self.run_tool("--json", *command).json["warnings"], [])
         self.assertEqual([record["triggerIds"] for record in self.show("subscriptions") if record["cameraId"]], [[7], [7]])
+
+    def test_is_not_looked_for_in_what_the_pass_does_not_read(self):
+        self.sql("UPDATE capability_document SET text = ?", "damaged")
+        names, _place = self.documents([triggers(trigger(MOTION, others=', "scheduleIds": [2]'))])
+        for command in (["check", *names], ["apply", *names], ["refresh"]):
+            with self.subTest(command[0]):
+                outcome = self.run_tool("--json", *command)
+                self.assertEqual((outcome.status, [warning["code"] for warning in outcome.json["warnings"]]),
+                                 (DONE, ["schedule-not-usable"]))
+
+    def test_leaves_a_fault_of_the_database_to_the_pass(self):
+        self.sql("UPDATE capability_document SET text = ?", "damaged")
+        names, _place = self.documents([triggers(trigger(MOTION))])
+        for strictness in ([], ["--strict"]):
+            outcome = self.run_tool("--json", "apply", *strictness, *names)
+            self.assertEqual((outcome.status, outcome.json["warnings"]), (FAILED, []))
+            [error] = outcome.json["errors"]
+            self.assertRegex(error["message"], "^Failed to update trigger config: .* capability document of camera 10 is corrupt")
 
 
 if __name__ == "__main__":

@@ -182,7 +182,7 @@ void Trigger_Host::update_config(Pass_Scope& pass, const Given_Documents& docume
   const Json::Value empty(Json::objectValue);
   const auto manager =
       make_manager(before ? before->value() : empty, schedules.isObject() ? schedules : empty,
-                   make_parser(documents, faults, outcome));
+                   make_parser(pass, documents, faults, outcome));
   try {
     Directive_Config_Processing::Result result = manager->update_config(documents.config.value());
     outcome.status = status_of(result);
@@ -200,16 +200,17 @@ Pass_Outcome Trigger_Host::refresh() {
   Kept_Note kept(kept_, pass);
   begin();
   Pass_Outcome outcome;
-  refresh(Given_Documents(pass), outcome);
+  refresh(pass, Given_Documents(pass), outcome);
   finish(pass, {}, outcome);
   kept.note_end(outcome.status);
   return outcome;
 }
 
-void Trigger_Host::refresh(const Given_Documents& documents, Pass_Outcome& outcome) {
+void Trigger_Host::refresh(Pass_Scope& pass, const Given_Documents& documents,
+                           Pass_Outcome& outcome) {
   std::vector<Check_Fault> ignored;
   const auto manager = make_manager(documents.config.value(), documents.mapping().value(),
-                                    make_parser(documents, ignored, outcome));
+                                    make_parser(pass, documents, ignored, outcome));
   try {
     Trigger_Config_State state;
     outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
@@ -252,13 +253,21 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
 }
 
 /// What it is given outlives it.
-std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Given_Documents& documents,
+std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Pass_Scope& pass,
+                                                          const Given_Documents& documents,
                                                           std::vector<Check_Fault>& faults,
                                                           Pass_Outcome& outcome) {
-  const auto judge_parsed = [this, &documents, &outcome](
+  const auto judge_parsed = [this, &pass, &documents, &outcome](
                                 const Trigger_Mapping& schedules,
                                 const std::vector<Trigger_Config>& triggers) {
-    outcome.warnings = judge(documents, schedules, triggers, true, true);
+    try {
+      outcome.warnings = judge(documents, schedules, triggers, true, true);
+    } catch (const Database_Error&) {
+      if (!pass.fault()) {
+        throw;
+      }
+      return;  // the pass fails with it at its next call, and it is no fault of the documents
+    }
     if (warnings_reject_ && !outcome.warnings.empty()) {
       throw Rejected_For_Warnings();
     }

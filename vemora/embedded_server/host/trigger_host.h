@@ -91,12 +91,13 @@ class VEMORA_API Trigger_Host {
                                                        const Json::Value& mapping,
                                                        std::unique_ptr<Trigger_Parser> parser);
   struct Given_Documents;
-  std::unique_ptr<Trigger_Parser> make_parser(const Given_Documents& documents,
+  std::unique_ptr<Trigger_Parser> make_parser(const Pass_Scope& pass,
+                                              const Given_Documents& documents,
                                               std::vector<Check_Fault>& faults,
                                               Pass_Outcome& outcome);
   void update_config(Pass_Scope& pass, const Given_Documents& documents,
                      std::vector<Check_Fault>& faults, Pass_Outcome& outcome);
-  void refresh(const Given_Documents& documents, Pass_Outcome& outcome);
+  void refresh(Pass_Scope& pass, const Given_Documents& documents, Pass_Outcome& outcome);
   std::vector<Document_Warning> judge(const Given_Documents& documents,
                                       const Trigger_Mapping& schedules,
                                       const std::vector<Trigger_Config>& triggers, bool are_valid,

@@ -74,8 +74,10 @@ class Selection_Judge {
   void judge_sources(const Judged_Trigger& trigger, Camera_Selections::Selection& cameras) {
     std::set<std::string> unheard;
     std::set<Trigger_Source_Type> undetected;
+    // A pass reads no capabilities for an inactive trigger, and must not fail over damaged ones.
+    const bool asks_for_topics = is_active(*trigger.config);
     for (const Trigger_Source& source : trigger.config->sources) {
-      if (source.onvif_topic && !cameras.hears(*source.onvif_topic)) {
+      if (source.onvif_topic && asks_for_topics && !cameras.hears(*source.onvif_topic)) {
         unheard.insert(*source.onvif_topic);
       } else if ((source.type == Trigger_Source_Type::object_detection &&
                   !cameras.detects_objects()) ||
