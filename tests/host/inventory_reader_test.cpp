@@ -96,7 +96,7 @@ TEST(Read_Inventories, tells_every_fault_in_the_order_of_the_document) {
  "schedules": {}})"),
               ElementsAre("2:29: Object type \"vehicle\" must be a non-empty array of strings.",
                           "3:44: There is no event category 9.", "3:61: There is no camera 8.",
-                          "3:73: The id 3 is given twice.",
+                          "3:73: The id 3 is given twice, first in line 3, column 27.",
                           "3:77: \"subscriptions\" must be an array of JSON objects.",
                           "4:44: \"objectDetection\" must be true or false.",
                           "4:66: \"motionDetection\" must be true or false.",

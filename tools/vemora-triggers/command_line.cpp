@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tools/vemora-triggers/commands/commands.h"
+#include "vemora/operations/warnings/nearest_name.h"
 
 namespace kuv::vemora::tools {
 namespace {
@@ -59,6 +60,7 @@ void add_global_options(CLI::App& app, Invocation& call) {
   app.add_option("--database", call.options.database,
                  "The database: an SQLite file, or postgresql://USER@HOST/NAME?schema=SCHEMA")
       ->capture_default_str()
+      ->envname("VEMORA_DATABASE")
       ->type_name("FILE")
       ->check(a_path());
   app.add_option("--server-id", call.options.server_id,
@@ -190,14 +192,57 @@ void describe_command_line(CLI::App& app, Invocation& call) {
   add_commands(app, call);
 }
 
+namespace {
+
+/// The command that the line names, or the whole program.
+const CLI::App& innermost(const CLI::App& app) {
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  return commands.empty() ? app : *commands.front();
+}
+
+/// "; did you mean --database?" if a word on the line is like an option that exists.
+std::string option_meant(const CLI::App& app, const std::vector<std::string>& words) {
+  for (const std::string& word : words) {
+    const std::string name = word.substr(0, word.find('='));
+    operations::Nearest_Name nearest(name);
+    std::vector<std::string> known;
+    for (const CLI::App* const place : {&app, &innermost(app)}) {
+      for (const CLI::Option* const option : place->get_options()) {
+        for (const std::string& long_name : option->get_lnames()) {
+          known.push_back("--" + long_name);
+        }
+      }
+    }
+    const bool is_option = name.substr(0, 2) == "--";
+    std::for_each(known.begin(), known.end(), [&](const auto& option) { nearest.offer(option); });
+    if (is_option && !nearest.found().empty()) {
+      return fmt::format("; did you mean {}?", nearest.found());
+    }
+  }
+  return {};
+}
+
+std::string command_meant(const CLI::App& app, const std::string& word) {
+  operations::Nearest_Name nearest(word);
+  const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+  for (const CLI::App* const command : commands) {
+    nearest.offer(command->get_name());
+  }
+  return nearest.found().empty() ? "" : fmt::format("; did you mean {}?", nearest.found());
+}
+
+}  // namespace
+
 std::string complaint_of(const CLI::App& app, const CLI::ParseError& error) {
-  if (!app.get_subcommands().empty()) {
-    return error.what();
+  const bool is_unexpected = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+  const std::string meant = is_unexpected ? option_meant(app, app.remaining(true)) : "";
+  if (!app.get_subcommands().empty() || !meant.empty()) {
+    return error.what() + meant;
   }
   // CLI11 reports a misspelled command as a missing one, and calls it a subcommand.
   const std::vector<std::string> unknown = app.remaining();
   if (!unknown.empty()) {
-    return "Unknown command or option: " + unknown.front();
+    return "Unknown command or option: " + unknown.front() + command_meant(app, unknown.front());
   }
   const bool lacks_command = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
   return lacks_command ? "A command is required" : error.what();

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <initializer_list>
 #include <iostream>
@@ -16,8 +17,10 @@
 #include "tools/vemora-triggers/render/faults.h"
 #include "tools/vemora-triggers/render/out_of_memory.h"
 #include "tools/vemora-triggers/render/pass.h"
+#include "tools/vemora-triggers/render/terminal.h"
 #include "vemora/embedded_server/host/process_heap.h"
 #include "vemora/embedded_server/logging/console.h"
+#include "vemora/embedded_server/persistent/long_wait.h"
 
 namespace kuv::vemora::tools {
 namespace {
@@ -129,10 +132,12 @@ Exit_Status give_up(const Arguments& arguments, Outcome_Output& output) noexcept
 
 /// An outcome that cannot be written is a failure.
 Exit_Status deliver(Outcome_Output& output, Exit_Status status) noexcept {
-  if (output.deliver()) {
+  const int fault = output.deliver();
+  if (fault == 0) {
     return status;
   }
-  std::cerr << "vemora-triggers: cannot write the outcome to standard output\n";
+  std::cerr << "vemora-triggers: cannot write the outcome to standard output: "
+            << strerrordesc_np(fault) << '\n';  // no memory is needed for this text
   if (*stored_note() != '\0') {
     std::cerr << "note: " << stored_note() << '\n';
   }
@@ -155,6 +160,7 @@ Exit_Status run(const Arguments& arguments) noexcept {
 int main(int count, char** arguments) {
   using namespace kuv::vemora::tools;
   occupy_missing_standard_streams();
+  kuv::vemora::embedded_server::on_long_wait(&tell_of_wait);
   kuv::vemora::embedded_server::suit_heap_to_passes();
   for (const int signal : {SIGPIPE, SIGXFSZ}) {
     std::signal(signal, SIG_IGN);  // a failing write is reported like any other failure

@@ -1,11 +1,15 @@
 """Databases that are damaged, busy, corrupt or not there."""
 
 import os
+import pty
 import subprocess
+import time
 import unittest
 
 from tool_site import (DONE, FAILED, Outcome, Site, config, mapping, on_postgresql, on_sqlite, topic_source,
                        trigger)
+
+WAITING = "Another process is at work on the database; waiting for it.\n"
 
 COMMANDS = (["check", "config.json"], ["apply", "config.json"], ["apply", "config.json", "mapping.json"], ["refresh"],
             ["show", "triggers"], ["show", "subscriptions"], ["show", "config"], ["init", "inventory.json"])
@@ -244,6 +248,21 @@ class Busy_Databases(Database_Site):
                                  "gave up after 30000 ms\n"))
         self.assertEqual(self.rows(), before)
         self.assertEqual(self.run_tool("apply", "config.json").status, DONE)
+
+    def test_a_person_is_told_once_that_a_command_waits(self):
+        for command in (["refresh"], ["init", "inventory.json"]):
+            with self.subTest(command):
+                watching, terminal = pty.openpty()
+                with self.behind.locked():
+                    waiting = subprocess.Popen(self.command(*command), cwd=self.folder, stdin=subprocess.DEVNULL,
+                                               stdout=subprocess.PIPE, stderr=terminal)
+                    time.sleep(2.5)
+                out, _ = waiting.communicate(timeout=300)
+                os.close(terminal)
+                said = os.read(watching, 1 << 16).decode().replace("\r\n", "\n")
+                os.close(watching)
+                self.assertEqual((waiting.returncode, said.count(WAITING)), (DONE, 1), said)
+                self.assertNotIn(WAITING.encode(), out)
 
     def test_passes_at_the_same_time_queue_up(self):
         names = [self.write(f"{number}.json", config(trigger(number, topic_source()))) for number in range(8)]

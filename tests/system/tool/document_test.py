@@ -1,5 +1,6 @@
 """check: which documents are refused, with which text and place; documents that cannot be read at all."""
 
+import json
 import os
 import re
 import unittest
@@ -101,6 +102,22 @@ class Checked_Documents(Site):
         self.assertEqual(error["message"], "All \"id\" values must be unique, 7 is duplicated.")
         self.assertEqual((error["index"], error["id"], error["line"]), (1, 7, 3))
 
+    def test_a_duplicate_is_told_with_both_places(self):
+        element = '{"id": 7, "name": "", "tags": {}, "sources": [{"type": "metadata-event"}]}'
+        name = self.write("config.json", '{"triggers": [\n%s,\n%s,\n  %s]}' % ((element,) * 3))
+        [first, second] = re.findall(".*: (?:error|note): .*\n.*: note: .*\n", re.sub(
+            r"^ .*\n", "", self.run_tool("check", name).text, flags=re.MULTILINE))
+        self.assertEqual(first, """\
+config.json:3:8: error: All "id" values must be unique, 7 is duplicated. (trigger 7)
+config.json:2:8: note: The id is first given here.
+""")
+        self.assertEqual(second, """\
+config.json:4:10: error: All "id" values must be unique, 7 is duplicated. (trigger 7)
+config.json:2:8: note: The id is first given here.
+""")
+        applied = self.run_tool("apply", name)
+        self.assertIn("config.json:2:8: note: The id is first given here.\n", applied.text)
+
     def test_a_fault_of_the_properties_has_a_place_and_no_trigger(self):
         [error] = self.errors('{"triggers": [],\n "properties": {\n  "notificationNackDelayMs": "1"}}')
         self.assertEqual(error, {"document": "config", "line": 3, "column": 30, "message":
@@ -170,7 +187,15 @@ config.json:1:5023: error: Missing "triggers" array.
         self.assertEqual(before_warnings(self.run_tool("check", "config.json").text), """\
 config.json:2:28: error: Missing "triggers" array.
      "Tür \\u202e": "門", "triggers": 1}
-                                    ^
+                                     ^
+""")
+
+    def test_the_line_is_quoted_with_its_tabs_and_the_mark_stands_under_the_value(self):
+        self.write("config.json", '{\n\t"first":\t"\u95e8e\u0301",\t"triggers":\t1}')
+        self.assertEqual(before_warnings(self.run_tool("check", "config.json").text), """\
+config.json:2:30: error: Missing "triggers" array.
+    \t"first":\t"\u95e8e\u0301",\t"triggers":\t1}
+    \t        \t      \t           \t^
 """)
 
     def test_people_read_the_line_of_a_document_that_cannot_be_read(self):
@@ -279,6 +304,28 @@ class Unreadable_Documents(Site):
         self.assertIn("directory", self.assert_unreadable("folder")["message"])
         os.rmdir(self.path("folder"))
         self.assert_unreadable("good.json/inside")
+
+    def test_files_in_other_encodings_are_named_as_such(self):
+        text = '{"triggers": []}\n'
+        for name, encodings in {"UTF-16": ("utf-16", "utf-16-le", "utf-16-be"),
+                                "UTF-32": ("utf-32", "utf-32-le", "utf-32-be")}.items():
+            for encoding in encodings:
+                with self.subTest(encoding):
+                    file = self.write("text.json", text.encode(encoding))
+                    error = self.assert_unreadable(file)
+                    self.assertEqual(error["message"], f"The file is {name}; save it as UTF-8.")
+                    self.assertEqual(self.run_tool("check", file).text,
+                                     f"text.json: error: The file is {name}; save it as UTF-8.\n")
+                    self.assert_unreadable(file, "mapping")
+                    self.assert_unreadable(file, "inventory")
+
+    def test_a_document_in_latin_1_is_named_as_such(self):
+        document = config({**trigger(7, object_source()), "name": "T\u00fcr"})
+        name = self.write("text.json", json.dumps(document, ensure_ascii=False).encode("latin-1"))
+        warnings = self.run_tool("--json", "check", name).json["warnings"]
+        self.assertEqual([warning["message"] for warning in warnings if warning["code"] == "not-utf8"], [
+            "This text has bytes that are no UTF-8, the first one 0xFC; the document looks like Latin-1, save it as "
+            "UTF-8."])
 
     @unittest.skipIf(os.geteuid() == 0, "root may read every file")
     def test_files_without_permission_are_rejected(self):

@@ -7,8 +7,9 @@ import unittest
 from tool_site import (CROSSED, DONE, FAILED, MOTION, REJECTED, Site, camera, config, on_postgresql,
                        on_sqlite, small_inventory, topic_source, trigger)
 
-STORED = ("Stored: 1 server, 2 cameras, 2 schedules, 1 event category, 1 generic subscription, "
-          "1 general object type.\n")
+COUNTED = ("1 server, 2 cameras, 2 schedules, 1 event category, 1 generic subscription, "
+           "1 general object type.\n")
+STORED = f"Stored: {COUNTED}The site has: {COUNTED}"
 
 
 class Made_Databases(Site):
@@ -19,12 +20,33 @@ class Made_Databases(Site):
     def test_people_read_what_was_stored(self):
         self.assertEqual(self.run_tool("init", "inventory.json").text, STORED)
 
+    def test_people_read_what_the_site_has_now(self):
+        self.init()
+        partial = self.write("partial.json", {"cameras": [camera(11), camera(12)]})
+        self.assertEqual(self.run_tool("init", partial).text, """\
+Stored: 0 servers, 2 cameras, 0 schedules, 0 event categories, 0 generic subscriptions, 0 general object types.
+The site has: 1 server, 3 cameras, 2 schedules, 1 event category, 1 generic subscription, 1 general object type.
+""")
+        self.apply(config(trigger(7, topic_source(CROSSED))))
+        self.assertEqual(self.run_tool("--json", "init", partial).json["site"], {
+            "servers": 1, "cameras": 3, "schedules": 2, "eventCategories": 1, "subscriptions": 1, "objectTypes": 1})
+
+    def test_an_id_that_is_given_twice_is_told_with_both_places(self):
+        self.write("twice.json", '{"cameras": [{"id": 7},\n {"id": 7}]}')
+        self.assertEqual(self.run_tool("init", "twice.json").text, """\
+twice.json:2:9: error: The id 7 is given twice, first in line 1, column 21.
+     {"id": 7}]}
+            ^
+""")
+
     def test_people_read_numbers_of_records_in_words_that_fit(self):
         self.write("several.json", {
             "servers": [{"id": 1}, {"id": 2}], "cameras": [{"id": 1}], "schedules": [{"id": 1}],
             "eventCategories": [{"id": 1}, {"id": 2}], "objectTypes": {"vehicle": ["car"], "living": ["person"]}})
         self.assertEqual(self.run_tool("init", "several.json").text, (
             "Stored: 2 servers, 1 camera, 1 schedule, 2 event categories, 0 generic subscriptions, "
+            "2 general object types.\n"
+            "The site has: 2 servers, 1 camera, 1 schedule, 2 event categories, 0 generic subscriptions, "
             "2 general object types.\n"))
 
     def test_a_file_may_be_called_one_of_sqlite(self):
@@ -35,8 +57,9 @@ class Made_Databases(Site):
     def test_programs_read_what_was_stored(self):
         outcome = self.run_tool("--json", "init", "inventory.json")
         self.assertEqual((outcome.status, outcome.err), (DONE, b""))
-        self.assertEqual(outcome.json, {"success": True, "records": {
-            "servers": 1, "cameras": 2, "schedules": 2, "eventCategories": 1, "subscriptions": 1, "objectTypes": 1}})
+        counted = {"servers": 1, "cameras": 2, "schedules": 2, "eventCategories": 1, "subscriptions": 1,
+                   "objectTypes": 1}
+        self.assertEqual(outcome.json, {"success": True, "records": counted, "site": counted})
 
     def test_an_inventory_comes_from_standard_input_when_it_is_asked_to(self):
         outcome = self.run_tool("init", "-", given=b'{"cameras": [{"id": 10}]}')

@@ -3,9 +3,14 @@
 import os
 import unittest
 
-from tool_site import DONE, ENGINE, FAILED, REJECTED, Site, config, topic_source, trigger
+from tool_site import DONE, ENGINE, FAILED, REJECTED, Site, camera, config, topic_source, trigger
 
-FULL = b"vemora-triggers: cannot write the outcome to standard output\n"
+def unwritten(reason):
+    return b"vemora-triggers: cannot write the outcome to standard output: " + reason + b"\n"
+
+
+FULL = unwritten(b"No space left on device")
+CLOSED = unwritten(b"Bad file descriptor")
 
 # What is said with it, of what is stored all the same.
 STORED = {"apply": b"note: The pass is done, and all of its changes are stored.\n",
@@ -37,7 +42,7 @@ class Streams(Site):
 class Closed_Streams(Streams):
     def test_standard_output_that_is_closed_is_told_and_what_was_done_is_kept(self):
         outcome = self.run_without([1], "apply", "config.json")
-        self.assertEqual((outcome.status, outcome.err), (FAILED, FULL + STORED["apply"]))
+        self.assertEqual((outcome.status, outcome.err), (FAILED, CLOSED + STORED["apply"]))
         self.assert_sound()
         self.assertEqual([record["id"] for record in self.show("triggers")], [7])
 
@@ -76,13 +81,29 @@ class Full_Streams(Streams):
         with open("/dev/full", "wb") as full:
             self.assertEqual(self.run_tool("--help", stdout=full).status, FAILED)
 
-    def test_a_reader_that_left_does_not_kill_the_pass(self):
+    def run_with_a_reader_that_left(self, *arguments):
         reader, writer = os.pipe()
         os.close(reader)
         with open(writer, "wb") as left:
-            outcome = self.run_tool("apply", "config.json", stdout=left)
-        self.assertEqual((outcome.status, outcome.err), (FAILED, FULL + STORED["apply"]))
+            outcome = self.run_tool(*arguments, stdout=left)
+        return outcome.status, outcome.err
+
+    def test_a_reader_that_left_does_not_kill_the_pass_and_is_no_failure(self):
+        self.assertEqual(self.run_with_a_reader_that_left("apply", "config.json"), (DONE, b""))
         self.assertEqual([record["id"] for record in self.show("triggers")], [7])
+
+    def test_a_reader_that_left_changes_no_exit_status(self):
+        for flags in ([], ["--json"]):
+            self.assertEqual(self.run_with_a_reader_that_left(*flags, "show", "cameras"), (DONE, b""))
+            self.assertEqual(self.run_with_a_reader_that_left(*flags, "check", "missing.json"), (REJECTED, b""))
+        self.assertEqual(self.run_with_a_reader_that_left("--help"), (DONE, b""))
+
+    def test_the_head_of_a_long_list_is_no_failure(self):
+        self.init({"cameras": [camera(number) for number in range(1000, 5000)]})
+        shown = self.run_command(["bash", "-c", 'set -o pipefail; "$@" | head -1', "bash",
+                                  *self.command("show", "cameras")])
+        self.assertEqual((shown.status, shown.err), (DONE, b""))
+        self.assertTrue(shown.text.startswith("ID"))
 
 
 class Endless_Input(Streams):

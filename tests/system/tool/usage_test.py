@@ -1,15 +1,25 @@
 """What the command line understands, and how it answers what it does not."""
 
+import os
 import unittest
 
-from tool_site import DONE, FAILED, LARGEST_ID, WRONG_USAGE, Site, config, mapping
+from tool_site import DONE, FAILED, LARGEST_ID, TOOL, WRONG_USAGE, Site, config, mapping, on_sqlite
 
 WRONG = {
     "no command": ([], "A command is required"),
-    "an unknown command": (["chek", "config.json"], "Unknown command or option: chek"),
+    "an unknown command": (["chek", "config.json"], "Unknown command or option: chek; did you mean check?"),
     "an unknown option": (["refresh", "--force"], "The following argument was not expected: --force"),
     "an unknown option before the command": (["--force", "refresh"],
                                              "The following argument was not expected: --force"),
+    "a misspelt option": (["--databse", "x", "refresh"],
+                          "The following arguments were not expected: x --databse; did you mean --database?"),
+    "a misspelt option behind the command": (["refresh", "--server-di=2"], "The following argument was not expected: "
+                                             "--server-di=2; did you mean --server-id?"),
+    "a misspelt option with a value behind the command": (["refresh", "--databse", "x"], "The following arguments were "
+                                                          "not expected: x --databse; did you mean --database?"),
+    "a misspelt option of a command": (["check", "--strikt", "a"], "The following argument was not expected: --strikt; "
+                                       "did you mean --strict?"),
+    "a misspelt command": (["refesh"], "Unknown command or option: refesh; did you mean refresh?"),
     "two commands": (["refresh", "show"], "The following argument was not expected: show"),
     "no document": (["check"], "CONFIG is required"),
     "no inventory": (["init"], "INVENTORY is required"),
@@ -68,7 +78,8 @@ Usage: vemora-triggers [OPTIONS] COMMAND
 Options:
   -h,--help                   Print this help message and exit
   --version                   Display program version information and exit
-  --database FILE=vemora.db   The database: an SQLite file, or postgresql://USER@HOST/NAME?schema=SCHEMA
+  --database FILE=vemora.db (Env:VEMORA_DATABASE)
+                              The database: an SQLite file, or postgresql://USER@HOST/NAME?schema=SCHEMA
   --server-id ID=1            The id of the server that the database belongs to
   --json                      Print the outcome as one JSON document
   --max-values N=20000000     The maximum number of values in a document; each takes about 100 bytes of memory
@@ -181,6 +192,25 @@ class Help(Site):
 
 
 class Options(Site):
+    def run_with_variable(self, location, *arguments):
+        return self.run_command([TOOL, *arguments], env={**os.environ, "VEMORA_DATABASE": location})
+
+    def test_the_environment_names_the_database_unless_the_option_does(self):
+        self.init()
+        cameras = self.run_tool("show", "cameras").text
+        named = self.run_with_variable(self.database, "show", "cameras")
+        self.assertEqual((named.status, named.err, named.text), (DONE, b"", cameras))
+        absent = self.run_with_variable(self.behind.absent, "show", "cameras")
+        self.assertEqual((absent.status, absent.err.decode()), (FAILED, f"vemora-triggers: {self.behind.absence}\n"))
+        for arguments in (["--database", self.database, "show", "cameras"],
+                          ["show", "cameras", "--database", self.database]):
+            self.assertEqual(self.run_with_variable(self.behind.absent, *arguments).text, cameras)
+
+    @on_sqlite
+    def test_an_empty_variable_names_no_database(self):
+        self.init()
+        self.assertEqual(self.run_with_variable("", "show", "cameras").status, DONE)
+
     def test_options_stand_before_or_behind_the_command(self):
         self.init()
         name = self.write("config.json", config())

@@ -11,12 +11,14 @@
 #include "tools/vemora-triggers/render/json.h"
 #include "vemora/embedded_server/inventory/inventory_reader.h"
 #include "vemora/embedded_server/persistent/inventory.h"
+#include "vemora/embedded_server/persistent/stored_inventory.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
 using embedded_server::Database;
 using embedded_server::Inventory;
+using embedded_server::Inventory_Counts;
 using embedded_server::Read_Inventory;
 
 bool holds_site(const std::shared_ptr<Database>& database) {
@@ -83,33 +85,46 @@ Read_Inventory store(const Options& options, const embedded_server::Json_Documen
   return read;
 }
 
-Json::Value counts(const Inventory& inventory) {
+Inventory_Counts counts_of(const Inventory& inventory) {
+  return {inventory.servers.size(),       inventory.cameras.size(),
+          inventory.schedules.size(),     inventory.categories.size(),
+          inventory.subscriptions.size(), inventory.object_types.size()};
+}
+
+Json::Value to_json(const Inventory_Counts& counts) {
   Json::Value records(Json::objectValue);
-  records["servers"] = Json::UInt64(inventory.servers.size());
-  records["cameras"] = Json::UInt64(inventory.cameras.size());
-  records["schedules"] = Json::UInt64(inventory.schedules.size());
-  records["eventCategories"] = Json::UInt64(inventory.categories.size());
-  records["subscriptions"] = Json::UInt64(inventory.subscriptions.size());
-  records["objectTypes"] = Json::UInt64(inventory.object_types.size());
+  records["servers"] = Json::UInt64(counts.servers);
+  records["cameras"] = Json::UInt64(counts.cameras);
+  records["schedules"] = Json::UInt64(counts.schedules);
+  records["eventCategories"] = Json::UInt64(counts.categories);
+  records["subscriptions"] = Json::UInt64(counts.subscriptions);
+  records["objectTypes"] = Json::UInt64(counts.object_types);
   return records;
 }
 
-void print_stored(const Options& options, const Inventory& inventory) {
+std::string describe(const Inventory_Counts& counts) {
+  const std::array<std::string, 6> records{
+      counted(counts.servers, "server", "servers"),
+      counted(counts.cameras, "camera", "cameras"),
+      counted(counts.schedules, "schedule", "schedules"),
+      counted(counts.categories, "event category", "event categories"),
+      counted(counts.subscriptions, "generic subscription", "generic subscriptions"),
+      counted(counts.object_types, "general object type", "general object types")};
+  return fmt::format("{}", fmt::join(records, ", "));
+}
+
+void print_stored(const Options& options, const Inventory& inventory,
+                  const Inventory_Counts& site) {
   if (options.json) {
     Json::Value answer(Json::objectValue);
     answer["success"] = true;
-    answer["records"] = counts(inventory);
+    answer["records"] = to_json(counts_of(inventory));
+    answer["site"] = to_json(site);
     print_json(answer);
     return;
   }
-  const std::array<std::string, 6> records{
-      counted(inventory.servers.size(), "server", "servers"),
-      counted(inventory.cameras.size(), "camera", "cameras"),
-      counted(inventory.schedules.size(), "schedule", "schedules"),
-      counted(inventory.categories.size(), "event category", "event categories"),
-      counted(inventory.subscriptions.size(), "generic subscription", "generic subscriptions"),
-      counted(inventory.object_types.size(), "general object type", "general object types")};
-  std::cout << fmt::format("Stored: {}.\n", fmt::join(records, ", "));
+  std::cout << fmt::format("Stored: {}.\nThe site has: {}.\n", describe(counts_of(inventory)),
+                           describe(site));
 }
 
 Exit_Status reject(const Options& options, const std::string& inventory_path,
@@ -139,7 +154,7 @@ Exit_Status init(const Options& options, const std::string& inventory_path) {
   if (!read.faults.empty()) {
     return reject(options, inventory_path, document, read);
   }
-  print_stored(options, read.inventory);
+  print_stored(options, read.inventory, embedded_server::count_inventory(database));
   return exit_done;
 }
 

@@ -28,6 +28,42 @@ Fault_List located(
           }};
 }
 
+namespace {
+
+/// The triggers of a configuration; null where there is no list of them.
+const Json::Value& triggers_of(const Json_Document& config) {
+  const Json::Value& root = config.value();
+  return root.isObject() && root["triggers"].isArray() ? root["triggers"]
+                                                       : Json::Value::nullSingleton();
+}
+
+}  // namespace
+
+First_Ids::First_Ids(const Json_Document& config) : config_(config) {
+  std::size_t index = 0;
+  for (const Json::Value& element : triggers_of(config)) {
+    if (element.isObject() && element["id"].isUInt64()) {
+      indices_.try_emplace(element["id"].asUInt64(), index);
+    }
+    ++index;
+  }
+}
+
+std::optional<embedded_server::Location> First_Ids::before(
+    const embedded_server::Check_Fault& fault) const {
+  const auto first = indices_.find(*fault.id);
+  if (first == indices_.end() || first->second >= *fault.index) {
+    return std::nullopt;
+  }
+  const auto id_at = [this](std::size_t index) {
+    return config_.locate(triggers_of(config_)[static_cast<Json::ArrayIndex>(index)]["id"]);
+  };
+  const embedded_server::Location given = id_at(*fault.index);
+  const bool is_about_id =
+      given.line == fault.fault.location.line && given.column == fault.fault.location.column;
+  return is_about_id ? std::make_optional(id_at(first->second)) : std::nullopt;
+}
+
 Trigger_Documents::Trigger_Documents(const Options& options, std::string config_path,
                                      std::string mapping_path)
     : config_path_(std::move(config_path)),
@@ -40,13 +76,20 @@ Trigger_Documents::Trigger_Documents(const Options& options, std::string config_
 
 Located_Fault Trigger_Documents::locate(const embedded_server::Check_Fault& found) const {
   const bool in_config = found.document == "config";
-  return {found.document,
-          in_config ? config_path_ : mapping_path_,
-          found.fault,
-          in_config ? &config_ : mapping(),
-          {},
-          found.index,
-          found.id};
+  Located_Fault located{found.document,
+                        in_config ? config_path_ : mapping_path_,
+                        found.fault,
+                        in_config ? &config_ : mapping(),
+                        {},
+                        found.index,
+                        found.id};
+  if (in_config && found.index && found.id) {
+    if (!first_ids_) {
+      first_ids_.emplace(config_);
+    }
+    located.first = first_ids_->before(found);
+  }
+  return located;
 }
 
 }  // namespace kuv::vemora::tools

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "tools/vemora-triggers/invocation/options.h"
@@ -32,6 +35,19 @@ embedded_server::Json_Document read_input(const Options& options, const std::str
 Fault_List located(const std::vector<embedded_server::Document_Warning>& warnings,
                    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);
 
+/// Where each id of a trigger configuration is given first.
+class First_Ids {
+ public:
+  explicit First_Ids(const embedded_server::Json_Document& config);
+
+  /// Nothing unless the fault is about an id that was given before.
+  std::optional<embedded_server::Location> before(const embedded_server::Check_Fault& fault) const;
+
+ private:
+  const embedded_server::Json_Document& config_;
+  std::unordered_map<std::uint64_t, std::size_t> indices_;  ///< of elements of the triggers, by id
+};
+
 /// The documents that `check` and `apply` are given.
 class Trigger_Documents {
  public:
@@ -43,7 +59,7 @@ class Trigger_Documents {
   /// Null for the stored mapping.
   const embedded_server::Json_Document* mapping() const { return mapping_ ? &*mapping_ : nullptr; }
 
-  /// A fault of these documents with its file and line.
+  /// A fault of these documents with its file and line. To be called by one thread at a time.
   Located_Fault locate(const embedded_server::Check_Fault& found) const;
 
  private:
@@ -51,6 +67,7 @@ class Trigger_Documents {
   std::string mapping_path_;
   embedded_server::Json_Document config_;
   std::optional<embedded_server::Json_Document> mapping_;
+  mutable std::optional<First_Ids> first_ids_;  ///< made when the first duplicate is located
 };
 
 }  // namespace kuv::vemora::tools

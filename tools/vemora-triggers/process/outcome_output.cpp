@@ -21,8 +21,9 @@ void Outcome_Output::discard() noexcept {
   std::cout.clear();
 }
 
-bool Outcome_Output::deliver() noexcept {
-  return write_whole(STDOUT_FILENO, text_.text.data(), text_.text.size());
+int Outcome_Output::deliver() noexcept {
+  const int fault = write_whole(STDOUT_FILENO, text_.text.data(), text_.text.size());
+  return fault == EPIPE ? 0 : fault;
 }
 
 Outcome_Output::Text::int_type Outcome_Output::Text::overflow(int_type character) {
@@ -37,17 +38,17 @@ std::streamsize Outcome_Output::Text::xsputn(const char* characters, std::stream
   return count;
 }
 
-bool write_whole(int descriptor, const char* text, std::size_t size) noexcept {
+int write_whole(int descriptor, const char* text, std::size_t size) noexcept {
   while (size > 0) {
     const ssize_t written = ::write(descriptor, text, size);
     if (written < 0 && errno != EINTR) {
-      return false;
+      return errno;
     }
     const std::size_t done = written < 0 ? 0 : static_cast<std::size_t>(written);
     text += done;
     size -= done;
   }
-  return true;
+  return 0;
 }
 
 }  // namespace kuv::vemora::tools

@@ -17,8 +17,9 @@ class Outcome_Output {
   /// Drops what was printed, which may be half an outcome.
   void discard() noexcept;
 
-  /// Writes what was printed to standard output; false if that fails.
-  bool deliver() noexcept;
+  /// Writes what was printed to standard output; returns 0, or the errno of what failed. A reader
+  /// that does not want the rest (EPIPE) is no failure.
+  int deliver() noexcept;
 
  private:
   class Text : public std::streambuf {
@@ -34,7 +35,7 @@ class Outcome_Output {
   std::streambuf* before_;
 };
 
-/// Writes to a file descriptor without allocating memory; false if that fails.
-bool write_whole(int descriptor, const char* text, std::size_t size) noexcept;
+/// Writes to a file descriptor without allocating memory; returns 0, or the errno of what failed.
+int write_whole(int descriptor, const char* text, std::size_t size) noexcept;
 
 }  // namespace kuv::vemora::tools

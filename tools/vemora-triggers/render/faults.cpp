@@ -9,12 +9,14 @@
 #include "tools/vemora-triggers/render/json.h"
 #include "tools/vemora-triggers/render/terminal.h"
 #include "vemora/embedded_server/texts/characters.h"
+#include "vemora/embedded_server/texts/display_width.h"
 #include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
 
 using embedded_server::count_characters;
+using embedded_server::display_width;
 using embedded_server::first_characters;
 using embedded_server::printable;
 
@@ -22,27 +24,40 @@ constexpr std::size_t widest_side = 60;  ///< characters shown before a fault, a
 constexpr std::size_t most_excerpts = 100;
 constexpr std::size_t most_messages = 1000;  ///< more than anyone reads
 
-std::string location_of(const Located_Fault& located) {
-  std::string text = located.path.empty() ? "stored " + located.role : printable(located.path);
-  if (located.fault.location.line != 0) {
-    text += fmt::format(":{}:{}", located.fault.location.line, located.fault.location.column);
+std::string location_of(const std::string& path, const std::string& role,
+                        const embedded_server::Location& location) {
+  std::string text = path.empty() ? "stored " + role : printable(path);
+  if (location.line != 0) {
+    text += fmt::format(":{}:{}", location.line, location.column);
   }
   return text;
+}
+
+/// A part of a line, with its tabs.
+std::string with_tabs(std::string_view text) {
+  std::string shown;
+  for (std::size_t begin = 0; begin <= text.size();) {
+    const std::size_t end = std::min(text.find('\t', begin), text.size());
+    shown += printable(text.substr(begin, end - begin));
+    shown += end < text.size() ? "\t" : "";
+    begin = end + 1;
+  }
+  return shown;
 }
 
 /// The last characters of a text, after "..." if it is longer.
 std::string shown_end(std::string_view text) {
   const std::size_t characters = count_characters(text);
   if (characters <= widest_side) {
-    return printable(text);
+    return with_tabs(text);
   }
   text.remove_prefix(first_characters(text, characters - widest_side).size());
-  return "..." + printable(text);
+  return "..." + with_tabs(text);
 }
 
 std::string shown_beginning(std::string_view text) {
   const std::string_view beginning = first_characters(text, widest_side);
-  return printable(beginning) + (beginning.size() < text.size() ? "..." : "");
+  return with_tabs(beginning) + (beginning.size() < text.size() ? "..." : "");
 }
 
 embedded_server::Surroundings surroundings_of(const Located_Fault& located) {
@@ -54,6 +69,21 @@ embedded_server::Surroundings surroundings_of(const Located_Fault& located) {
   return {before, line.substr(before.size())};
 }
 
+/// What takes the same room as a text, wherever a terminal has its tab stops.
+std::string blanks_like(std::string_view text) {
+  std::string blanks;
+  while (!text.empty()) {
+    const std::string_view part = text.substr(0, text.find('\t'));
+    blanks += std::string(display_width(part), ' ');
+    text.remove_prefix(part.size());
+    if (!text.empty()) {
+      blanks += '\t';
+      text.remove_prefix(1);
+    }
+  }
+  return blanks;
+}
+
 /// Prints the text around the fault in its line, with a mark under its column.
 void print_excerpt(const Located_Fault& located) {
   const bool line_is_known = located.document != nullptr || !located.line.empty();
@@ -63,11 +93,18 @@ void print_excerpt(const Located_Fault& located) {
   const auto [before, after] = surroundings_of(located);
   const std::string shown_before = shown_end(before);
   std::cout << "    " << shown_before << shown_beginning(after) << '\n'
-            << "    " << std::string(count_characters(shown_before), ' ') << in_red("^") << '\n';
+            << "    " << blanks_like(shown_before) << in_red("^") << '\n';
+}
+
+void print_note(const Located_Fault& located) {
+  if (located.first) {
+    std::cout << location_of(located.path, located.role, *located.first)
+              << ": note: The id is first given here.\n";
+  }
 }
 
 void print_message(const Located_Fault& located) {
-  std::cout << location_of(located) << ": "
+  std::cout << location_of(located.path, located.role, located.fault.location) << ": "
             << (located.warning.empty() ? in_red("error: ") : "warning: ")
             << printable(located.fault.message);
   if (located.id) {
@@ -103,6 +140,7 @@ Json::Value to_json(const Located_Fault& located) {
 void print_for_people(const Located_Fault& located) {
   print_message(located);
   print_excerpt(located);
+  print_note(located);
 }
 
 void print_for_people(const Fault_List& faults) {
@@ -113,6 +151,7 @@ void print_for_people(const Fault_List& faults) {
     if (number < most_excerpts) {
       print_excerpt(located);
     }
+    print_note(located);
   }
   if (shown < faults.count) {
     const std::size_t more = faults.count - shown;

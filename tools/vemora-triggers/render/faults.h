@@ -23,6 +23,8 @@ struct Located_Fault {
   std::string line;  ///< without a document, the line of the fault if it is known
   std::optional<std::size_t> index;
   std::optional<std::uint64_t> id;
+  std::optional<embedded_server::Location> first =
+      {};                    ///< of an id that was given before: where that was
   std::string warning = {};  ///< the code of a warning; empty for an error
 };
 

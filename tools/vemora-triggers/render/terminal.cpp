@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/vemora-triggers/process/outcome_output.h"
 #include "vemora/embedded_server/texts/characters.h"
 #include "vemora/embedded_server/texts/printable.h"
 
@@ -79,6 +80,14 @@ void print_table(const std::vector<std::string>& headings,
   print_row(headings, widths);
   for (const std::vector<std::string>& row : rows) {
     print_row(row, widths);
+  }
+}
+
+void tell_of_wait() noexcept {
+  constexpr std::string_view message =
+      "\r\x1b[KAnother process is at work on the database; waiting for it.\n";
+  if (isatty(STDERR_FILENO) == 1) {
+    write_whole(STDERR_FILENO, message.data(), message.size());
   }
 }
 

@@ -19,6 +19,9 @@ std::string in_red(const std::string& text);
 void print_table(const std::vector<std::string>& headings,
                  const std::vector<std::vector<std::string>>& rows);
 
+/// Says on a terminal that the command waits for another process.
+void tell_of_wait() noexcept;
+
 /// While it exists, shows on a terminal how long an activity has been going on.
 class Progress_Line {
  public:

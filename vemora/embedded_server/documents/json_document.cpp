@@ -1,5 +1,6 @@
 #include "vemora/embedded_server/documents/json_document.h"
 
+#include <fmt/format.h>
 #include <json/reader.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 
 #include "vemora/embedded_server/documents/json_grammar.h"
 #include "vemora/embedded_server/documents/read_file.h"
+#include "vemora/embedded_server/documents/text_encoding.h"
 #include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::embedded_server {
@@ -57,6 +59,9 @@ Json::Value parse(const std::string& text, const Text_Locations& locations,
   const auto reject = [&](const Document_Fault& fault) {
     throw Document_Error(fault, line_of(text, locations, fault.location.line));
   };
+  if (const std::string_view encoding = wide_encoding(text); !encoding.empty()) {
+    throw Document_Error({fmt::format("The file is {}; save it as UTF-8.", encoding), {}});
+  }
   if (const auto fault = find_grammar_fault(text, most_values)) {
     reject({fault->message, locations.locate(text, fault->offset)});
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -168,8 +169,11 @@ class Inventory_Reader {
       fault(record.isMember("id") ? id : record, "\"id\" must be an unsigned 64-bit integer.");
       return 0;
     }
-    if (!seen_ids_.insert(id.asUInt64()).second) {
-      fault(id, fmt::format("The id {} is given twice.", id.asUInt64()));
+    const auto [first, is_new] = seen_ids_.emplace(id.asUInt64(), &id);
+    if (!is_new) {
+      const Location place = document_.locate(*first->second);
+      fault(id, fmt::format("The id {} is given twice, first in line {}, column {}.", id.asUInt64(),
+                            place.line, place.column));
     }
     return id.asUInt64();
   }
@@ -385,7 +389,8 @@ class Inventory_Reader {
   const Inventory_References& stored_;
   Read_Inventory result_;
   Texts_To_Store texts_;
-  std::set<std::uint64_t> seen_ids_;  ///< of the kind of record that is being read
+  /// The ids of the kind of record that is being read, where they are given first.
+  std::map<std::uint64_t, const Json::Value*> seen_ids_;
   std::set<std::uint64_t> camera_ids_;
   std::set<std::uint64_t> category_ids_;
 };

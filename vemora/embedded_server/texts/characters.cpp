@@ -63,6 +63,15 @@ std::size_t character_size(std::string_view text, std::size_t offset) {
   return found == std::end(forms) ? 0 : found->size;
 }
 
+char32_t character_code(std::string_view character) {
+  const auto lead = static_cast<unsigned char>(character.front());
+  char32_t code = character.size() == 1 ? lead : lead & (0x7FU >> character.size());
+  for (const char byte : character.substr(1)) {
+    code = code * 64 + (static_cast<unsigned char>(byte) & 0x3FU);
+  }
+  return code;
+}
+
 bool is_utf8(std::string_view text) {
   std::size_t offset = 0;
   while (offset < text.size()) {

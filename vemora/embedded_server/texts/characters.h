@@ -13,6 +13,9 @@ namespace kuv::vemora::embedded_server {
 /// The number of bytes of the character that begins at `offset`; 0 if no character begins there.
 VEMORA_API std::size_t character_size(std::string_view text, std::size_t offset);
 
+/// The code of one UTF-8 character.
+VEMORA_API char32_t character_code(std::string_view character);
+
 /// True if every byte is part of a UTF-8 character.
 VEMORA_API bool is_utf8(std::string_view text);
 

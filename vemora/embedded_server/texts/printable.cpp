@@ -54,15 +54,6 @@ bool is_one_of(const Ranges& ranges, char32_t code) {
                      [code](const Code_Range& range) { return range.has(code); });
 }
 
-char32_t code_of(std::string_view character) {
-  const auto lead = static_cast<unsigned char>(character.front());
-  char32_t code = character.size() == 1 ? lead : lead & (0x7FU >> character.size());
-  for (const char byte : character.substr(1)) {
-    code = code * 64 + (static_cast<unsigned char>(byte) & 0x3FU);
-  }
-  return code;
-}
-
 std::string spelled_out(char32_t code) {
   const auto number = static_cast<std::uint32_t>(code);
   if (number < 0x80) {
@@ -118,7 +109,7 @@ std::string printable(std::string_view text) {
       continue;
     }
     const std::string_view character = text.substr(offset, size);
-    const char32_t code = code_of(character);
+    const char32_t code = character_code(character);
     if (visibility.shows(code)) {
       all += character;
     } else {

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "vemora/embedded_server/documents/text_encoding.h"
 #include "vemora/embedded_server/texts/characters.h"
 
 namespace kuv::vemora::operations {
@@ -102,16 +103,18 @@ class Elements {
 };
 
 void warn_in(const Json_Document& document, const Elements& elements, Found_Warnings& found) {
+  const char* const looks = embedded_server::looks_like_latin_1(document.text())
+                                ? "the document looks like Latin-1, save it as UTF-8"
+                                : "save the document as UTF-8";
   const std::size_t mark = embedded_server::byte_order_mark_size(document.text());
   find_texts(document.text(), [&](std::size_t begin, unsigned char first) {
     const std::size_t offset = begin - mark;
     const Elements::Element* const element = elements.at(offset);
     if (element == nullptr || element->is_judged) {
-      found.at_offset("not-utf8", document, offset,
-                      element == nullptr ? Subject() : element->subject,
-                      fmt::format("This text has bytes that are no UTF-8, the first one 0x{:02X}; "
-                                  "save the document as UTF-8.",
-                                  first));
+      found.at_offset(
+          "not-utf8", document, offset, element == nullptr ? Subject() : element->subject,
+          fmt::format("This text has bytes that are no UTF-8, the first one 0x{:02X}; {}.", first,
+                      looks));
     }
   });
 }

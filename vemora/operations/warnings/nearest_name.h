@@ -4,11 +4,13 @@
 #include <string>
 #include <string_view>
 
+#include "vemora/platform/export.h"
+
 namespace kuv::vemora::operations {
 
 /// Looks for the name that was probably meant, among names that are offered to it one by one: the
 /// one that differs least, by a letter in three at most, or that has the wrong one in it.
-class Nearest_Name {
+class VEMORA_API Nearest_Name {
  public:
   explicit Nearest_Name(std::string_view wrong) : wrong_(wrong) {}
 
@@ -34,6 +36,6 @@ class Comparison_Budget {
 };
 
 /// "; did you mean "..."?" or a full stop.
-std::string asking_for(std::string_view meant);
+VEMORA_API std::string asking_for(std::string_view meant);
 
 }  // namespace kuv::vemora::operations

@@ -10,6 +10,7 @@
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/engine/file_traits.h"
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
+#include "vemora/embedded_server/persistent/engine/told_wait.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -72,9 +73,16 @@ Descriptor open_lock_file(const std::string& path, const std::string& model_path
 
 void lock(const Descriptor& file, const std::string& path, std::chrono::milliseconds wait,
           Time deadline) {
+  const Time begin = std::chrono::steady_clock::now();
+  bool told = false;
   while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
     const int reason = errno;
-    if (reason == EWOULDBLOCK && std::chrono::steady_clock::now() < deadline) {
+    const Time now = std::chrono::steady_clock::now();
+    if (reason == EWOULDBLOCK && !told && now >= begin + long_wait) {
+      tell_of_long_wait();
+      told = true;
+    }
+    if (reason == EWOULDBLOCK && now < deadline) {
       std::this_thread::sleep_for(poll_interval);
     } else if (reason == EWOULDBLOCK) {
       throw Database_Error(at_work_elsewhere(wait));

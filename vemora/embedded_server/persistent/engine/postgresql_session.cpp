@@ -1,5 +1,7 @@
 #include "vemora/embedded_server/persistent/engine/postgresql_session.h"
 
+#include <poll.h>
+
 #include <array>
 #include <odb/pgsql/transaction-impl.hxx>
 #include <odb/transaction.hxx>
@@ -8,6 +10,7 @@
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_commit.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_connections.h"
+#include "vemora/embedded_server/persistent/engine/told_wait.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -23,6 +26,20 @@ class Transaction : public odb::pgsql::transaction_impl {
  private:
   std::chrono::milliseconds standby_wait_;
 };
+
+/// Waits for the answer to a question that was sent; null if the connection broke.
+PGresult* take_answer(PGconn* connection) {
+  pollfd socket{PQsocket(connection), POLLIN, 0};
+  // However this ends, what follows waits for the answer, or learns what is wrong.
+  if (::poll(&socket, 1, static_cast<int>(long_wait.count())) == 0) {
+    tell_of_long_wait();
+  }
+  PGresult* const answer = PQgetResult(connection);
+  while (PGresult* const more = answer == nullptr ? nullptr : PQgetResult(connection)) {
+    PQclear(more);
+  }
+  return answer;
+}
 
 }  // namespace
 
@@ -45,9 +62,11 @@ PostgreSQL_Session::~PostgreSQL_Session() {
 
 void PostgreSQL_Session::lock(const std::string& schema, std::chrono::milliseconds wait) {
   const std::array<const char*, 1> values{schema.c_str()};
-  PGresult* const result = PQexecParams(
-      connection_->handle(), "SELECT pg_advisory_lock(hashtextextended('vemora ' || $1::text, 0))",
-      1, nullptr, values.data(), nullptr, nullptr, 0);
+  PGconn* const handle = connection_->handle();
+  const int sent = PQsendQueryParams(
+      handle, "SELECT pg_advisory_lock(hashtextextended('vemora ' || $1::text, 0))", 1, nullptr,
+      values.data(), nullptr, nullptr, 0);
+  PGresult* const result = sent == 1 ? take_answer(handle) : nullptr;
   const char* const state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   if (state != nullptr && state == lock_not_available) {
     PQclear(result);
