@@ -120,6 +120,76 @@ void add_copies(CLI::App& app, Invocation& call) {
       [&call] { call.command = [&call] { return restore(call.options, call.file); }; });
 }
 
+CLI::Option* add_id(CLI::App& command, const char* name, std::optional<std::uint64_t>& id,
+                    const char* meaning) {
+  return command.add_option(name, id, meaning)
+      ->type_name("ID")
+      ->check(CLI::Validator(decimal_id, ""));
+}
+
+/// Throws where the options are not those of one event, or of a file of many.
+void require_one_question(const Invocation& call) {
+  const Asked_Event& asked = call.event;
+  const auto complain = [](const char* text) { throw CLI::ValidationError("match", text); };
+  const int kinds =
+      int(asked.topic.has_value()) + int(asked.object.has_value()) + int(asked.motion);
+  if (int(call.camera_id.has_value()) + int(asked.subscription_id.has_value()) +
+          int(asked.events.has_value()) !=
+      1) {
+    complain("one of --camera, --subscription and --events is required");
+  }
+  if (call.camera_id && kinds != 1) {
+    complain("--camera needs one of --topic, --object and --motion");
+  }
+  if (!call.camera_id && kinds != 0) {
+    complain("--topic, --object and --motion need --camera");
+  }
+  if (asked.in_motion && !asked.object) {
+    complain("--in-motion needs --object");
+  }
+}
+
+operations::Event event_of(const Invocation& call) {
+  using Kind = operations::Event::Kind;
+  const Asked_Event& asked = call.event;
+  if (asked.subscription_id) {
+    return {Kind::subscription, *asked.subscription_id, {}, false};
+  }
+  if (asked.topic) {
+    return {Kind::topic, *call.camera_id, *asked.topic, false};
+  }
+  if (asked.object) {
+    return {Kind::object, *call.camera_id, *asked.object, asked.in_motion};
+  }
+  return {Kind::motion, *call.camera_id, {}, false};
+}
+
+void add_match(CLI::App& app, Invocation& call) {
+  CLI::App* const matched = app.add_subcommand(
+      "match", "Find the triggers that are told of an event, or of many; writes nothing");
+  Asked_Event& asked = call.event;
+  add_id(*matched, "--camera", call.camera_id,
+         "An event of this camera: a topic, object or motion");
+  matched->add_option("--topic", asked.topic, "The ONVIF topic")->type_name("TOPIC");
+  matched->add_option("--object", asked.object, "The type of the object")->type_name("TYPE");
+  matched->add_flag("--in-motion", asked.in_motion, "The object is in motion");
+  matched->add_flag("--motion", asked.motion, "Motion, of whatever");
+  add_id(*matched, "--subscription", asked.subscription_id,
+         "An event of this generic subscription");
+  matched
+      ->add_option("--events", asked.events,
+                   "Count the events of a file, one JSON object a line; - reads standard input")
+      ->type_name("FILE")
+      ->check(a_path());
+  matched->callback([&call] {
+    require_one_question(call);
+    call.command = [&call] {
+      return call.event.events ? match_events(call.options, *call.event.events)
+                               : match(call.options, event_of(call));
+    };
+  });
+}
+
 void add_questions(CLI::App& app, Invocation& call) {
   CLI::App* const explained = app.add_subcommand(
       "explain", "Explain why a trigger is or is not active, and where it listens; writes nothing");
@@ -127,12 +197,11 @@ void add_questions(CLI::App& app, Invocation& call) {
       ->required()
       ->type_name(" ")
       ->check(CLI::Validator(decimal_id, ""));
-  explained->add_option("--camera", call.camera_id, "Only at this camera")
-      ->type_name("ID")
-      ->check(CLI::Validator(decimal_id, ""));
+  add_id(*explained, "--camera", call.camera_id, "Only at this camera");
   explained->callback([&call] {
     call.command = [&call] { return explain(call.options, call.trigger_id, call.camera_id); };
   });
+  add_match(app, call);
 }
 
 void add_commands(CLI::App& app, Invocation& call) {

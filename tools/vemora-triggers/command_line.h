@@ -15,6 +15,16 @@ class ParseError;
 
 namespace kuv::vemora::tools {
 
+/// The event that `match` is asked about, or the file of many.
+struct Asked_Event {
+  std::optional<std::string> topic;
+  std::optional<std::string> object;
+  bool in_motion = false;
+  bool motion = false;
+  std::optional<std::uint64_t> subscription_id;
+  std::optional<std::string> events;
+};
+
 /// The parsed command line.
 struct Invocation {
   Options options;
@@ -26,6 +36,7 @@ struct Invocation {
   std::string file;
   std::uint64_t trigger_id = 0;
   std::optional<std::uint64_t> camera_id;
+  Asked_Event event;
   std::function<Exit_Status()> command;
   bool runs_pass = false;  ///< true if the command runs a pass, and prints the outcome of one
 };

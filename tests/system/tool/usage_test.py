@@ -93,6 +93,7 @@ Commands:
   refresh                     Run a pass on the stored documents
   show                        Show what is stored
   explain                     Explain why a trigger is or is not active, and where it listens; writes nothing
+  match                       Find the triggers that are told of an event, or of many; writes nothing
   backup                      Copy the site into one file
   restore                     Replace the site with that of a backup
 """
@@ -139,7 +140,22 @@ Usage: vemora-triggers explain [OPTIONS] TRIGGER_ID
 Positionals:
   TRIGGER_ID   REQUIRED       The trigger
 """
-OWN_OPTIONS = {"explain": "  --camera ID                 Only at this camera\n"}
+HELP_OF_COMMANDS["match"] = """\
+Find the triggers that are told of an event, or of many; writes nothing
+Usage: vemora-triggers match [OPTIONS]
+"""
+OWN_OPTIONS = {
+    "explain": "  --camera ID                 Only at this camera\n",
+    "match": """\
+  --camera ID                 An event of this camera: a topic, object or motion
+  --topic TOPIC               The ONVIF topic
+  --object TYPE               The type of the object
+  --in-motion                 The object is in motion
+  --motion                    Motion, of whatever
+  --subscription ID           An event of this generic subscription
+  --events FILE               Count the events of a file, one JSON object a line; - reads standard input
+""",
+}
 HELP_OF_COMMANDS["backup"] = """\
 Copy the site into one file
 Usage: vemora-triggers backup [OPTIONS] FILE

@@ -6,6 +6,7 @@
 
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
+#include "vemora/operations/match/event.h"
 
 namespace kuv::vemora::tools {
 
@@ -26,6 +27,10 @@ Exit_Status show(const Options& options, const std::string& what);
 /// Wrong usage if the site does not have the camera.
 Exit_Status explain(const Options& options, std::uint64_t trigger_id,
                     std::optional<std::uint64_t> camera_id);
+
+/// Wrong usage if the site does not have the camera, or the generic subscription.
+Exit_Status match(const Options& options, const operations::Event& event);
+Exit_Status match_events(const Options& options, const std::string& path);
 
 /// Wrong usage if the database is not a file.
 Exit_Status backup(const Options& options, const std::string& file);

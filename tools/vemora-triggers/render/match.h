@@ -1,0 +1,11 @@
+#pragma once
+
+#include "tools/vemora-triggers/invocation/options.h"
+#include "vemora/operations/match/match.h"
+
+namespace kuv::vemora::tools {
+
+void print_match(const Options& options, const operations::Match& match);
+void print_event_counts(const Options& options, const operations::Event_Counts& counts);
+
+}  // namespace kuv::vemora::tools

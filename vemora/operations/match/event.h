@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kuv::vemora::operations {
+
+/// Something that a camera or a generic subscription reports.
+struct Event {
+  enum class Kind {
+    topic,         ///< `text` is the topic
+    object,        ///< `text` is the type of the object
+    motion,        ///< of whatever
+    subscription,  ///< of a generic subscription
+  };
+
+  Kind kind = Kind::topic;
+  std::uint64_t place = 0;  ///< the camera's id, or the subscription's
+  std::string text;
+  bool in_motion = false;  ///< the object is
+};
+
+}  // namespace kuv::vemora::operations

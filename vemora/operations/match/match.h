@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "vemora/embedded_server/persistent/database.h"
+#include "vemora/operations/match/event.h"
+#include "vemora/operations/site/reason.h"
+#include "vemora/platform/export.h"
+
+namespace kuv::vemora::operations {
+
+/// Who is told of an event. Schedules and durations are not judged.
+struct Match {
+  struct Trigger {
+    std::uint64_t id = 0;
+    std::string name;
+  };
+
+  /// A trigger that has a source for such events and is not told of this one.
+  struct Near_Miss {
+    Trigger trigger;
+    Reasons reasons;
+  };
+
+  bool is_known = false;  ///< the site, or a record, has the camera or generic subscription
+  std::vector<Trigger> triggers;
+  std::vector<Near_Miss> near_misses;
+};
+
+/// Reads one state of the site; writes nothing and waits for nobody. Throws Database_Error.
+VEMORA_API Match match(const std::shared_ptr<embedded_server::Database>& database,
+                       std::uint64_t server_id, const Event& event);
+
+/// What becomes of many events.
+struct Event_Counts {
+  std::uint64_t events = 0;
+  std::uint64_t unheard = 0;                        ///< that no trigger is told of
+  std::map<std::uint64_t, std::uint64_t> triggers;  ///< how many each trigger is told of
+};
+
+/// The next event, until there is none.
+using Event_Source = std::function<std::optional<Event>()>;
+
+/// The same for as many events as there are, in memory that does not grow with their number. Throws
+/// what the source throws as well.
+VEMORA_API Event_Counts count_events(const std::shared_ptr<embedded_server::Database>& database,
+                                     std::uint64_t server_id, const Event_Source& next);
+
+}  // namespace kuv::vemora::operations
