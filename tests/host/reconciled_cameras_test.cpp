@@ -3,16 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <boost/log/attributes/value_extraction.hpp>
-#include <boost/log/core.hpp>
-#include <boost/log/core/record_view.hpp>
-#include <boost/log/sinks/basic_sink_backend.hpp>
-#include <boost/log/sinks/sync_frontend.hpp>
-#include <boost/make_shared.hpp>
 #include <cstdlib>
 #include <iostream>
 #include <stdexcept>
 
+#include "system/passes/failing_log.h"
 #include "system/passes/random_life.h"
 #include "vemora/embedded_server/host/trigger_host.h"
 
@@ -70,41 +65,6 @@ class Pusher_Behind_The_Cameras : public Trigger_Notification_Pusher {
   const Random_Cameras& cameras_;
 };
 
-/// While it lives, the line that a subscription is created cannot be logged for some triggers and
-/// cameras, which ends the processing of that trigger.
-class Log_With_Snags {
- public:
-  explicit Log_With_Snags(const Snags& snags) : sink_(boost::make_shared<Sink>()) {
-    for (const auto& [trigger_id, camera_id] : snags) {
-      sink_->locked_backend()->beginnings.push_back(
-          fmt::format("Trigger {} | Creating subscription for camera {} ", trigger_id, camera_id));
-    }
-    boost::log::core::get()->add_sink(sink_);
-  }
-  ~Log_With_Snags() { boost::log::core::get()->remove_sink(sink_); }
-  Log_With_Snags(const Log_With_Snags&) = delete;
-  Log_With_Snags& operator=(const Log_With_Snags&) = delete;
-
- private:
-  class Backend
-      : public boost::log::sinks::basic_sink_backend<boost::log::sinks::synchronized_feeding> {
-   public:
-    void consume(const boost::log::record_view& record) {
-      const auto text = boost::log::extract_or_throw<std::string>("Message", record);
-      for (const std::string& beginning : beginnings) {
-        if (text.compare(0, beginning.size(), beginning) == 0) {
-          throw std::runtime_error("the log is full");
-        }
-      }
-    }
-
-    std::vector<std::string> beginnings;
-  };
-  using Sink = boost::log::sinks::synchronous_sink<Backend>;
-
-  boost::shared_ptr<Sink> sink_;
-};
-
 /// How often it came to what the histories are about.
 struct Met {
   int cut_short = 0;
@@ -150,7 +110,7 @@ class Random_History {
     pusher_->asked_for_before.reset();
     pusher_->failing = false;
     const Snags snags = some_snags();
-    const Log_With_Snags log(snags);
+    const Failing_Log log(lines_at(snags));
     Given given{some_triggers(), random_.one_in(3) ? random_.some_mapping() : stored_.mapping};
     switch (random_.pick(8)) {
       case 0:

@@ -19,6 +19,8 @@ namespace {
 constexpr const char* footer =
     "Exit status: 0 done; 1 done, but single triggers had errors; 2 a document was rejected and\n"
     "nothing changed; 3 the pass or the database failed, or the output could not be written;\n"
+    "4 refused, because most of what is stored would be deleted or the site is not that of the\n"
+    "plan, and nothing changed; 5 only with plan --exit-code: there is something to change;\n"
     "64 wrong usage.";
 
 /// Stricter than CLI11, which accepts signs, other bases, and numbers that do not fit.
@@ -106,6 +108,12 @@ void add_documents(CLI::App& command, Invocation& call) {
 
 void add_strict(CLI::App& command, Invocation& call) {
   command.add_flag("--strict", call.options.strict, "Reject documents that have warnings");
+}
+
+void add_guard(CLI::App& command, Invocation& call) {
+  command.add_flag("--allow-mass-deletion", call.options.allow_mass_deletion,
+                   "Let the pass delete ten or more triggers or topic subscriptions even if they "
+                   "are more than half of those stored");
 }
 
 void add_copies(CLI::App& app, Invocation& call) {
@@ -204,6 +212,62 @@ void add_questions(CLI::App& app, Invocation& call) {
   add_match(app, call);
 }
 
+void add_plan(CLI::App& app, Invocation& call) {
+  CLI::App* const planned =
+      app.add_subcommand("plan", "Show what apply would change, record by record; writes nothing");
+  add_documents(*planned, call);
+  add_strict(*planned, call);
+  planned
+      ->add_option("--out", call.planned.out,
+                   "Keep the plan in this file, for apply --plan; only its owner can read it")
+      ->type_name("PLAN")
+      ->check(a_path());
+  planned->add_flag("--exit-code", call.planned.tells_changes,
+                    "Exit with 5 if there is something to change");
+  planned->callback([&call] {
+    require_different_sources(call);
+    call.runs_pass = true;
+    call.planned.config_path = call.config_path;
+    call.planned.mapping_path = call.mapping_path;
+    call.command = [&call] { return plan(call.options, call.planned); };
+  });
+}
+
+/// Documents, or a plan that has them.
+void require_documents(const CLI::App& applied, const Invocation& call) {
+  const bool has_documents = applied.count("CONFIG") != 0;
+  if (!call.plan_path.empty() && has_documents) {
+    throw CLI::ValidationError("--plan", "the plan has its documents; CONFIG cannot be given too");
+  }
+  if (call.plan_path.empty() && !has_documents) {
+    throw CLI::RequiredError("CONFIG");
+  }
+}
+
+void add_apply(CLI::App& app, Invocation& call) {
+  CLI::App* const applied =
+      app.add_subcommand("apply", "Run a pass on a configuration and a mapping, and store them");
+  add_documents(*applied, call);
+  applied->get_option("CONFIG")->required(false);
+  add_strict(*applied, call);
+  add_guard(*applied, call);
+  applied
+      ->add_option("--plan", call.plan_path,
+                   "Apply the documents of a plan, instead of CONFIG and MAPPING; refused if the "
+                   "site has changed since")
+      ->type_name("PLAN")
+      ->check(a_path());
+  applied->callback([applied, &call] {
+    require_documents(*applied, call);
+    require_different_sources(call);
+    call.runs_pass = true;
+    call.command = [&call] {
+      return call.plan_path.empty() ? apply(call.options, call.config_path, call.mapping_path)
+                                    : apply_plan(call.options, call.plan_path);
+    };
+  });
+}
+
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
@@ -220,18 +284,12 @@ void add_commands(CLI::App& app, Invocation& call) {
     call.command = [&call] { return check(call.options, call.config_path, call.mapping_path); };
   });
 
-  CLI::App* const applied =
-      app.add_subcommand("apply", "Run a pass on a configuration and a mapping, and store them");
-  add_documents(*applied, call);
-  add_strict(*applied, call);
-  applied->callback([&call] {
-    require_different_sources(call);
-    call.runs_pass = true;
-    call.command = [&call] { return apply(call.options, call.config_path, call.mapping_path); };
-  });
+  add_plan(app, call);
+  add_apply(app, call);
 
   CLI::App* const refreshed = app.add_subcommand("refresh", "Run a pass on the stored documents");
   add_strict(*refreshed, call);
+  add_guard(*refreshed, call);
   refreshed->callback([&call] {
     call.runs_pass = true;
     call.command = [&call] { return refresh(call.options); };

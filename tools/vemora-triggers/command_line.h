@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/vemora-triggers/commands/commands.h"
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
 
@@ -37,6 +38,8 @@ struct Invocation {
   std::uint64_t trigger_id = 0;
   std::optional<std::uint64_t> camera_id;
   Asked_Event event;
+  Plan_Request planned;
+  std::string plan_path;
   std::function<Exit_Status()> command;
   bool runs_pass = false;  ///< true if the command runs a pass, and prints the outcome of one
 };

@@ -22,6 +22,11 @@ WRONG = {
     "a misspelt command": (["refesh"], "Unknown command or option: refesh; did you mean refresh?"),
     "two commands": (["refresh", "show"], "The following argument was not expected: show"),
     "no document": (["check"], "CONFIG is required"),
+    "no document to apply": (["apply"], "CONFIG is required"),
+    "a plan and a document": (["apply", "--plan", "kept.plan", "config.json"],
+                              "--plan: the plan has its documents; CONFIG cannot be given too"),
+    "an empty path of a plan": (["apply", "--plan", ""], "--plan: a path must not be empty"),
+    "an empty path to keep a plan in": (["plan", "config.json", "--out", ""], "--out: a path must not be empty"),
     "no inventory": (["init"], "INVENTORY is required"),
     "a document too many": (["apply", "a", "b", "c"], "The following argument was not expected: c"),
     "nothing to show": (["show"], "WHAT is required"),
@@ -89,6 +94,7 @@ warning, error, fatal; off logs nothing
 Commands:
   init                        Create or update the site: servers, cameras, schedules, subscriptions
   check                       Validate a configuration and a mapping; writes nothing
+  plan                        Show what apply would change, record by record; writes nothing
   apply                       Run a pass on a configuration and a mapping, and store them
   refresh                     Run a pass on the stored documents
   show                        Show what is stored
@@ -116,10 +122,14 @@ Positionals:
 Validate a configuration and a mapping; writes nothing
 Usage: vemora-triggers check [OPTIONS] CONFIG [MAPPING]
 {DOCUMENTS}""",
+    "plan": f"""\
+Show what apply would change, record by record; writes nothing
+Usage: vemora-triggers plan [OPTIONS] CONFIG [MAPPING]
+{DOCUMENTS}""",
     "apply": f"""\
 Run a pass on a configuration and a mapping, and store them
-Usage: vemora-triggers apply [OPTIONS] CONFIG [MAPPING]
-{DOCUMENTS}""",
+Usage: vemora-triggers apply [OPTIONS] [CONFIG] [MAPPING]
+{DOCUMENTS}""".replace("CONFIG   REQUIRED ", "CONFIG            "),
     "refresh": """\
 Run a pass on the stored documents
 Usage: vemora-triggers refresh [OPTIONS]
@@ -144,18 +154,6 @@ HELP_OF_COMMANDS["match"] = """\
 Find the triggers that are told of an event, or of many; writes nothing
 Usage: vemora-triggers match [OPTIONS]
 """
-OWN_OPTIONS = {
-    "explain": "  --camera ID                 Only at this camera\n",
-    "match": """\
-  --camera ID                 An event of this camera: a topic, object or motion
-  --topic TOPIC               The ONVIF topic
-  --object TYPE               The type of the object
-  --in-motion                 The object is in motion
-  --motion                    Motion, of whatever
-  --subscription ID           An event of this generic subscription
-  --events FILE               Count the events of a file, one JSON object a line; - reads standard input
-""",
-}
 HELP_OF_COMMANDS["backup"] = """\
 Copy the site into one file
 Usage: vemora-triggers backup [OPTIONS] FILE
@@ -180,9 +178,39 @@ STRICTNESS = """\
   --strict                    Reject documents that have warnings
 """
 
+GUARD = """\
+  --allow-mass-deletion       Let the pass delete ten or more triggers or topic subscriptions even if they are more \
+than half of those stored
+"""
+
+OWN_OPTIONS = {
+    "check": STRICTNESS,
+    "plan": STRICTNESS + """\
+  --out PLAN                  Keep the plan in this file, for apply --plan; only its owner can read it
+  --exit-code                 Exit with 5 if there is something to change
+""",
+    "apply": STRICTNESS + GUARD + """\
+  --plan PLAN                 Apply the documents of a plan, instead of CONFIG and MAPPING; refused if the site has \
+changed since
+""",
+    "refresh": STRICTNESS + GUARD,
+    "explain": "  --camera ID                 Only at this camera\n",
+    "match": """\
+  --camera ID                 An event of this camera: a topic, object or motion
+  --topic TOPIC               The ONVIF topic
+  --object TYPE               The type of the object
+  --in-motion                 The object is in motion
+  --motion                    Motion, of whatever
+  --subscription ID           An event of this generic subscription
+  --events FILE               Count the events of a file, one JSON object a line; - reads standard input
+""",
+}
+
 STATUSES = """
 Exit status: 0 done; 1 done, but single triggers had errors; 2 a document was rejected and
 nothing changed; 3 the pass or the database failed, or the output could not be written;
+4 refused, because most of what is stored would be deleted or the site is not that of the
+plan, and nothing changed; 5 only with plan --exit-code: there is something to change;
 64 wrong usage.
 """
 
@@ -198,7 +226,7 @@ class Help(Site):
     def test_each_command_names_its_documents(self):
         for command, text in HELP_OF_COMMANDS.items():
             with self.subTest(command):
-                own = STRICTNESS if command in ("check", "apply", "refresh") else OWN_OPTIONS.get(command, "")
+                own = OWN_OPTIONS.get(command, "")
                 self.assert_text(text + OPTIONS_OF_COMMANDS + own + STATUSES, command, "--help")
 
     def test_the_version_is_told(self):

@@ -21,6 +21,17 @@ Exit_Status check(const Options& options, const std::string& config_path,
 Exit_Status apply(const Options& options, const std::string& config_path,
                   const std::string& mapping_path);
 
+/// Applies the documents of a plan that was kept, if the site is what it was then.
+Exit_Status apply_plan(const Options& options, const std::string& path);
+
+struct Plan_Request {
+  std::string config_path;
+  std::string mapping_path;    ///< empty: the stored mapping
+  std::string out;             ///< where the plan is kept; empty: nowhere
+  bool tells_changes = false;  ///< by the exit status
+};
+Exit_Status plan(const Options& options, const Plan_Request& request);
+
 Exit_Status refresh(const Options& options);
 Exit_Status show(const Options& options, const std::string& what);
 

@@ -74,6 +74,13 @@ Trigger_Documents::Trigger_Documents(const Options& options, std::string config_
   }
 }
 
+Trigger_Documents::Trigger_Documents(std::string config_path, Json_Document config,
+                                     std::string mapping_path, std::optional<Json_Document> mapping)
+    : config_path_(std::move(config_path)),
+      mapping_path_(std::move(mapping_path)),
+      config_(std::move(config)),
+      mapping_(std::move(mapping)) {}
+
 Located_Fault Trigger_Documents::locate(const embedded_server::Check_Fault& found) const {
   const bool in_config = found.document == "config";
   Located_Fault located{found.document,

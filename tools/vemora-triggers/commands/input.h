@@ -48,7 +48,7 @@ class First_Ids {
   std::unordered_map<std::uint64_t, std::size_t> indices_;  ///< of elements of the triggers, by id
 };
 
-/// The documents that `check` and `apply` are given.
+/// The documents that `check`, `plan` and `apply` are given.
 class Trigger_Documents {
  public:
   /// An empty mapping path stands for the stored mapping. Throws Unreadable_Document.
@@ -58,6 +58,11 @@ class Trigger_Documents {
 
   /// Null for the stored mapping.
   const embedded_server::Json_Document* mapping() const { return mapping_ ? &*mapping_ : nullptr; }
+
+  /// Documents that were read before; the paths are shown to people.
+  Trigger_Documents(std::string config_path, embedded_server::Json_Document config,
+                    std::string mapping_path,
+                    std::optional<embedded_server::Json_Document> mapping);
 
   /// A fault of these documents with its file and line. To be called by one thread at a time.
   Located_Fault locate(const embedded_server::Check_Fault& found) const;

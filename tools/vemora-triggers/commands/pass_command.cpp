@@ -51,9 +51,9 @@ Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pas
   const auto database = embedded_server::Database::open(options.database);
   Trigger_Host host(database, options.server_id,
                     {nullptr, nullptr, operations::warn_of_documents(database, options.server_id),
-                     options.strict});
+                     options.strict, !options.allow_mass_deletion});
   const Noted_Pass noted(host);
-  return run(host);
+  return run(host, database);
 }
 
 }  // namespace

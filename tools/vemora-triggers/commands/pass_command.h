@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
@@ -9,7 +10,8 @@
 
 namespace kuv::vemora::tools {
 
-using Run_Pass = std::function<embedded_server::Pass_Outcome(embedded_server::Trigger_Host&)>;
+using Run_Pass = std::function<embedded_server::Pass_Outcome(
+    embedded_server::Trigger_Host&, const std::shared_ptr<embedded_server::Database>&)>;
 using Locate_Fault = std::function<Located_Fault(const embedded_server::Check_Fault&)>;
 
 /// Runs a pass on the database and prints its outcome. If this throws, stored_note() says what is

@@ -5,7 +5,7 @@ namespace kuv::vemora::tools {
 
 Exit_Status refresh(const Options& options) {
   return run_pass(
-      options, "refreshing", [](auto& host) { return host.refresh(); },
+      options, "refreshing", [](auto& host, const auto&) { return host.refresh(); },
       [](const auto& fault) {
         return Located_Fault{fault.document, "", fault.fault, nullptr, "", fault.index, fault.id};
       });

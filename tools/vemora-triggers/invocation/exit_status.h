@@ -8,6 +8,8 @@ enum Exit_Status : int {
   exit_trigger_errors = 1,  ///< done, but single triggers had errors
   exit_rejected = 2,        ///< a document was rejected and nothing changed
   exit_failed = 3,          ///< the pass or the database failed
+  exit_refused = 4,         ///< refused, nothing changed: it would delete too much, for one
+  exit_to_change = 5,       ///< of a plan, where that is asked for: there is something to change
   exit_usage = 64,
 };
 

@@ -12,7 +12,8 @@ struct Options {
   std::string database = "vemora.db";
   std::uint64_t server_id = 1;
   bool json = false;
-  bool strict = false;                                              ///< warnings reject documents
+  bool strict = false;               ///< warnings reject documents
+  bool allow_mass_deletion = false;  ///< a pass may delete most of what is stored
   std::uint64_t max_values = embedded_server::default_most_values;  ///< of a document
 };
 

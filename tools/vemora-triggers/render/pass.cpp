@@ -18,6 +18,8 @@ using embedded_server::Pass_Outcome;
 using embedded_server::printable;
 
 constexpr const char* rejected_for_warnings = "With --strict, warnings reject a document.";
+constexpr const char* refused_as_too_much =
+    "plan shows what would be deleted; if that is meant, --allow-mass-deletion lets it pass.";
 
 Json::Value empty_object() {
   return Json::Value(Json::objectValue);
@@ -48,6 +50,14 @@ Json::Value to_json(const Error& error) {
   Json::Value object = empty_object();
   object["category"] = static_cast<int>(error.category);
   object["message"] = error.message;
+  return object;
+}
+
+Json::Value to_json(const embedded_server::Mass_Deletion& deletion) {
+  Json::Value object = empty_object();
+  object["what"] = deletion.what;
+  object["deleted"] = Json::UInt64(deletion.deleted);
+  object["stored"] = Json::UInt64(deletion.stored);
   return object;
 }
 
@@ -118,6 +128,18 @@ Json::Value to_json(const Changes& changes) {
   return object;
 }
 
+/// What there is to say of an outcome beside its errors.
+std::vector<std::string> remarks_on(const Pass_Outcome& outcome) {
+  std::vector<std::string> remarks = outcome.remarks;
+  if (outcome.rejected_for_warnings) {
+    remarks.emplace_back(rejected_for_warnings);
+  }
+  if (outcome.status == Pass_Outcome::Status::refused && !outcome.mass_deletions.empty()) {
+    remarks.emplace_back(refused_as_too_much);
+  }
+  return remarks;
+}
+
 /// Adds the members of a fault to an error, which keeps its message.
 void add_location(Json::Value& error, const Located_Fault& fault) {
   const Json::Value members = to_json(fault);
@@ -126,33 +148,6 @@ void add_location(Json::Value& error, const Located_Fault& fault) {
       error[member.name()] = *member;
     }
   }
-}
-
-/// All but the warnings.
-Json::Value to_json(const Pass_Outcome& outcome, const std::optional<Located_Fault>& rejection) {
-  Json::Value answer = empty_object();
-  answer["success"] = outcome.status == Pass_Outcome::Status::done;
-  answer["errors"] = list_to_json(outcome.errors);
-  if (rejection) {
-    add_location(answer["errors"][0], *rejection);
-  }
-  answer["reconciled"] = to_json(outcome.reconciled);
-  answer["state"] = to_json(outcome.state);
-  answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
-  for (const std::string& remark : outcome.remarks) {
-    answer["remarks"].append(remark);
-  }
-  if (outcome.rejected_for_warnings) {
-    answer["remarks"].append(rejected_for_warnings);
-  }
-  return answer;
-}
-
-/// Their name is the last one of the answer, as names are ordered.
-void print_with_warnings(const Json::Value& answer, const Fault_List& warnings) {
-  std::string text = Json_Texts().of(answer);
-  text.pop_back();
-  std::cout << text << R"(,"warnings":)" << to_json_text(warnings) << "}\n";
 }
 
 template <class Item>
@@ -188,35 +183,80 @@ const char* headline(Pass_Outcome::Status status, bool without_errors) {
       return without_errors ? "Done." : "Done, with errors.";
     case Pass_Outcome::Status::rejected:
       return "Rejected; nothing changed.";
+    case Pass_Outcome::Status::refused:
+      return "Refused; nothing changed.";
     case Pass_Outcome::Status::failed:
       break;
   }
   return "Failed.";
 }
 
-/// Prints the messages of the library; that of a rejected document with its location.
-void print_errors(const Pass_Outcome& outcome, std::optional<Located_Fault> rejection) {
-  for (const Error& error : outcome.errors) {
-    if (rejection) {
-      rejection->fault.message = error.message;
-      print_for_people(*rejection);
-    } else {
-      std::cout << in_red("error: ") << printable(error.message) << '\n';
-    }
+/// Prints a message of the library; that of a rejected document with its location.
+void print_error(const Error& error, std::optional<Located_Fault> rejection) {
+  if (rejection) {
+    rejection->fault.message = error.message;
+    print_for_people(*rejection);
+  } else {
+    std::cout << in_red("error: ") << printable(error.message) << '\n';
   }
 }
 
-void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& rejection,
+}  // namespace
+
+Json::Value outcome_to_json(const Pass_Outcome& outcome,
+                            const std::optional<Located_Fault>& rejection) {
+  Json::Value answer = empty_object();
+  answer["success"] = outcome.status == Pass_Outcome::Status::done;
+  answer["errors"] = list_to_json(outcome.errors);
+  if (rejection) {
+    add_location(answer["errors"][0], *rejection);
+  }
+  answer["reconciled"] = to_json(outcome.reconciled);
+  answer["state"] = to_json(outcome.state);
+  answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
+  for (const std::string& remark : remarks_on(outcome)) {
+    answer["remarks"].append(remark);
+  }
+  if (!outcome.mass_deletions.empty()) {
+    answer["massDeletions"] = list_to_json(outcome.mass_deletions);
+  }
+  return answer;
+}
+
+/// Their name is the last one of the answer, as names are ordered.
+void print_with_warnings(const Json::Value& answer, const Fault_List& warnings) {
+  std::string text = Json_Texts().of(answer);
+  text.pop_back();
+  std::cout << text << R"(,"warnings":)" << to_json_text(warnings) << "}\n";
+}
+
+void print_complaints(const Pass_Outcome& outcome, const std::optional<Located_Fault>& rejection,
                       const Fault_List& warnings) {
-  print_errors(outcome, rejection);
+  std::vector<Error> errors = outcome.errors;
+  std::optional<Error> refusal;  // the last of them
+  if (outcome.status == Pass_Outcome::Status::refused) {
+    refusal = errors.back();
+    errors.pop_back();
+  }
+  for (const Error& error : errors) {
+    print_error(error, rejection);
+  }
   print_for_people(warnings);
-  for (const std::string& remark : outcome.remarks) {
+  if (refusal) {
+    print_error(*refusal, std::nullopt);  // behind the warnings, of which there may be many
+  }
+  for (const std::string& remark : remarks_on(outcome)) {
     std::cout << "note: " << printable(remark) << '\n';
   }
-  if (outcome.rejected_for_warnings) {
-    std::cout << "note: " << rejected_for_warnings << '\n';
-  }
-  if (outcome.status != Pass_Outcome::Status::rejected) {
+}
+
+namespace {
+
+void print_for_people(const Pass_Outcome& outcome, const std::optional<Located_Fault>& rejection,
+                      const Fault_List& warnings) {
+  print_complaints(outcome, rejection, warnings);
+  if (outcome.status == Pass_Outcome::Status::done ||
+      outcome.status == Pass_Outcome::Status::failed) {
     print_changes(outcome);
     std::cout << fmt::format("Cameras reconciled: {}\n", outcome.reconciled.size());
   }
@@ -234,6 +274,8 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
       return outcome.errors.empty() ? exit_done : exit_trigger_errors;
     case Pass_Outcome::Status::rejected:
       return exit_rejected;
+    case Pass_Outcome::Status::refused:
+      return exit_refused;
     case Pass_Outcome::Status::failed:
       break;
   }
@@ -243,7 +285,7 @@ Exit_Status exit_status_of(const Pass_Outcome& outcome) {
 void print_outcome(const Options& options, const Pass_Outcome& outcome,
                    const std::optional<Located_Fault>& rejection, const Fault_List& warnings) {
   if (options.json) {
-    print_with_warnings(to_json(outcome, rejection), warnings);
+    print_with_warnings(outcome_to_json(outcome, rejection), warnings);
   } else {
     print_for_people(outcome, rejection, warnings);
   }
@@ -263,7 +305,7 @@ void print_failed_pass(const Options& options, const std::string& message,
   }
   Pass_Outcome outcome;
   outcome.errors = {{Error::Category::failed_processing, message}};
-  Json::Value answer = to_json(outcome, std::nullopt);
+  Json::Value answer = outcome_to_json(outcome, std::nullopt);
   if (!stored.empty()) {
     answer["remarks"].append(stored);
     answer["changes"] = Json::Value();  // lost with the outcome

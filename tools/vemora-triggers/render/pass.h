@@ -1,5 +1,7 @@
 #pragma once
 
+#include <json/value.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +14,17 @@
 namespace kuv::vemora::tools {
 
 Exit_Status exit_status_of(const embedded_server::Pass_Outcome& outcome);
+
+/// An outcome as a JSON object, all but its warnings.
+Json::Value outcome_to_json(const embedded_server::Pass_Outcome& outcome,
+                            const std::optional<Located_Fault>& rejection);
+
+/// Prints such an object, and the warnings as its last member.
+void print_with_warnings(const Json::Value& answer, const Fault_List& warnings);
+
+/// Prints for people the errors, warnings and remarks of an outcome.
+void print_complaints(const embedded_server::Pass_Outcome& outcome,
+                      const std::optional<Located_Fault>& rejection, const Fault_List& warnings);
 
 /// Prints the outcome of a pass with its warnings and, if a document was rejected, the location of
 /// the fault.

@@ -39,22 +39,6 @@ Json::Value to_json(const Activity_Duration& activity) {
   return object;
 }
 
-Json::Value to_json(const Trigger_Source& source) {
-  Json::Value object(Json::objectValue);
-  object["type"] = std::string(name_of(source.type));
-  if (source.onvif_topic) {
-    object["onvifTopic"] = *source.onvif_topic;
-  }
-  if (source.search_item) {
-    object["searchItem"]["type"] = source.search_item->object_type;
-    object["searchItem"]["motionRequired"] = source.search_item->motion_required;
-  }
-  if (source.activity_duration) {
-    object["activityDuration"] = to_json(*source.activity_duration);
-  }
-  return object;
-}
-
 std::vector<std::uint64_t> schedule_ids(const trigger& record) {
   std::vector<std::uint64_t> ids;
   for (const Trigger_Mapping_Entry& entry : record.schedules) {
@@ -64,15 +48,7 @@ std::vector<std::uint64_t> schedule_ids(const trigger& record) {
 }
 
 Json::Value to_json(const trigger& record) {
-  Json::Value object(Json::objectValue);
-  object["id"] = Json::UInt64(record.id);
-  object["name"] = record.name;
-  object["scheduleIds"] = ids_to_json(schedule_ids(record));
-  object["sources"] = Json::Value(Json::arrayValue);
-  for (const Trigger_Source& source : record.sources) {
-    object["sources"].append(to_json(source));
-  }
-  return object;
+  return trigger_to_json(record);
 }
 
 template <class Linked>
@@ -154,22 +130,6 @@ std::string join(const std::vector<std::uint64_t>& ids) {
   return fmt::format("{}", fmt::join(ids, " "));
 }
 
-std::string describe(const Trigger_Source& source) {
-  std::string text(name_of(source.type));
-  if (source.onvif_topic) {
-    text += " " + *source.onvif_topic;
-  }
-  if (source.search_item) {
-    text += " " + source.search_item->object_type;
-    text += source.search_item->motion_required ? " in motion" : "";
-  }
-  if (source.activity_duration) {
-    text += fmt::format(" for {} s",
-                        static_cast<double>(source.activity_duration->min_duration.count()) / 1e6);
-  }
-  return printable(text);
-}
-
 std::string describe_sources(const trigger& record) {
   std::vector<std::string> sources;
   for (const Trigger_Source& source : record.sources) {
@@ -210,6 +170,50 @@ void print_records(const Options& options, const Records<Record>& records, const
 }
 
 }  // namespace
+
+Json::Value source_to_json(const Trigger_Source& source) {
+  Json::Value object(Json::objectValue);
+  object["type"] = std::string(name_of(source.type));
+  if (source.onvif_topic) {
+    object["onvifTopic"] = *source.onvif_topic;
+  }
+  if (source.search_item) {
+    object["searchItem"]["type"] = source.search_item->object_type;
+    object["searchItem"]["motionRequired"] = source.search_item->motion_required;
+  }
+  if (source.activity_duration) {
+    object["activityDuration"] = to_json(*source.activity_duration);
+  }
+  return object;
+}
+
+Json::Value trigger_to_json(const trigger& record) {
+  Json::Value object(Json::objectValue);
+  object["id"] = Json::UInt64(record.id);
+  object["name"] = record.name;
+  object["scheduleIds"] = ids_to_json(schedule_ids(record));
+  object["sources"] = Json::Value(Json::arrayValue);
+  for (const Trigger_Source& source : record.sources) {
+    object["sources"].append(source_to_json(source));
+  }
+  return object;
+}
+
+std::string describe(const Trigger_Source& source) {
+  std::string text(name_of(source.type));
+  if (source.onvif_topic) {
+    text += " " + *source.onvif_topic;
+  }
+  if (source.search_item) {
+    text += " " + source.search_item->object_type;
+    text += source.search_item->motion_required ? " in motion" : "";
+  }
+  if (source.activity_duration) {
+    text += fmt::format(" for {} s",
+                        static_cast<double>(source.activity_duration->min_duration.count()) / 1e6);
+  }
+  return printable(text);
+}
 
 void print_triggers(const Options& options, const Records<trigger>& records) {
   print_records(options, records, {"ID", "NAME", "SCHEDULES", "SOURCES"},

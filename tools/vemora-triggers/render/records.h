@@ -1,6 +1,9 @@
 #pragma once
 
+#include <json/value.h>
+
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "tools/vemora-triggers/invocation/options.h"
@@ -10,6 +13,11 @@
 #include "vemora/platform/records/trigger.h"
 
 namespace kuv::vemora::tools {
+
+// Records and their parts in words.
+Json::Value trigger_to_json(const trigger& record);
+Json::Value source_to_json(const Trigger_Source& source);
+std::string describe(const Trigger_Source& source);
 
 template <class Record>
 using Records = std::vector<std::shared_ptr<Record>>;

@@ -6,7 +6,7 @@ Recording_Capture_Manager::Recording_Capture_Manager(std::shared_ptr<capture::Ma
 
 void Recording_Capture_Manager::reconcile_metadata_stream(std::uint64_t camera_id) {
   asked_for_.insert(camera_id);
-  if (target_) {
+  if (target_ && !holds_back_) {
     target_->reconcile_metadata_stream(camera_id);
   }
   reconciled_.insert(camera_id);
@@ -15,6 +15,7 @@ void Recording_Capture_Manager::reconcile_metadata_stream(std::uint64_t camera_i
 void Recording_Capture_Manager::forget() {
   asked_for_.clear();
   reconciled_.clear();
+  holds_back_ = false;
 }
 
 Snapshot_Pusher::Snapshot_Pusher(std::shared_ptr<Trigger_Notification_Pusher> target)
@@ -28,10 +29,15 @@ void Snapshot_Pusher::stop() {
 }
 
 void Snapshot_Pusher::apply_trigger_state(Trigger_Config_State state) {
-  if (target_) {
+  if (target_ && !holds_back_) {
     target_->apply_trigger_state(state);
   }
   state_ = std::move(state);
+}
+
+void Snapshot_Pusher::forget() {
+  state_.reset();
+  holds_back_ = false;
 }
 
 std::vector<std::string> Inventory_Meta_Type_Resolver::resolve(

@@ -30,8 +30,12 @@ class VEMORA_API Recording_Capture_Manager : public capture::Manager {
 
   void forget();
 
+  /// Until the next forget(), the target is not called.
+  void hold_back() noexcept { holds_back_ = true; }
+
  private:
   std::shared_ptr<capture::Manager> target_;
+  bool holds_back_ = false;
   std::set<std::uint64_t> asked_for_;
   std::set<std::uint64_t> reconciled_;
 };
@@ -46,10 +50,14 @@ class VEMORA_API Snapshot_Pusher : public Trigger_Notification_Pusher {
 
   /// Nothing if none was accepted since the last forget().
   const std::optional<Trigger_Config_State>& state() const { return state_; }
-  void forget() { state_.reset(); }
+  void forget();
+
+  /// Until the next forget(), the target receives no state.
+  void hold_back() noexcept { holds_back_ = true; }
 
  private:
   std::shared_ptr<Trigger_Notification_Pusher> target_;
+  bool holds_back_ = false;
   std::optional<Trigger_Config_State> state_;
 };
 

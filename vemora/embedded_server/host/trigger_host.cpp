@@ -100,6 +100,14 @@ Status status_of(const Directive_Config_Processing::Result& result) {
   return rejected ? Status::rejected : Status::failed;
 }
 
+void tell_rejection(std::vector<Check_Fault>& faults, Pass_Outcome& outcome) {
+  if (outcome.status == Status::rejected && !faults.empty()) {
+    outcome.rejection = std::move(faults.front());
+  } else if (outcome.status == Status::rejected && !outcome.rejected_for_warnings) {
+    outcome.status = Status::failed;  // the reason is not in the documents
+  }
+}
+
 /// Thrown to end a pass. Not derived from std::exception, because the manager would catch that.
 struct Rejected_For_Warnings {};
 
@@ -149,28 +157,97 @@ Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t ser
       pusher_(std::make_shared<Snapshot_Pusher>(std::move(services.pusher))),
       resolver_(std::make_shared<Inventory_Meta_Type_Resolver>()),
       judge_(std::move(services.judge)),
-      warnings_reject_(services.warnings_reject) {}
+      warnings_reject_(services.warnings_reject),
+      refuses_mass_deletion_(services.refuses_mass_deletion) {}
 
-Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping) {
+Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping,
+                                 const Object_To_Pass& object) {
   const std::lock_guard<std::mutex> lock(mutex_);
   kept_ = Kept::nothing;
   Pass_Scope pass(database_, server_id_);
   Kept_Note kept(kept_, pass);
   begin();
   const Given_Documents documents(config, mapping, pass);
-  std::vector<Check_Fault> faults;
   Pass_Outcome outcome;
+  if (object) {
+    if (std::optional<std::string> objection = object()) {
+      outcome.status = Status::refused;
+      outcome.errors.push_back({Error::Category::failed_processing, *std::move(objection)});
+      return outcome;
+    }
+  }
+  watch_deletions(pass, outcome);
+  std::vector<Check_Fault> faults;
   update_config(pass, documents, faults, outcome);
   finish(pass,
          {config.text(), mapping != nullptr ? std::make_optional(mapping->text()) : std::nullopt},
          outcome);
-  if (outcome.status == Status::rejected && !faults.empty()) {
-    outcome.rejection = std::move(faults.front());
-  } else if (outcome.status == Status::rejected && !outcome.rejected_for_warnings) {
-    outcome.status = Status::failed;  // the reason is not in the documents
-  }
+  tell_rejection(faults, outcome);
   kept.note_end(outcome.status);
   return outcome;
+}
+
+Pass_Outcome Trigger_Host::plan(const Json_Document& config, const Json_Document* mapping,
+                                const Plan_Observer& observer) const {
+  // A host of its own, which has nobody to tell and waits for no pass of this one.
+  Trigger_Host scratch(database_, server_id_,
+                       {nullptr, nullptr, judge_, warnings_reject_, refuses_mass_deletion_});
+  return scratch.run_plan(config, mapping, observer);
+}
+
+Pass_Outcome Trigger_Host::run_plan(const Json_Document& config, const Json_Document* mapping,
+                                    const Plan_Observer& observer) {
+  Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
+  begin();
+  const Given_Documents documents(config, mapping, pass);
+  Pass_Outcome outcome;
+  observer.before();
+  watch_deletions(pass, outcome);
+  std::vector<Check_Fault> faults;
+  update_config(pass, documents, faults, outcome);
+  finish_plan(pass, outcome);
+  tell_rejection(faults, outcome);
+  if (outcome.status != Status::rejected) {
+    observer.after(outcome);
+  }
+  return outcome;
+}
+
+void Trigger_Host::finish_plan(Pass_Scope& pass, Pass_Outcome& outcome) {
+  if (!pass.fault()) {
+    pass.end();
+  }
+  if (pass.fault()) {
+    throw Database_Error(*pass.fault());
+  }
+  if (outcome.status == Status::rejected) {
+    return;
+  }
+  outcome.changes = pass.changes();
+  outcome.state = pusher_->state();
+  reconcile_leftovers(pass);
+  outcome.reconciled = capture_manager_->reconciled();
+  if (outcome.status == Status::failed) {
+    outcome.remarks.emplace_back(
+        "What the pass had written until then would be committed; the documents stored would still "
+        "be the old ones.");
+    name_corrupt_records(outcome);
+  }
+}
+
+/// Where too much would be deleted, the pass is given up and the services are told nothing more.
+void Trigger_Host::watch_deletions(Pass_Scope& pass, Pass_Outcome& outcome) {
+  if (!refuses_mass_deletion_) {
+    return;
+  }
+  pass.ask_before_commit([this, &outcome](const Deletions& deletions) {
+    outcome.mass_deletions = find_mass_deletions(deletions);
+    if (!outcome.mass_deletions.empty()) {
+      capture_manager_->hold_back();
+      pusher_->hold_back();
+    }
+    return outcome.mass_deletions.empty();
+  });
 }
 
 void Trigger_Host::update_config(Pass_Scope& pass, const Given_Documents& documents,
@@ -200,6 +277,7 @@ Pass_Outcome Trigger_Host::refresh() {
   Kept_Note kept(kept_, pass);
   begin();
   Pass_Outcome outcome;
+  watch_deletions(pass, outcome);
   refresh(pass, Given_Documents(pass), outcome);
   finish(pass, {}, outcome);
   kept.note_end(outcome.status);
@@ -308,6 +386,10 @@ void Trigger_Host::begin() {
 
 void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome) {
   end(pass, outcome);
+  if (pass.is_given_up()) {
+    tell_refusal(outcome);
+    return;
+  }
   outcome.changes = pass.changes();
   outcome.state = pusher_->state();
   outcome.reconciled = capture_manager_->reconciled();  // even if storing fails
@@ -332,6 +414,16 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
       name_corrupt_records(outcome);
     }
   }
+}
+
+/// The errors of single triggers stay: they may be why so much would be deleted.
+void Trigger_Host::tell_refusal(Pass_Outcome& outcome) {
+  outcome.status = Status::refused;
+  outcome.remarks.clear();
+  outcome.changes_are_known = true;  // there are none
+  outcome.errors.push_back(
+      {Error::Category::failed_processing,
+       fmt::format("This pass would delete {}.", describe(outcome.mass_deletions))});
 }
 
 void Trigger_Host::end(Pass_Scope& pass, Pass_Outcome& outcome) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -13,6 +14,7 @@
 #include "vemora/embedded_server/documents/document_warning.h"
 #include "vemora/embedded_server/documents/json_document.h"
 #include "vemora/embedded_server/host/document_judge.h"
+#include "vemora/embedded_server/host/mass_deletion.h"
 #include "vemora/embedded_server/host/services.h"
 #include "vemora/embedded_server/persistent/changes.h"
 #include "vemora/embedded_server/persistent/database.h"
@@ -34,6 +36,7 @@ struct Pass_Outcome {
     done,      ///< single triggers may have errors
     rejected,  ///< a document was rejected; nothing changed
     failed,    ///< the pass or the database failed
+    refused,   ///< the pass was given up on purpose; nothing changed
   };
 
   Status status = Status::failed;
@@ -47,7 +50,22 @@ struct Pass_Outcome {
       rejection;  ///< the reason if a document was rejected, as check() reports it
   bool rejected_for_warnings = false;  ///< and for nothing else
   bool changes_are_known = true;       ///< false if it is not known what became of a commit
+  /// The deletions for which the pass was refused; of a plan, for which it would be.
+  std::vector<Mass_Deletion> mass_deletions;
 };
+
+/// Reads the site within the transaction of a plan, through what joins a pass that is open on its
+/// thread: the repositories and site_reader.h.
+struct Plan_Observer {
+  std::function<void()> before;  ///< called when the pass has begun and has changed nothing
+  /// Called when the pass is done; what is read then is what the pass left. Not called if a
+  /// document was rejected.
+  std::function<void(const Pass_Outcome&)> after;
+};
+
+/// Called in the transaction of a pass before anything is changed. Returns the reason if the pass
+/// is to be refused.
+using Object_To_Pass = std::function<std::optional<std::string>()>;
 
 /// The services that passes call, and the function that judges documents. Each may be empty, and
 /// nothing is done then.
@@ -56,6 +74,7 @@ struct Host_Services {
   std::shared_ptr<Trigger_Notification_Pusher> pusher;
   Judge_Documents judge = {};
   bool warnings_reject = false;  ///< a document with a warning is rejected, and nothing changes
+  bool refuses_mass_deletion = false;  ///< see is_mass_deletion()
 };
 
 /// Runs passes on one database as a server would. It can be used from any thread; passes wait for
@@ -67,11 +86,19 @@ class VEMORA_API Trigger_Host {
                Host_Services services = {});
 
   /// Runs a pass with a new configuration and, unless it is null, a new mapping, and stores them if
-  /// the pass succeeds. A new mapping must have its list; only a stored one may lack it.
-  Pass_Outcome apply(const Json_Document& config, const Json_Document* mapping);
+  /// the pass succeeds. A new mapping must have its list; only a stored one may lack it. The pass
+  /// is refused if `object` objects to it.
+  Pass_Outcome apply(const Json_Document& config, const Json_Document* mapping,
+                     const Object_To_Pass& object = nullptr);
 
   /// Runs a pass on the stored documents.
   Pass_Outcome refresh();
+
+  /// Runs the pass that apply() would run, and returns the outcome that it would have if no service
+  /// failed. Writes nothing, calls no service of this host and waits for no lock. Throws
+  /// Database_Error.
+  Pass_Outcome plan(const Json_Document& config, const Json_Document* mapping,
+                    const Plan_Observer& observer) const;
 
   /// What is stored of the pass that began last. To be used if its outcome was lost because
   /// something was thrown during the pass or after it.
@@ -103,7 +130,12 @@ class VEMORA_API Trigger_Host {
                                       const std::vector<Trigger_Config>& triggers, bool are_valid,
                                       bool in_pass);
   void begin();
+  void watch_deletions(Pass_Scope& pass, Pass_Outcome& outcome);
+  Pass_Outcome run_plan(const Json_Document& config, const Json_Document* mapping,
+                        const Plan_Observer& observer);
+  void finish_plan(Pass_Scope& pass, Pass_Outcome& outcome);
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
+  void tell_refusal(Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);
   void reconcile_leftovers(Pass_Scope& pass);
   void name_corrupt_records(Pass_Outcome& outcome);
@@ -117,6 +149,7 @@ class VEMORA_API Trigger_Host {
   std::shared_ptr<Inventory_Meta_Type_Resolver> resolver_;
   Judge_Documents judge_;
   bool warnings_reject_;
+  bool refuses_mass_deletion_;
   std::atomic<Kept> kept_ = Kept::nothing;
   std::mutex mutex_;  ///< held from the first read of a pass until its documents are stored
 };

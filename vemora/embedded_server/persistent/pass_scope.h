@@ -8,6 +8,7 @@
 
 #include "vemora/embedded_server/persistent/changes.h"
 #include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/deletions.h"
 #include "vemora/embedded_server/persistent/kept.h"
 #include "vemora/platform/export.h"
 
@@ -55,6 +56,14 @@ class VEMORA_API Pass_Scope {
   /// The accepted documents as they were when the pass began.
   const Documents& documents() const;
 
+  /// `permit` is asked before the first commit, if that would delete anything. If it answers false,
+  /// the pass is given up: nothing of it is ever written, and from then on it goes on as in the
+  /// mode roll_back. In a mode that commits nothing, the answer does not matter.
+  void ask_before_commit(Permit_Deletions permit);
+
+  /// Whether it was given up, because what it would delete was not permitted.
+  bool is_given_up() const noexcept;
+
   /// To be called when the trigger manager is done. A pass that failed before its last write is
   /// committed as far as it came; throws Database_Error, saying that nothing of it was kept or that
   /// nobody knows, when the database lost it. A fault behind the last write only sticks.
@@ -74,7 +83,8 @@ class VEMORA_API Pass_Scope {
 
   /// The cameras whose subscriptions were added, deleted, or updated with other triggers, in this
   /// pass or in one that was cut short, and whose streams have not been reconciled since. A link
-  /// that went because its trigger was deleted is no change to the camera. After end().
+  /// that went because its trigger was deleted is no change to the camera. In a mode that commits
+  /// nothing, those that would be pending. After end().
   std::set<std::uint64_t> pending_cameras();
 
   /// Stores documents, where given, and strikes out cameras that were reconciled, in one

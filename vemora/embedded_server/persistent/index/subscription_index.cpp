@@ -125,6 +125,14 @@ bool Subscription_Index::exists(std::uint64_t camera_id, const std::string& topi
   return found != by_topic_.end() && found->second.count(camera_id) != 0;
 }
 
+std::size_t Subscription_Index::count_topic_subscriptions() const {
+  std::size_t count = 0;
+  for (const auto& [topic, by_camera] : by_topic_) {
+    count += by_camera.size();
+  }
+  return count;
+}
+
 Subscription_Index::List Subscription_Index::matching(const Query& query) {
   const bool lacking = query.trigger && query.trigger_match == Query::Trigger_Match::lacking;
   const Records::Holders* const excluded = lacking ? &records_.holders(query.trigger->id) : nullptr;

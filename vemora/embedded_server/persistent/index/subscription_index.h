@@ -51,6 +51,7 @@ class Subscription_Index {
   bool exists(std::uint64_t camera_id, const std::string& topic) const;
 
   List all() const { return records_.all(); }
+  std::size_t count_topic_subscriptions() const;
   List matching(const Query& query);
 
   /// The topic subscriptions that delete_without_triggers deletes once all other triggers are.

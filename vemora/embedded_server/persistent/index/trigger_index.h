@@ -45,6 +45,8 @@ class Trigger_Index {
   std::vector<std::shared_ptr<const trigger>> all_accepted() const;
   std::set<std::uint64_t> ids() const;
 
+  std::size_t count() const { return records_.size(); }
+
   /// Null when there is none.
   std::shared_ptr<trigger> find(std::uint64_t id) const;
   bool contains(std::uint64_t id) const { return records_.count(id) != 0; }

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "vemora/embedded_server/persistent/engine/bring_up_to_date.h"
+#include "vemora/embedded_server/persistent/pass/count_deletions.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
 #include "vemora/embedded_server/persistent/pass/verify_index.h"
 #include "vemora/embedded_server/persistent/pass/write_changes.h"
@@ -117,26 +118,45 @@ void Pass::store_changes(Site_Index& site) {
   const Site_Index::Net_Changes net = site.settle();
   Changes changes = changes_;
   append_changes(net, changes);
-  if (mode_ == Pass_Scope::Mode::commit) {
-    bool begun = false;
-    try {
-      require_in_place();
-      write(net);
-      begun = true;
-      session_->commit(*transaction_);
-    } catch (const std::exception& fault) {
-      note_failed_commit(fault, begun, changes);
-      transaction_.reset();  // half of it may be written: all of it is rolled back
-      throw;
-    }
-    ++commits_;
-    come_to(Pass_Event::commit);
-    transaction_.reset();
+  give_up_unless_permitted(net);
+  if (commits_changes()) {
+    commit_changes(net, changes);
+  } else {
+    cameras_not_noted_.insert(net.subscriptions.cameras.begin(), net.subscriptions.cameras.end());
   }
   changes_ = std::move(changes);
   if (commits_ > 0) {
     require_in_place();
   }
+}
+
+/// What is committed already stays, so that only the first commit can be refused.
+void Pass::give_up_unless_permitted(const Site_Index::Net_Changes& net) {
+  if (!permit_ || commits_ > 0 || given_up_) {
+    return;
+  }
+  const Deletions deletions = deletions_of(net, site_);
+  if (!deletions.empty() && !permit_(deletions) && commits_changes()) {
+    given_up_ = true;
+    mode_ = Pass_Scope::Mode::roll_back;
+  }
+}
+
+void Pass::commit_changes(const Site_Index::Net_Changes& net, Changes& changes) {
+  bool begun = false;
+  try {
+    require_in_place();
+    write(net);
+    begun = true;
+    session_->commit(*transaction_);
+  } catch (const std::exception& fault) {
+    note_failed_commit(fault, begun, changes);
+    transaction_.reset();  // half of it may be written: all of it is rolled back
+    throw;
+  }
+  ++commits_;
+  come_to(Pass_Event::commit);
+  transaction_.reset();
 }
 
 /// What became of a commit that failed, once it was `begun`, with these changes. To be called as
@@ -266,7 +286,7 @@ void Pass::throw_if_faulty() const {
 
 void Pass::verify_against_database() {
 #ifndef NDEBUG
-  if (purpose_ == Purpose::whole_pass && mode_ == Pass_Scope::Mode::commit) {
+  if (purpose_ == Purpose::whole_pass && commits_changes()) {
     verify_index(*session_, engine().odb(), site_);
   }
 #endif

@@ -78,6 +78,16 @@ class Pass {
   /// To be called by each operation that writes.
   void note_write() noexcept { come_to(Pass_Event::write); }
 
+  /// See Pass_Scope.
+  void ask_before_commit(Permit_Deletions permit) { permit_ = std::move(permit); }
+  bool is_given_up() const noexcept { return given_up_; }
+
+  /// The cameras that would be pending, had it been committed. Empty in a pass that commits.
+  const std::set<std::uint64_t>& cameras_not_noted() const { return cameras_not_noted_; }
+
+  /// Whether anything of it is ever written.
+  bool commits_changes() const noexcept { return mode_ == Pass_Scope::Mode::commit; }
+
   /// Of a commit that nobody can know the fate of, what is known all the same; nothing where there
   /// was none.
   const std::optional<Commit_Not_Known::Known>& commit_not_known() const {
@@ -103,6 +113,8 @@ class Pass {
   void open_session();
   void begin_if_necessary();
   void store_changes(Site_Index& site);
+  void give_up_unless_permitted(const Site_Index::Net_Changes& net);
+  void commit_changes(const Site_Index::Net_Changes& net, Changes& changes);
   void write(const Site_Index::Net_Changes& net);
   void require_in_place();
   void commit_what_came_before_the_fault();
@@ -125,6 +137,9 @@ class Pass {
   std::optional<std::string> fault_;  ///< in the phases in which one sticks
   int commits_ = 0;
   std::optional<Commit_Not_Known::Known> commit_not_known_;
+  Permit_Deletions permit_;
+  bool given_up_ = false;
+  std::set<std::uint64_t> cameras_not_noted_;
 };
 
 }  // namespace kuv::vemora::embedded_server

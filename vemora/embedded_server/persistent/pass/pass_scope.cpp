@@ -15,7 +15,6 @@ class Pass_Scope::State {
  public:
   State(std::shared_ptr<Database> database, std::uint64_t id, Mode chosen)
       : server_id(id),
-        mode(chosen),
         pass(std::move(database),
              chosen == Mode::read_only ? Pass::Purpose::single_read : Pass::Purpose::whole_pass,
              chosen, id) {}
@@ -32,7 +31,6 @@ class Pass_Scope::State {
   }
 
   std::uint64_t server_id;
-  Mode mode;
   Pass pass;
   Documents documents;
   bool has_nothing_to_store = false;
@@ -51,6 +49,14 @@ Pass_Scope::~Pass_Scope() = default;
 
 const Documents& Pass_Scope::documents() const {
   return state_->documents;
+}
+
+void Pass_Scope::ask_before_commit(Permit_Deletions permit) {
+  state_->pass.ask_before_commit(std::move(permit));
+}
+
+bool Pass_Scope::is_given_up() const noexcept {
+  return state_->pass.is_given_up();
 }
 
 void Pass_Scope::end() {
@@ -86,12 +92,13 @@ std::set<std::uint64_t> Pass_Scope::pending_cameras() {
   std::set<std::uint64_t> ids;
   state_->pass.run([this, &ids](Site_Index&) { ids = load_pending(state_->pass.engine()); });
   state_->pass.commit();  // what is stored next must not stand on what was read here
+  ids.insert(state_->pass.cameras_not_noted().begin(), state_->pass.cameras_not_noted().end());
   return ids;
 }
 
 void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
   const bool nothing = !accepted.config && !accepted.mapping && reconciled.empty();
-  if (state_->mode != Mode::commit) {
+  if (!state_->pass.commits_changes()) {
     return;
   }
   if (nothing || !state_->changes_by_storing(accepted, reconciled)) {
