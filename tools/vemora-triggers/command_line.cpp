@@ -155,6 +155,12 @@ void require_one_question(const Invocation& call) {
   if (asked.in_motion && !asked.object) {
     complain("--in-motion needs --object");
   }
+  if (!asked.against.empty() && !asked.events) {
+    complain("--against needs --events");
+  }
+  if (int(asked.events == "-") + std::count(asked.against.begin(), asked.against.end(), "-") > 1) {
+    complain("only one input can be -");
+  }
 }
 
 operations::Event event_of(const Invocation& call) {
@@ -170,6 +176,18 @@ operations::Event event_of(const Invocation& call) {
     return {Kind::object, *call.camera_id, *asked.object, asked.in_motion};
   }
   return {Kind::motion, *call.camera_id, {}, false};
+}
+
+Exit_Status match(const Invocation& call) {
+  const Asked_Event& asked = call.event;
+  if (!asked.events) {
+    return match(call.options, event_of(call));
+  }
+  if (asked.against.empty()) {
+    return match_events(call.options, *asked.events);
+  }
+  return match_against(call.options, *asked.events, asked.against.front(),
+                       asked.against.size() > 1 ? asked.against.back() : std::string());
 }
 
 void add_match(CLI::App& app, Invocation& call) {
@@ -189,12 +207,15 @@ void add_match(CLI::App& app, Invocation& call) {
                    "Count the events of a file, one JSON object a line; - reads standard input")
       ->type_name("FILE")
       ->check(a_path());
+  matched
+      ->add_option("--against", asked.against,
+                   "Compare with other documents: CONFIG [MAPPING], read as by apply")
+      ->type_name("FILES")
+      ->expected(1, 2)
+      ->check(a_path());
   matched->callback([&call] {
     require_one_question(call);
-    call.command = [&call] {
-      return call.event.events ? match_events(call.options, *call.event.events)
-                               : match(call.options, event_of(call));
-    };
+    call.command = [&call] { return match(call); };
   });
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/vemora-triggers/commands/commands.h"
 #include "tools/vemora-triggers/invocation/exit_status.h"
@@ -24,6 +25,7 @@ struct Asked_Event {
   bool motion = false;
   std::optional<std::uint64_t> subscription_id;
   std::optional<std::string> events;
+  std::vector<std::string> against;  ///< a configuration, and perhaps a mapping
 };
 
 /// The parsed command line.

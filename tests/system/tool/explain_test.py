@@ -71,7 +71,7 @@ class One_Trigger(Explained):
                           [{"code": "not-in-configuration", "text": "No configuration is stored yet."}]])
         self.apply(config(trigger(8)))
         self.assertEqual(self.explain(7)["reasons"], [{"code": "not-in-configuration",
-                                                       "text": "The stored configuration has no such trigger."}])
+                                                       "text": "The configuration has no such trigger."}])
 
     def test_each_schedule_in_the_way_is_named_with_where_it_stands(self):
         self.apply(config(trigger(7, scheduleIds=[2, 9, 1])), mapping(([9, 4], [7]), ([5], [8])))

@@ -13,7 +13,7 @@ import unittest
 from random_site import CAMERAS, SUBSCRIPTIONS, TOPICS, TYPES, Random_Site
 from site_model import Model, Records, leaves, matches
 from tool_site import (CROSSED, DONE, ENGINE, LARGEST_ID, MOTION, REJECTED, WRONG_USAGE, Site, camera, config,
-                       object_source, topic_source, trigger)
+                       mapping, object_source, topic_source, trigger)
 
 SITES = int(os.environ.get("SITES", "20" if ENGINE == "sqlite" else "4"))
 
@@ -93,6 +93,8 @@ class One_Event(Matched):
                 (("--camera", "10", "--topic", "a", "--motion"), "--camera needs one of"),
                 (("--subscription", "3", "--topic", "a"), "--topic, --object and --motion need --camera"),
                 (("--camera", "10", "--motion", "--in-motion"), "--in-motion needs --object"),
+                (("--camera", "10", "--motion", "--against", "x"), "--against needs --events"),
+                (("--events", "-", "--against", "-"), "only one input can be -"),
                 ((), "one of --camera, --subscription and --events is required"),
                 (("--topic", MOTION), "one of --camera, --subscription and --events is required"),
                 (("--subscription", "3", "--camera", "10", "--motion"), "one of --camera"),
@@ -191,6 +193,65 @@ class Many_Events(Matched):
             self.assertRegex(outcome.text, "cannot (open|read)")
 
 
+class Other_Documents(Matched):
+    def against(self, events, *documents, expected=DONE):
+        self.write("events", lines(events))
+        names = [self.write(f"other{number}.json", document) for number, document in enumerate(documents)]
+        outcome = self.run_tool("--json", "match", "--events", "events", "--against", *names)
+        self.assertEqual((outcome.status, outcome.err), (expected, b""), outcome.out)
+        return outcome.json
+
+    def test_who_gains_and_who_loses_which_events_where_and_why(self):
+        self.apply(config(trigger(7), trigger(8, {"type": "metadata-event"})))
+        before = self.rows()
+        events = [{"camera": 10, "topic": MOTION}] * 3 + [{"camera": 11, "topic": MOTION}, {"subscription": 3}]
+        self.assertEqual(
+            self.against(events, config(trigger(7, tags={"camera": {"area": "gate"}}), trigger(9))),
+            {"events": 5, "unheard": 0, "triggers": {"7": 4, "8": 1},
+             "gained": [{"trigger": 9, "camera": number, "events": count, "reasons": [
+                 {"code": "not-in-configuration", "text": "The configuration has no such trigger."}]}
+                        for number, count in ((10, 3), (11, 1))],
+             "lost": [{"trigger": 7, "camera": 11, "events": 1, "reasons": [
+                 {"code": "camera-filter",
+                  "text": "The camera filter asks for area=gate; camera 11 has area=dock."}]},
+                      {"trigger": 8, "subscription": 3, "events": 1, "reasons": [
+                          {"code": "not-in-configuration", "text": "The configuration has no such trigger."}]}]})
+        self.assertEqual(self.rows(), before)
+
+    def test_a_source_that_is_taken_out_is_the_reason(self):
+        self.apply(config(trigger(7, topic_source(MOTION), topic_source(CROSSED))))
+        [lost] = self.against([{"camera": 10, "topic": CROSSED}], config(trigger(7)))["lost"]
+        self.assertEqual([reason["code"] for reason in lost["reasons"]], ["no-such-source"])
+
+    def test_a_mapping_may_be_given_too(self):
+        documents = config(trigger(7, scheduleIds=[1]))
+        self.apply(documents)
+        events = [{"camera": 10, "topic": MOTION}]
+        self.assertEqual(self.against(events, documents)["lost"], [])
+        [lost] = self.against(events, documents, mapping(([2], [7])))["lost"]
+        self.assertEqual([reason["code"] for reason in lost["reasons"]], ["schedule-not-usable"])
+
+    def test_documents_with_faults_are_rejected(self):
+        self.apply(config(trigger(7)))
+        [fault] = self.against([], config({**trigger(7), "name": 1}), expected=REJECTED)["errors"]
+        self.assertEqual((fault["document"], fault["message"]), ("config", '"name" field is missing or invalid.'))
+
+    def test_people_read_tables(self):
+        self.apply(config(trigger(7)))
+        self.write("events", lines([{"camera": 10, "topic": MOTION}]))
+        self.write("none.json", config())
+        self.assertEqual(self.run_tool("match", "--events", "events", "--against", "none.json").text, """\
+TRIGGER  EVENTS
+7        1
+1 event, 0 that no trigger is told of.
+
+LOST BY  FROM       EVENTS  WHY
+7        camera 10  1       The configuration has no such trigger.
+""")
+        self.assertIn("With the other documents the same triggers are told.",
+                      self.run_tool("match", "--events", "events", "--against", "config.json").text)
+
+
 class Random_Sites(Matched):
     def setUp(self):
         Site.setUp(self)
@@ -219,6 +280,7 @@ class Random_Sites(Matched):
         events += [{"camera": number, "motion": True} for number in CAMERAS]
         events += [{"subscription": number} for number in SUBSCRIPTIONS]
         self.judge_all(model, events)
+        self.judge_other_documents(model, Random_Site(site.random.randrange(1000)), events)
         known = set(model.cameras) | {place[1] for place in records.holders() if place[0] != "generic"}
         for event in site.random.sample(events, 10):
             if event.get("camera") in known or event.get("subscription") in records.generic:
@@ -235,6 +297,30 @@ class Random_Sites(Matched):
             counts = collections.Counter(str(number) for one in told for number in one)
             self.assertEqual(self.count(repeated), {"events": len(repeated), "triggers": dict(counts),
                                                     "unheard": sum(not one for one in told)})
+
+    def judge_other_documents(self, model, other, events):
+        """A file of all events: each trigger's and place's gain and loss, by the model of either documents."""
+        after = Model({**other.inventory, **model.inventory}, other.config, other.mapping, model.stored)
+        self.write("events", lines(events))
+        names = [self.write("other.json", other.config), self.write("others.json", other.mapping)]
+        told = self.match("--events", "events", "--against", *names)
+        expected = {"gained": collections.Counter(), "lost": collections.Counter()}
+        codes = collections.defaultdict(set)
+        for event in events:
+            now, then = set(model.reached(event)), after.reached_after_refresh(event)
+            place = ("subscription", event["subscription"]) if "subscription" in event else ("camera", event["camera"])
+            for kind, numbers, why in (("gained", then - now, model), ("lost", now - then, after)):
+                for number in numbers:
+                    expected[kind][number, *place] += 1
+                    codes[kind, number, *place].update(why.why_not(number, event))
+        for kind, counts in expected.items():
+            rows = {(row["trigger"], place, row[place]): row for row in told[kind]
+                    for place in ("camera", "subscription") if place in row}
+            self.assertEqual({key: row["events"] for key, row in rows.items()}, dict(counts))
+            self.assertEqual(len(rows), len(told[kind]))
+            for key, row in rows.items():
+                self.assertTrue(row["reasons"], (kind, row))
+                self.assertLessEqual({reason["code"] for reason in row["reasons"]}, codes[kind, *key], (kind, row))
 
     def judge_one(self, model, event):
         arguments = {"topic": ["--topic", event.get("topic")], "object": ["--object", event.get("object")],

@@ -61,6 +61,7 @@ class Trigger:
 
 class Model:
     def __init__(self, inventory, config, mapping, records, server_id=1):
+        self.inventory = inventory
         self.server = next(one for one in inventory["servers"] if one["id"] == server_id)
         self.cameras = {one["id"]: one for one in inventory["cameras"]}
         self.schedules = {one["id"]: one for one in inventory["schedules"]}
@@ -284,6 +285,63 @@ class Model:
         return sorted(number for number in detecting
                       if any(source["type"] == "motion-detection"
                              for source in self.stored.triggers[number]["sources"]))
+
+
+    def asked_for(self, trigger_id):
+        """Object types, and whether motion is required of them, as the configuration says."""
+        found = {}
+        for source in self.triggers[trigger_id].sources:
+            if source["type"] == "object-detection":
+                for leaf in leaves(self.types, source["searchItem"]["type"]):
+                    found[leaf] = found.get(leaf, True) and source["searchItem"]["motionRequired"]
+        return found
+
+    def reached_after_refresh(self, event):
+        if "subscription" in event:
+            return self.refreshed.get(("generic", event["subscription"]), set())
+        if "topic" in event:
+            return self.refreshed.get(("topic", event["camera"], event["topic"]), set())
+        detecting = self.refreshed.get(("detection", event["camera"]), set())
+        if "object" in event:
+            return {number for number in detecting if event["object"] in self.asked_for(number) and
+                    (event["inMotion"] or not self.asked_for(number)[event["object"]])}
+        return {number for number in detecting if "motion-detection" in self.triggers[number].kinds}
+
+    def why_not(self, number, event):
+        """Every code that is true of a trigger that is not told of the event after a refresh."""
+        if number in self.reached_after_refresh(event):
+            return {"not-refreshed"}
+        codes = set(self.inactivity(number))
+        trigger = self.triggers.get(number)
+        if trigger is None or trigger.is_dropped:
+            return codes
+        place = event.get("camera")
+        if place is not None:
+            codes |= set(self.selection(number, place))
+        facts = self.cameras.get(place, {})
+        if "topic" in event:
+            asks = event["topic"] in trigger.topics
+            if place in self.cameras and event["topic"] not in self.supported(place):
+                codes.add("topic-not-supported" if self.supported(place) else "no-metadata-capabilities")
+        elif "object" in event:
+            names = {source["searchItem"]["type"] for source in trigger.sources if "searchItem" in source}
+            found = self.asked_for(number)
+            asks = event["object"] in found or event["object"] in names
+            if place in self.cameras and not facts.get("objectDetection", False):
+                codes.add("no-object-detection")
+            if event["object"] in names and event["object"] in self.types:
+                codes.add("general-object-type")
+            if found.get(event["object"], False) and not event["inMotion"]:
+                codes.add("motion-required")
+        elif "motion" in event:
+            asks = "motion-detection" in trigger.kinds
+            if place in self.cameras and not facts.get("motionDetection", False):
+                codes.add("no-motion-detection")
+        else:
+            asks = "metadata-event" in trigger.kinds
+            if asks and not matches(self.subscriptions[event["subscription"]].get("tags", {}), trigger.event_filter):
+                codes.add("subscription-filter")
+        return codes if asks else codes | {"no-such-source"}
 
 
 def codes_only(explained):

@@ -203,6 +203,7 @@ changed since
   --motion                    Motion, of whatever
   --subscription ID           An event of this generic subscription
   --events FILE               Count the events of a file, one JSON object a line; - reads standard input
+  --against FILES             Compare with other documents: CONFIG [MAPPING], read as by apply
 """,
 }
 

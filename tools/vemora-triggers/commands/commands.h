@@ -43,6 +43,10 @@ Exit_Status explain(const Options& options, std::uint64_t trigger_id,
 Exit_Status match(const Options& options, const operations::Event& event);
 Exit_Status match_events(const Options& options, const std::string& path);
 
+/// Beside what it would be with these documents; an empty mapping path stands for the stored one.
+Exit_Status match_against(const Options& options, const std::string& path,
+                          const std::string& config_path, const std::string& mapping_path);
+
 /// Wrong usage if the database is not a file.
 Exit_Status backup(const Options& options, const std::string& file);
 Exit_Status restore(const Options& options, const std::string& file);

@@ -7,6 +7,7 @@
 #include "tools/vemora-triggers/render/faults.h"
 #include "tools/vemora-triggers/render/match.h"
 #include "tools/vemora-triggers/render/terminal.h"
+#include "vemora/embedded_server/host/trigger_host.h"
 #include "vemora/operations/match/event_reader.h"
 
 namespace kuv::vemora::tools {
@@ -25,16 +26,46 @@ Exit_Status match(const Options& options, const operations::Event& event) {
   return exit_done;
 }
 
-Exit_Status match_events(const Options& options, const std::string& path) {
-  const auto database = embedded_server::Database::open(options.database);
+namespace {
+
+/// Reads the events of the file for as long as `use` runs.
+template <class Use>
+void with_events(const std::string& path, Use use) {
   try {
     operations::Event_Reader events(path);
     const Progress_Line progress("Reading events");
-    print_event_counts(options, operations::count_events(database, options.server_id,
-                                                         [&events] { return events.next(); }));
+    use([&events] { return events.next(); });
   } catch (const operations::Event_Error& error) {
     throw Unreadable_Document{"events", path, {error.what(), error.location}, error.line};
   }
+}
+
+}  // namespace
+
+Exit_Status match_events(const Options& options, const std::string& path) {
+  const auto database = embedded_server::Database::open(options.database);
+  with_events(path, [&](const operations::Event_Source& next) {
+    print_event_counts(options, operations::count_events(database, options.server_id, next));
+  });
+  return exit_done;
+}
+
+Exit_Status match_against(const Options& options, const std::string& path,
+                          const std::string& config_path, const std::string& mapping_path) {
+  const Trigger_Documents documents(options, config_path, mapping_path);
+  const auto database = embedded_server::Database::open(options.database);
+  const auto found = embedded_server::Trigger_Host(database, options.server_id)
+                         .check(documents.config(), documents.mapping());
+  if (!found.empty()) {
+    print_faults(options, {found.size(),
+                           [&](std::size_t number) { return documents.locate(found[number]); }});
+    return exit_rejected;
+  }
+  with_events(path, [&](const operations::Event_Source& next) {
+    print_compared_counts(
+        options, operations::compare_events(database, options.server_id, documents.config(),
+                                            documents.mapping(), next));
+  });
   return exit_done;
 }
 

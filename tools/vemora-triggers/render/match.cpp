@@ -1,5 +1,6 @@
 #include "tools/vemora-triggers/render/match.h"
 
+#include <fmt/format.h>
 #include <json/value.h>
 
 #include <iostream>
@@ -16,6 +17,7 @@ namespace kuv::vemora::tools {
 namespace {
 
 using embedded_server::printable;
+using operations::Changed_Listening;
 using operations::Event_Counts;
 using operations::Match;
 using Row = std::vector<std::string>;
@@ -45,6 +47,37 @@ Json::Value to_json(const Event_Counts& counts) {
     object["triggers"][std::to_string(id)] = Json::UInt64(count);
   }
   return object;
+}
+
+Json::Value to_json(const std::vector<Changed_Listening>& changed) {
+  Json::Value list(Json::arrayValue);
+  for (const Changed_Listening& change : changed) {
+    Json::Value entry(Json::objectValue);
+    entry["trigger"] = Json::UInt64(change.trigger_id);
+    if (change.camera_id) {
+      entry["camera"] = Json::UInt64(*change.camera_id);
+    } else {
+      entry["subscription"] = Json::UInt64(*change.subscription_id);
+    }
+    entry["events"] = Json::UInt64(change.events);
+    entry["reasons"] = reasons_to_json(change.reasons);
+    list.append(entry);
+  }
+  return list;
+}
+
+void print_changes(const char* heading, const std::vector<Changed_Listening>& changed) {
+  std::vector<Row> rows;
+  for (const Changed_Listening& change : changed) {
+    rows.push_back({std::to_string(change.trigger_id),
+                    change.camera_id ? fmt::format("camera {}", *change.camera_id)
+                                     : fmt::format("subscription {}", *change.subscription_id),
+                    std::to_string(change.events), described(change.reasons)});
+  }
+  if (!rows.empty()) {
+    std::cout << '\n';
+    print_table({heading, "FROM", "EVENTS", "WHY"}, rows);
+  }
 }
 
 void print_for_people(const Match& match) {
@@ -95,6 +128,22 @@ void print_event_counts(const Options& options, const Event_Counts& counts) {
     print_json(to_json(counts));
   } else {
     print_for_people(counts);
+  }
+}
+
+void print_compared_counts(const Options& options, const operations::Compared_Counts& compared) {
+  if (options.json) {
+    Json::Value object = to_json(compared.counts);
+    object["gained"] = to_json(compared.gained);
+    object["lost"] = to_json(compared.lost);
+    print_json(object);
+    return;
+  }
+  print_for_people(compared.counts);
+  print_changes("GAINED BY", compared.gained);
+  print_changes("LOST BY", compared.lost);
+  if (compared.gained.empty() && compared.lost.empty()) {
+    std::cout << "With the other documents the same triggers are told.\n";
   }
 }
 

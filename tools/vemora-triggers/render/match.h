@@ -7,5 +7,6 @@ namespace kuv::vemora::tools {
 
 void print_match(const Options& options, const operations::Match& match);
 void print_event_counts(const Options& options, const operations::Event_Counts& counts);
+void print_compared_counts(const Options& options, const operations::Compared_Counts& compared);
 
 }  // namespace kuv::vemora::tools

@@ -23,6 +23,9 @@ class Explainer {
   Explanation::Topic topic(std::uint64_t camera_id, const std::string& topic) const;
   Explanation::Subscription subscription(std::uint64_t subscription_id) const;
 
+  /// What the parser made of the trigger; null where it is not configured, or dropped.
+  const Trigger_Config* config() const { return configured_.config; }
+
   bool is_selected(std::uint64_t camera_id) const { return selected_.count(camera_id) != 0; }
 
   /// Why the camera filter does not select a camera of the site, or one that is gone; nothing where
@@ -32,13 +35,16 @@ class Explainer {
   /// Why the rules do not make the trigger active today; nothing where they do.
   const Reasons& inactivity() const { return inactivity_; }
 
+  // Why the rules do not let the trigger be told of something, which it would not be after a
+  // refresh; nothing where none of its sources asks for it.
+  Reasons rules_against_topic(std::uint64_t camera_id, const std::string& topic) const;
+  Reasons rules_against_subscription(std::uint64_t subscription_id) const;
+
  private:
   void find_joinable();
   Explanation::State state() const;
   Reasons reasons() const;
   std::optional<Reason> reason_of_change() const;
-  Reasons rules_against_topic(std::uint64_t camera_id, const std::string& topic) const;
-  Reasons rules_against_subscription(std::uint64_t subscription_id) const;
   Reasons rules_against_detection(const Explanation::Camera& camera) const;
   void explain_detection(Explanation::Camera& camera) const;
   std::set<std::string> topics_at(std::uint64_t camera_id) const;

@@ -61,6 +61,22 @@ Ids Listeners::told_of(const Event& event) const {
   return {};
 }
 
+bool Listeners::may_be_told_of(const Event& event) const {
+  switch (event.kind) {
+    case Event::Kind::topic: {
+      const auto camera = records_.topics.find(event.place);
+      return camera != records_.topics.end() && camera->second.count(event.text) != 0;
+    }
+    case Event::Kind::object:
+      return records_.detection.count(event.place) != 0 && searching_.count(event.text) != 0;
+    case Event::Kind::motion:
+      return records_.detection.count(event.place) != 0;
+    case Event::Kind::subscription:
+      return records_.generic.count(event.place) != 0;
+  }
+  return false;
+}
+
 Ids Listeners::detecting(std::uint64_t camera_id, const Ids& wanted) const {
   const auto held = records_.detection.find(camera_id);
   Ids both;

@@ -20,12 +20,8 @@ class Listeners {
   /// Ascending.
   Ids told_of(const Event& event) const;
 
-  /// Whether any trigger searches for objects of the type.
-  bool is_searched(const std::string& object_type) const {
-    return searching_.count(object_type) != 0;
-  }
-
-  const Site_Records& records() const { return records_; }
+  /// False where it is told to nobody, as is seen at once.
+  bool may_be_told_of(const Event& event) const;
 
  private:
   Ids detecting(std::uint64_t camera_id, const Ids& wanted) const;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "vemora/embedded_server/documents/json_document.h"
 #include "vemora/embedded_server/persistent/database.h"
 #include "vemora/operations/match/event.h"
 #include "vemora/operations/site/reason.h"
@@ -44,6 +45,22 @@ struct Event_Counts {
   std::map<std::uint64_t, std::uint64_t> triggers;  ///< how many each trigger is told of
 };
 
+/// A trigger that is told of events of a camera, or of a generic subscription, with some documents
+/// and not with others.
+struct Changed_Listening {
+  std::uint64_t trigger_id = 0;
+  std::optional<std::uint64_t> camera_id;  ///< one of the two
+  std::optional<std::uint64_t> subscription_id;
+  std::uint64_t events = 0;
+  Reasons reasons;  ///< why it is not told with the others
+};
+
+struct Compared_Counts {
+  Event_Counts counts;                    ///< as stored
+  std::vector<Changed_Listening> gained;  ///< told with the new documents only
+  std::vector<Changed_Listening> lost;    ///< told as stored only
+};
+
 /// The next event, until there is none.
 using Event_Source = std::function<std::optional<Event>()>;
 
@@ -51,5 +68,12 @@ using Event_Source = std::function<std::optional<Event>()>;
 /// what the source throws as well.
 VEMORA_API Event_Counts count_events(const std::shared_ptr<embedded_server::Database>& database,
                                      std::uint64_t server_id, const Event_Source& next);
+
+/// The same as stored, and as it would be once the documents were applied: the pass on them is run
+/// in memory. They are valid; without a mapping, the stored one is used.
+VEMORA_API Compared_Counts
+compare_events(const std::shared_ptr<embedded_server::Database>& database, std::uint64_t server_id,
+               const embedded_server::Json_Document& config,
+               const embedded_server::Json_Document* mapping, const Event_Source& next);
 
 }  // namespace kuv::vemora::operations

@@ -29,21 +29,31 @@ Json_Document stored_document(const std::optional<std::string>& text, const char
       fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
 }
 
+/// Of one that is given, a pointer that owns nothing.
+std::shared_ptr<const Json_Document> document_to_read(const Json_Document* given,
+                                                      const std::optional<std::string>& stored,
+                                                      const char* name) {
+  return given != nullptr ? std::shared_ptr<const Json_Document>(std::shared_ptr<void>(), given)
+                          : std::make_shared<const Json_Document>(stored_document(stored, name));
+}
+
 }  // namespace
 
 Site_View::Site_View(const std::shared_ptr<embedded_server::Database>& database,
-                     std::uint64_t server_id)
+                     std::uint64_t server_id, const Json_Document* config,
+                     const Json_Document* mapping)
     : database_(database),
       server_id_(server_id),
       scope_(database, server_id, embedded_server::Pass_Scope::Mode::read_only),
       repository_(make_repository(database)),
       resolver_(std::make_shared<embedded_server::Inventory_Meta_Type_Resolver>()),
-      config_(stored_document(scope_.documents().config, "configuration")),
-      mapping_(stored_document(scope_.documents().mapping, "mapping")) {
+      config_(document_to_read(config, scope_.documents().config, "configuration")),
+      mapping_(document_to_read(mapping, scope_.documents().mapping, "mapping")),
+      has_config_(config != nullptr || scope_.documents().config.has_value()) {
   read_site();
   // Last: from then on the site shows the refreshed records.
-  pass_ = run_unstored_pass(database_, server_id_, config_.value(), mapping_.value());
-  triggers_ = judged_triggers({config_, mapping_, pass_->schedules, pass_->triggers, true, false},
+  pass_ = run_unstored_pass(database_, server_id_, config_->value(), mapping_->value());
+  triggers_ = judged_triggers({*config_, *mapping_, pass_->schedules, pass_->triggers, true, false},
                               here_.tags);
 }
 

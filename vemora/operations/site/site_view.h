@@ -21,9 +21,9 @@
 
 namespace kuv::vemora::operations {
 
-/// One state of a site: its records, and those that a refresh would make of them. Read in one
-/// transaction that stores nothing and waits for nobody; it lasts as long as this object. To be
-/// used on one thread, with no pass open on it.
+/// One state of a site: its records, and those that a pass on its documents would make of them.
+/// Read in one transaction that stores nothing and waits for nobody; it lasts as long as this
+/// object. To be used on one thread, with no pass open on it.
 class Site_View {
  public:
   /// A subscription of the site, with neither camera nor topic.
@@ -33,7 +33,14 @@ class Site_View {
   };
 
   /// Throws Database_Error.
-  Site_View(const std::shared_ptr<embedded_server::Database>& database, std::uint64_t server_id);
+  Site_View(const std::shared_ptr<embedded_server::Database>& database, std::uint64_t server_id)
+      : Site_View(database, server_id, nullptr, nullptr) {}
+
+  /// The same with other documents in the place of the stored ones, where they are given: they must
+  /// be valid, and outlive this object.
+  Site_View(const std::shared_ptr<embedded_server::Database>& database, std::uint64_t server_id,
+            const embedded_server::Json_Document* config,
+            const embedded_server::Json_Document* mapping);
 
   Repository& repository() const { return *repository_; }
   std::uint64_t server_id() const { return server_id_; }
@@ -48,13 +55,13 @@ class Site_View {
   const Site_Records& stored() const { return stored_; }
   const Site_Records& refreshed() const { return pass_->records; }
 
-  /// The elements of the stored configuration with what the parser makes of them, and the errors of
+  /// The elements of the configuration with what the parser makes of them, and the errors of
   /// a refresh.
   const std::vector<Judged_Trigger>& triggers() const { return triggers_; }
   const std::vector<std::string>& errors() const { return pass_->errors; }
 
-  bool has_config() const { return scope_.documents().config.has_value(); }
-  const Json::Value& mapping() const { return mapping_.value(); }
+  bool has_config() const { return has_config_; }
+  const Json::Value& mapping() const { return mapping_->value(); }
 
   /// The object types that a stored trigger searches for.
   std::set<Object_Search_Item> objects_of(const trigger& record) const;
@@ -71,8 +78,9 @@ class Site_View {
   server here_;
   std::map<std::uint64_t, std::shared_ptr<camera>> cameras_;
   std::map<std::uint64_t, Generic_Subscription> subscriptions_;
-  embedded_server::Json_Document config_;
-  embedded_server::Json_Document mapping_;
+  std::shared_ptr<const embedded_server::Json_Document> config_;
+  std::shared_ptr<const embedded_server::Json_Document> mapping_;
+  bool has_config_;
   Site_Records stored_;
   std::optional<Unstored_Pass> pass_;
   std::vector<Judged_Trigger> triggers_;
