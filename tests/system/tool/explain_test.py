@@ -10,8 +10,8 @@ import unittest
 
 from random_site import TRIGGERS, Random_Site
 from site_model import Model, Records, codes_only
-from tool_site import (CROSSED, DONE, ENGINE, FAILED, MOTION, WRONG_USAGE, Site, camera, config, mapping,
-                       object_source, small_inventory, topic_source, trigger)
+from tool_site import (CROSSED, DONE, ENGINE, FAILED, MOTION, TRIGGER_ERRORS, WRONG_USAGE, Site, camera, config,
+                       mapping, object_source, on_postgresql, topic_source, trigger)
 
 SITES = int(os.environ.get("SITES", "20" if ENGINE == "sqlite" else "6"))
 
@@ -144,6 +144,18 @@ CAMERA  NAME       LISTENS TO                    ANSWER
 NOT SELECTED  NAME       WHY
 11            camera 11  The camera filter asks for area=gate; camera 11 has area=dock.
 """)
+
+    @on_postgresql
+    def test_a_trigger_that_a_pass_fails_to_store_has_failed(self):
+        self.apply(config({**trigger(7), "name": "\0"}, trigger(8)), expected=TRIGGER_ERRORS)
+        explained = self.explain(7)
+        self.assertEqual(explained["state"], "failed")
+        self.assertEqual(explained["reasons"], [
+            {"code": "failed", "text": "A pass fails here: Trigger 7: Failed to process config "
+                                       "(Failed to create trigger)."}])
+        self.assertEqual(codes_only(explained)["cameras"][0]["topics"],
+                         [{"topic": MOTION, "subscribed": False, "reasons": ["failed"]}])
+        self.assertEqual(self.explain(8)["state"], "active")
 
     def test_a_damaged_document_is_told(self):
         self.apply(config(trigger(7)))
