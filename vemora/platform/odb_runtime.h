@@ -1,18 +1,18 @@
 #pragma once
 
-// Comes before everything else of ODB's runtime. One of its headers lists behind functions what
-// they may throw, which C++17 no longer has. Here it is read in a way that the compiler takes, and
-// whoever includes it after this gets nothing any more.
+// Must be included before every other header of ODB. One ODB header has throw(...) exception
+// specifications, which C++17 removed. Here it is included in a way that each compiler accepts; its
+// include guard makes later includes empty.
 
 #ifdef __clang__
-// Clang still knows such lists, and can be told to take them.
+// For Clang, it is enough to silence the warning.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdynamic-exception-spec"
 #include <odb/details/shared-ptr/base.hxx>
 #pragma clang diagnostic pop
 #else
-// GCC does not, so they are defined away. The standard headers come first: none of them may be read
-// like that.
+// For GCC, they are defined away. The standard headers are included first, because they must not be
+// read with that macro.
 #include <cstddef>
 #include <memory>
 #include <new>

@@ -20,7 +20,7 @@ Vemora_Trigger_Manager::Parsed_Config Vemora_Trigger_Manager::parse_triggers_(
     const Json::Value& config, const Json::Value& mapping) {
   Parsed_Config parsed;
   parsed.properties = parser_->parse_config_properties(config);
-  // The mapping before the triggers, which take their schedules from it.
+  // The mapping first: an association that cannot be resolved makes a trigger inactive.
   const Trigger_Mapping schedules_by_trigger = parser_->parse_trigger_mapping(mapping);
   parsed.triggers = parser_->parse_trigger_configs(config, schedules_by_trigger);
   return parsed;
@@ -61,7 +61,7 @@ void Vemora_Trigger_Manager::apply_trigger_(const Trigger_Config& config) {
     return;  // not counted as applied, so that the clean-up deletes its record
   }
   process_sources_({record, config});
-  // Should an id ever come twice, the first trigger's options stand.
+  // If an id ever came twice, the options of the first trigger would be kept.
   state_.applied_triggers.emplace(config.id, config.options);
 }
 
@@ -71,7 +71,7 @@ void Vemora_Trigger_Manager::finalize_processing_() {
   cleanup_stale_records_();
   // After it: the cameras that lost subscriptions are reconciled in this pass, not in the next.
   update_streams_if_necessary_();
-  // Last: the pusher is told what the database holds when all is done.
+  // Last: the pusher receives what the database holds at the end of the pass.
   sync_notification_pusher_();
 }
 

@@ -33,8 +33,8 @@ void add_topics(std::map<std::uint64_t, std::vector<Delivery>>& deliveries_by_tr
 
 }  // namespace
 
-/// Reads back what the database holds, rather than what the documents asked for: that is what
-/// events will be matched against.
+/// Reads what the database holds, rather than what the documents asked for: events will be matched
+/// against the records.
 void Vemora_Trigger_Manager::sync_notification_pusher_() {
   collect_subscriptions_();
   collect_search_items_();
@@ -57,7 +57,7 @@ void Vemora_Trigger_Manager::collect_subscriptions_() {
     // A subscription with a camera and no topic is a corrupt record. It ends the pass: a pusher
     // that is told less than the truth would drop notifications without anybody noticing.
     const std::string& topic = subscription->onvif_topic.value();
-    auto place = deliveries_by_trigger.begin();  // trigger ids ascend: look beside the one before
+    auto place = deliveries_by_trigger.begin();  // trigger ids ascend: a hint
     for (const std::uint64_t trigger_id : subscription->trigger_ids()) {
       place = deliveries_by_trigger.try_emplace(place, trigger_id);
       place->second.push_back({camera_id, &topic});
@@ -71,7 +71,8 @@ void Vemora_Trigger_Manager::collect_search_items_() {
   for (const std::shared_ptr<eta_camera>& detection_map : repository_->eta_cameras().get_all()) {
     const std::uint64_t camera_id = detection_map->camera_id();
     for (const std::shared_ptr<trigger>& record : detection_map->triggers) {
-      // Assigned, not merged: should a camera ever have two maps, the later one is the newer truth.
+      // Assigned, not merged: if a camera ever had two detection records, the later one would
+      // count.
       state_.search_items_by_trigger[record->id][camera_id] =
           expand_search_items_(search_items(*record));
     }

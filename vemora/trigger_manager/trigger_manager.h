@@ -11,12 +11,12 @@ namespace kuv::vemora {
 /// The way a video-management server drives its triggers. The order of the operations is part of
 /// the ABI.
 ///
-/// Two documents say what there is to do: the trigger configuration ("triggers", "properties") and
-/// the trigger mapping ("triggerMapping"). An update hands over a new one, a refresh repeats the
-/// work on those at hand, for a site that changed. Each of them runs one pass: both documents are
-/// validated, the records of the triggers and of what they listen to are brought in line, what
-/// nobody needs is deleted, the streams of the cameras concerned are reconciled, and the
-/// notification pusher is told.
+/// There are two documents: the trigger configuration ("triggers", "properties") and the trigger
+/// mapping ("triggerMapping"). An update passes a new one; a refresh repeats the work on the
+/// current ones, for a site that changed. Each of them runs one pass: both documents are validated,
+/// the records of the triggers and of what they listen to are updated, records that no trigger
+/// needs are deleted, the streams of the changed cameras are reconciled, and the notification
+/// pusher receives the outcome.
 ///
 /// Every operation may be called from any thread. Passes never overlap; readers run together and
 /// wait for a running pass. What the manager calls (repository, capture manager, pusher, resolver)

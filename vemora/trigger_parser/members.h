@@ -7,7 +7,7 @@
 
 namespace kuv::vemora {
 
-/// A value and the object or array that it belongs to; a null value where that has none.
+/// A value and the object or array that it belongs to; a null value if it is missing there.
 class Member {
  public:
   Member() = default;  ///< for find_members to fill in
@@ -19,7 +19,7 @@ class Member {
   /// False also of an element that was never assigned; a null that was written is there.
   bool is_there() const { return value_ != &Json::Value::nullSingleton(); }
 
-  /// Where to look when something is wrong: the value, or else its owner, which lacks it.
+  /// What a fault points at: the value, or its owner if the value is missing.
   const Json::Value& place() const { return is_there() ? *value_ : *owner_; }
 
  private:

@@ -13,21 +13,21 @@ namespace kuv::vemora {
 struct Parser_Fault {
   std::string message;  ///< exactly what the document is rejected with if this is the first fault
 
-  /// Of the wrong value, or of the object that misses it, in the text that the document was read
-  /// from (Json::Value::getOffsetStart). Nothing when the fault is none of the document's.
+  /// Where the wrong value begins, or the object in which it is missing, in the document's text
+  /// (Json::Value::getOffsetStart). Nothing if the fault is not about a part of the document.
   std::optional<std::size_t> offset;
 
   std::optional<std::size_t> index;  ///< of the trigger or association in its array
   std::optional<std::uint64_t> id;   ///< of the trigger, once it is known
 };
 
-/// Is told what is wrong with a document while the parser reads it: in its order, the first one
-/// being what the document is rejected with.
+/// Receives the faults of a document while the parser reads it, in the order of parsing. The first
+/// one is the fault with which the document is rejected.
 class VEMORA_API Fault_Sink {
  public:
   virtual ~Fault_Sink() = default;
 
-  /// True: the parser goes on and looks for more faults. False: it throws this fault as it would
+  /// True: the parser continues and looks for more faults. False: it throws this fault, as it would
   /// without a sink.
   virtual bool take(Parser_Fault fault) = 0;
 };

@@ -9,7 +9,7 @@
 
 namespace kuv::vemora {
 
-/// The schedules that the mapping document gives each trigger, by trigger id. An empty optional
+/// The schedules that the mapping associates with each trigger, by trigger id. An empty optional
 /// marks a trigger of which some association names a schedule that cannot be used.
 using Trigger_Mapping = std::map<std::uint64_t, std::optional<std::set<Trigger_Mapping_Entry>>>;
 

@@ -20,12 +20,12 @@ class VEMORA_API Trigger_Parser {
  public:
   virtual ~Trigger_Parser() = default;
 
-  /// The schedules that a trigger mapping document ("triggerMapping") gives to triggers.
+  /// The schedules that a trigger mapping ("triggerMapping") associates with each trigger.
   virtual Trigger_Mapping parse_trigger_mapping(const Json::Value& document) = 0;
 
-  /// The triggers of a trigger configuration document ("triggers"), in its order, with the
-  /// schedules that `mapping` leaves them. Throws Internal_Error<std::logic_error> when the
-  /// database does not know this server.
+  /// The triggers of a trigger configuration document ("triggers"), in its order. `mapping`
+  /// can make triggers with a list of schedules inactive. Throws Internal_Error<std::logic_error>
+  /// when the database does not know this server.
   virtual std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
                                                             const Trigger_Mapping& mapping) = 0;
 

@@ -10,25 +10,25 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// The database is none in a file: its own engine's tools back it up.
+/// The database is not in a file: it is backed up with the tools of its own engine.
 class VEMORA_API Not_In_A_File : public Database_Error {
  public:
   using Database_Error::Database_Error;
 };
 
-/// Writes the site into a file of its own, which can be moved and copied like any other: nothing
-/// beside it belongs to it. Has the mode and, as far as this user may, the owner of the database.
-/// Takes the place of a backup that is there, at once and when it is complete; of nothing else.
-/// Keeps passes out. Throws Database_Error, and Not_In_A_File where there is no file to copy.
+/// Writes the site into one file, which can be moved and copied without any other. The file gets
+/// the mode and, if this user may set it, the owner of the database. A backup of that name is
+/// replaced in one step when the new one is complete; any other file is never replaced. No pass
+/// runs meanwhile. Throws Database_Error, and Not_In_A_File if the database is not in a file.
 VEMORA_API Site_Counts back_up(const std::string& location, std::uint64_t server_id,
                                const std::string& file,
                                std::chrono::milliseconds lock_wait = std::chrono::seconds(30));
 
-/// Puts the site of a backup in the place of the one that is there, and makes a database where
-/// there is none. Looks the whole backup through first. One transaction: killed at any moment, the
-/// site is the one before or the other one. Who reads goes on reading. Keeps passes out. The
-/// cameras whose subscriptions differ become pending; all of them, where it cannot be told what was
-/// there before. Throws Database_Error, Restore_Not_Known and Not_In_A_File.
+/// Replaces the site by that of a backup; creates a database if there is none. The whole backup is
+/// checked first. One transaction: if the program is killed at any moment, the site is the old one
+/// or the new one. Readers are not interrupted, and no pass runs meanwhile. The cameras whose
+/// subscriptions differ become pending; all cameras do if the old site cannot be read. Throws
+/// Database_Error, Restore_Not_Known and Not_In_A_File.
 VEMORA_API Restored_Site restore(const std::string& location, std::uint64_t server_id,
                                  const std::string& file,
                                  std::chrono::milliseconds lock_wait = std::chrono::seconds(30));

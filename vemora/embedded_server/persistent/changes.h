@@ -5,9 +5,9 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// What a pass writes, net: what comes and goes before the pass is committed is not in it. A pass
-/// that goes on writing behind its clean-up is committed once more, and what it changed then
-/// follows in each list.
+/// The net changes of a pass: a record that is added and deleted again before the commit is not in
+/// them. A pass that still writes after its clean-up is committed once more; what it changed then
+/// is appended to each list.
 struct Changes {
   /// A trigger served by a record, or no longer.
   struct Link {
@@ -18,7 +18,7 @@ struct Changes {
   template <class Item>
   struct Of {
     std::vector<Item> added;
-    std::vector<Item> updated;  ///< of triggers alone: everything else comes and goes whole
+    std::vector<Item> updated;  ///< only of triggers: all others are added or deleted
     std::vector<Item> deleted;
 
     bool empty() const { return added.empty() && updated.empty() && deleted.empty(); }

@@ -65,7 +65,7 @@ load_inventory_references(const std::shared_ptr<Database>& database);
 
 /// A text that no record of a database can have.
 struct Unstorable_Text {
-  std::size_t place;  ///< in the list of texts
+  std::size_t place;  ///< its index in the list of texts
   std::string why;    ///< "it has ...", for people
 };
 

@@ -23,10 +23,10 @@ struct Documents {
 /// One pass over a database: as long as the object lives, every repository call of its thread works
 /// in its one transaction, and no other process begins a pass.
 ///
-/// The pass is committed by its last write, the clean-up of the detection records, before anything
-/// outside is told; what is read after that is read from the same state. A fault sticks: once the
-/// database failed, each later repository call throws the same fault, so that nothing is cleaned up
-/// on the ground of records that could not be read.
+/// The last write of the pass, the clean-up of the detection records, commits it, before the
+/// capture manager and the pusher are called; what is read later is read from the same state. A
+/// fault sticks: after the database failed, each later repository call throws the same fault, so
+/// that no clean-up is based on records that could not be read.
 ///
 ///     Pass_Scope pass(database, server_id);
 ///     Vemora_Trigger_Manager manager(pass.documents() ...);
@@ -64,9 +64,9 @@ class VEMORA_API Pass_Scope {
   /// Whether it was given up, because what it would delete was not permitted.
   bool is_given_up() const noexcept;
 
-  /// To be called when the trigger manager is done. A pass that failed before its last write is
-  /// committed as far as it came; throws Database_Error, saying that nothing of it was kept or that
-  /// nobody knows, when the database lost it. A fault behind the last write only sticks.
+  /// To be called when the trigger manager is done. If the pass failed before its last write, what
+  /// it has written is committed; throws Database_Error if the database lost that, saying that
+  /// nothing was kept or that this is not known. A fault after the last write only sticks.
   void end();
 
   /// The fault that sticks; nothing as long as the database did what it was asked.
@@ -75,7 +75,7 @@ class VEMORA_API Pass_Scope {
   /// Everything once store() has stored what it was given.
   Kept kept() const noexcept;
 
-  /// Not where nobody can know what became of a commit: changes() may say too little then.
+  /// False if it is not known what became of a commit: changes() may lack something then.
   bool changes_are_known() const;
 
   /// What the pass wrote; complete once it is committed or ended.
@@ -83,7 +83,7 @@ class VEMORA_API Pass_Scope {
 
   /// The cameras whose subscriptions were added, deleted, or updated with other triggers, in this
   /// pass or in one that was cut short, and whose streams have not been reconciled since. A link
-  /// that went because its trigger was deleted is no change to the camera. In a mode that commits
+  /// that ended because its trigger was deleted does not count. In a mode that commits
   /// nothing, those that would be pending. After end().
   std::set<std::uint64_t> pending_cameras();
 

@@ -14,8 +14,8 @@ class database;
 
 namespace kuv::vemora::embedded_server {
 
-/// A schema of its own in a cluster that may serve many sites. Processes queue up at an advisory
-/// lock, which goes with the connection that its holder writes through.
+/// A site in a PostgreSQL schema of its own; one database may have many. Processes take turns with
+/// an advisory lock, which is lost together with the connection through which its holder writes.
 class PostgreSQL_Engine : public Engine {
  public:
   PostgreSQL_Engine(const std::string& url, std::chrono::milliseconds lock_wait);

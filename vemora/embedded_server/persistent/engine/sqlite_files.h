@@ -16,28 +16,28 @@ namespace kuv::vemora::embedded_server {
 /// Marks a file as a database of ours, for file(1) and us.
 inline constexpr std::int64_t sqlite_application_id = 0x564D5247;
 
-/// What the first bytes of a file say of it; all false where it is no SQLite database.
+/// What the first bytes of a file say about it; all false if it is not an SQLite database.
 struct SQLite_Header {
   bool is_ours = false;
   bool is_foreign = false;  ///< another program's, or nothing that SQLite knows
   bool uses_log = false;    ///< readers need the files beside it
 };
 
-/// Of what a connection opened, read without a lock.
+/// The header of the file that a connection opened, read without a lock.
 SQLite_Header read_sqlite_header(sqlite3* handle);
 
-/// SQLite takes some names for other things than files (":memory:").
+/// The path as a name that SQLite takes for a file (":memory:" would be none).
 std::string as_sqlite_name(const std::string& path);
 
-/// The same as a URI, with what is to be asked for behind it ("immutable=1").
+/// The same as a URI with a query, such as "immutable=1".
 std::string as_sqlite_uri(const std::string& path, const std::string& query);
 
-/// Has a connection leave the log beside the database when it is the last one: emptied, and with
-/// it the log's index. So they belong to whom they belonged, and are there for who may only read.
+/// Makes the last connection leave the log, emptied, and its index beside the database. So both
+/// files keep their owner, and users who may only read find them.
 void keep_log(sqlite3* handle);
 
-/// The files of a database: its own, and beside it the log ("-wal"), the log's index ("-shm") and
-/// the lock. May be used from any thread.
+/// The files of a database: FILE itself, the log (FILE-wal), the log's index (FILE-shm) and the
+/// lock file (FILE.lock). May be used from any thread.
 class SQLite_Files {
  public:
   explicit SQLite_Files(const std::string& path);

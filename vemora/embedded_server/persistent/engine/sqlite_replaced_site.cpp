@@ -90,7 +90,7 @@ void Replaced_Site::examine(std::uint64_t server_id) {
       require_site(*file_, server_id);
     }
   } catch (const SQLite_Fault& fault) {
-    // Of a database of ours that cannot be read, nothing is lost when it goes.
+    // A database of ours that cannot be read may be replaced: it holds nothing that is usable.
     if (!is_unreadable(fault) || !read_sqlite_header(file_->get()).is_ours) {
       throw;
     }
@@ -105,7 +105,7 @@ void Replaced_Site::note_pending_cameras(SQLite_Handle& coming) {
   }
 }
 
-/// False where the site that goes cannot be read.
+/// False if the old site cannot be read.
 bool Replaced_Site::note_different(SQLite_Handle& coming) {
   coming.run_with("ATTACH ? AS before", real_path(path_));
   require_name_of_attached(coming);
@@ -187,7 +187,7 @@ void Replaced_Site::require_in_place_still() const {
   } catch (const Database_Error& error) {
     throw Database_Error(fmt::format("{}; the backup was restored into that file", error.what()));
   } catch (const std::bad_alloc&) {
-    // It is restored, which is what has to be told.
+    // The restore has succeeded, and only the check afterwards failed for lack of memory.
   }
 }
 

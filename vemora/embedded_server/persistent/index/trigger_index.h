@@ -20,16 +20,16 @@ namespace kuv::vemora::embedded_server {
 
 class Schedule_Index;
 
-/// The trigger records as a pass sees them, beside what the database holds of them.
+/// The trigger records as a pass sees them, and what the database holds of them.
 class Trigger_Index {
  public:
-  /// A trigger before and after; null where it is not there.
+  /// A trigger before and after; null if it does not exist then.
   struct Change {
     std::shared_ptr<const trigger> stored;
     std::shared_ptr<const trigger> now;
   };
 
-  /// Rows of triggers or schedules that are gone: no pass leaves such behind, another program may.
+  /// Rows of triggers or schedules that do not exist. No pass leaves such rows; other programs may.
   struct Strays {
     std::vector<rows::Trigger_Source_Row> sources;
     std::vector<rows::Trigger_Schedule> schedules;

@@ -7,7 +7,7 @@
 
 namespace kuv::vemora::rows {
 
-/// The row of a source at that place of its trigger.
+/// The row of a source that has that position among the sources of its trigger.
 Trigger_Source_Row to_row(std::uint64_t trigger_id, std::uint32_t position,
                           const Trigger_Source& source);
 

@@ -25,7 +25,7 @@ namespace kuv::vemora::embedded_server {
 class Pass {
  public:
   enum class Purpose {
-    whole_pass,    ///< keeps other passes out, and is told when its last write is done
+    whole_pass,    ///< keeps other passes out; its last write commits it
     single_write,  ///< keeps other passes out
     single_read,
   };
@@ -72,7 +72,7 @@ class Pass {
   /// Commits what a pass that failed had done until then. Throws when the database lost that.
   void end();
 
-  /// To be called before success is told: a database that is not there any more is a fault too.
+  /// To be called before success is reported: a database that was moved or deleted is a fault.
   void confirm_place();
 
   /// To be called by each operation that writes.

@@ -97,7 +97,7 @@ void write_records(Row_Writer& writer, const Net& net) {
     row.id = id;
     deleted.push_back(row);
   }
-  // What goes makes room for what takes its place.
+  // Deleted first: a new record may need the unique values of a deleted one.
   writer.erase(deleted);
   writer.insert(net.added);
   writer.erase(link_rows<Link_Row>(net.links.deleted));
