@@ -1,4 +1,5 @@
-// Reads a file line by line with the JSON library, and does nothing with it: what any reader of events has to do.
+// Reads a file line by line with the JSON library, and does nothing with it: what any reader of
+// events has to do.
 
 #include <json/reader.h>
 

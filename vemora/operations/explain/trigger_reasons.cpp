@@ -90,9 +90,8 @@ Configured_Trigger find_configured(const Site_View& site, std::uint64_t trigger_
 
 Reasons reasons_of_inactivity(const Site_View& site, const Configured_Trigger& trigger) {
   if (trigger.element == nullptr) {
-    return {{"not-in-configuration", site.has_config()
-                                         ? "The configuration has no such trigger."
-                                         : "No configuration is stored yet."}};
+    return {{"not-in-configuration", site.has_config() ? "The configuration has no such trigger."
+                                                       : "No configuration is stored yet."}};
   }
   if (trigger.config == nullptr) {
     return {
