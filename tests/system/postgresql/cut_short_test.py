@@ -92,7 +92,7 @@ class Cut_Short(Site):
             self.assertIn(phase, ("before the commit", "before the storing"), said)
         elif "it is not known whether the documents were stored" in said:
             self.assertIn(phase, ("before the storing", "stored"), said)
-        elif "are committed." in said or "before the fault is committed." in said:
+        elif "are committed." in said or "before the failure is committed." in said:
             self.assertEqual(phase, "before the storing", said)
         else:
             self.assertEqual((phase, outcome.get("state")), ("before the commit", None), said)

@@ -313,7 +313,7 @@ class Texts_To_Hold(Site):
                          (TRIGGER_ERRORS, answer["errors"], NO_CHANGES))
         told = self.run_tool("refresh").text.splitlines(keepends=True)
         warnings = [line for line in told if line.startswith("stored config:1:")]
-        self.assertEqual(len(warnings), 3)
+        self.assertEqual(len([line for line in warnings if "cannot be stored" in line]), 3)
         self.assertEqual("".join(line for line in told if line not in warnings), """\
 error: Trigger 1: Failed to process config (Failed to create trigger).
 error: Trigger 2: Failed to process config (Failed to create trigger).

@@ -1,6 +1,27 @@
 #include "vemora/embedded_server/persistent/index/site_index.h"
 
+#include "rows-odb.h"
+#include "vemora/embedded_server/persistent/index/row_reader.h"
+
 namespace kuv::vemora::embedded_server {
+
+Server_Index& Site_Index::servers() {
+  if (!servers_) {
+    servers_ = std::make_unique<Server_Index>(database_);
+  }
+  return *servers_;
+}
+
+const std::map<std::string, std::set<std::string>>& Site_Index::object_types() {
+  if (!object_types_) {
+    std::map<std::string, std::set<std::string>> types;
+    for_each_row<rows::Meta_Type>(database_, "name, type", [&types](const rows::Meta_Type& row) {
+      types[row.key.name].insert(row.key.type);
+    });
+    object_types_ = std::move(types);
+  }
+  return *object_types_;
+}
 
 Camera_Index& Site_Index::cameras() {
   if (!cameras_) {

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <set>
+#include <string>
 
 #include "vemora/embedded_server/persistent/index/camera_index.h"
 #include "vemora/embedded_server/persistent/index/eta_camera_index.h"
 #include "vemora/embedded_server/persistent/index/schedule_index.h"
+#include "vemora/embedded_server/persistent/index/server_index.h"
 #include "vemora/embedded_server/persistent/index/subscription_index.h"
 #include "vemora/embedded_server/persistent/index/trigger_index.h"
 
@@ -20,6 +24,8 @@ class Site_Index {
   explicit Site_Index(odb::database& database, Capability_Guard capability_guard)
       : database_(database), capability_guard_(std::move(capability_guard)) {}
 
+  Server_Index& servers();
+  const std::map<std::string, std::set<std::string>>& object_types();
   Camera_Index& cameras();
   Schedule_Index& schedules();
   Trigger_Index& triggers();
@@ -52,6 +58,8 @@ class Site_Index {
  private:
   odb::database& database_;
   Capability_Guard capability_guard_;
+  std::unique_ptr<Server_Index> servers_;
+  std::optional<std::map<std::string, std::set<std::string>>> object_types_;
   std::unique_ptr<Camera_Index> cameras_;
   std::unique_ptr<Schedule_Index> schedules_;
   std::unique_ptr<Trigger_Index> triggers_;

@@ -163,14 +163,6 @@ void store_object_types(Engine& engine, const std::map<std::string, std::set<std
                [&given](const rows::Meta_Type_Key& key) { return given.count(key.name) != 0; });
 }
 
-std::map<std::string, std::set<std::string>> read_object_types(odb::database& database) {
-  std::map<std::string, std::set<std::string>> types;
-  for_each_row<rows::Meta_Type>(database, "name, type", [&](const rows::Meta_Type& row) {
-    types[row.key.name].insert(row.key.type);
-  });
-  return types;
-}
-
 /// With a text that an engine cannot hold.
 std::string what_is_wrong_with(std::string_view text) {
   if (text.find('\0') != std::string_view::npos) {
@@ -182,7 +174,7 @@ std::string what_is_wrong_with(std::string_view text) {
 }  // namespace
 
 Inventory_References load_inventory_references(const std::shared_ptr<Database>& database) {
-  return read(database, [&](Site_Index&) {
+  return read(database, [&](Site_Index& site) {
     odb::database& odb = database->engine().odb();
     Inventory_References references;
     for_each_row<camera>(odb, "id",
@@ -195,7 +187,7 @@ Inventory_References load_inventory_references(const std::shared_ptr<Database>& 
         references.topic_subscription_ids.insert(row.id);
       }
     });
-    references.object_types = read_object_types(odb);
+    references.object_types = site.object_types();
     return references;
   });
 }
@@ -215,7 +207,7 @@ std::vector<Unstorable_Text> unstorable_texts(const std::shared_ptr<Database>& d
 
 std::map<std::string, std::set<std::string>> load_object_types(
     const std::shared_ptr<Database>& database) {
-  return read(database, [&](Site_Index&) { return read_object_types(database->engine().odb()); });
+  return read(database, [](Site_Index& site) { return site.object_types(); });
 }
 
 void store_inventory(const std::shared_ptr<Database>& database, const Inventory& inventory) {
