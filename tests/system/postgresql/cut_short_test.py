@@ -13,6 +13,9 @@ from cluster import DONE, FAILED, RECORDS, Site, TOPICS, inventory, psql, trigge
 from proxy import Proxy
 from tester import note, url
 
+# Its documents have little in common with those before.
+APPLY = ("apply", "--allow-mass-deletion")
+
 CAMERAS = 40
 
 
@@ -36,16 +39,16 @@ class Cut_Short(Site):
             RECORDS, "SELECT kind, text FROM document ORDER BY 1", "SELECT camera_id FROM pending_camera ORDER BY 1"))
 
     def given_undisturbed_runs(self):
-        self.run_tool("apply", self.before)
+        self.run_tool(*APPLY, self.before)
         self.remains_before = self.remains()
-        outcome = self.run_tool("apply", self.after)
+        outcome = self.run_tool(*APPLY, self.after)
         self.assertEqual(len(outcome["reconciled"]), CAMERAS)
         self.every_camera = "".join(f"{camera}\n" for camera in outcome["reconciled"])
         self.remains_after = self.remains()
 
     def apply_without(self, answer, act):
         """Applies, and acts on the process at this answer, which it does not get."""
-        self.run_tool("apply", self.before)
+        self.run_tool(*APPLY, self.before)
         self.assertEqual(self.remains(), self.remains_before)
         started = threading.Event()
         processes = []
@@ -55,7 +58,7 @@ class Cut_Short(Site):
             act(processes[0])
 
         self.proxy.withhold(answer, act_when_started)
-        processes.append(subprocess.Popen(self.command("apply", self.after, database=self.through_proxy),
+        processes.append(subprocess.Popen(self.command(*APPLY, self.after, database=self.through_proxy),
                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE))
         started.set()
         out, err = processes[0].communicate(timeout=600)
@@ -100,7 +103,7 @@ class Cut_Short(Site):
 
     def assert_repeated(self, phase):
         """Repeating the apply ends as if nothing had been, and forgets no camera."""
-        outcome = self.run_tool("apply", self.after)
+        outcome = self.run_tool(*APPLY, self.after)
         self.assertEqual(self.remains(), self.remains_after)
         self.assertEqual(len(outcome["reconciled"]), 0 if phase == "stored" else CAMERAS)
 

@@ -26,6 +26,9 @@ MOMENTS = int(os.environ.get("LOST_MOMENTS", "12"))
 SEED = int(os.environ.get("LOST_SEED", "1"))
 CAMERAS = int(os.environ.get("LOST_CAMERAS", "20000"))
 
+# Its documents have little in common with those before.
+APPLY = ("apply", "--allow-mass-deletion")
+
 
 def config(numbers, topics, detecting):
     return {"triggers": [trigger(number, number % 10, TOPICS[topics:topics + 3], detecting) for number in numbers]}
@@ -106,15 +109,15 @@ class Lost_Server(cluster.Site):
 
     def undisturbed(self):
         """Applies both; answers the records after each and how long the second took."""
-        self.run_tool("apply", self.before)
+        self.run_tool(*APPLY, self.before)
         before = self.records()
         started = time.monotonic()
-        self.run_tool("apply", self.after)
+        self.run_tool(*APPLY, self.after)
         return before, self.records(), time.monotonic() - started
 
     def disturb(self, lose, moment):
         """Applies, and loses the server meanwhile; answers the outcome."""
-        process = subprocess.Popen(self.command("apply", self.after, database=self.through_proxy),
+        process = subprocess.Popen(self.command(*APPLY, self.after, database=self.through_proxy),
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         time.sleep(moment)
         lose(process)
@@ -130,12 +133,12 @@ class Lost_Server(cluster.Site):
 
     def assert_no_half(self, lose, moment):
         """Loses the server in an apply and repeats it; answers how far that got and whether it failed."""
-        self.run_tool("apply", self.before)
+        self.run_tool(*APPLY, self.before)
         self.assertTrue(self.records() == self.records_before)
         outcome = self.disturb(lose, moment)
         left = self.records()
         self.assertTrue(left in (self.records_before, self.records_after), "half of a pass is left")
-        repeated = self.run_tool("apply", self.after)
+        repeated = self.run_tool(*APPLY, self.after)
         self.assertTrue(self.records() == self.records_after, "a repeated apply ends elsewhere")
         self.assertEqual(self.run_tool("show", "config"), self.config_after)
         self.assertEqual(self.pending(), "")

@@ -7,6 +7,9 @@ import unittest
 from cluster import DONE, Site, TOPICS, inventory, trigger
 from tester import url
 
+# Its documents have little in common with those before.
+APPLY = ("apply", "--allow-mass-deletion")
+
 
 class Many_Servers(Site):
 
@@ -32,7 +35,7 @@ class Many_Servers(Site):
         for process in [self.start("init", site, database=database) for database in servers.values()]:
             self.finish(process)
 
-        applied = [self.start("apply", f"{self.folder}/config_{number}.json", database=database)
+        applied = [self.start(*APPLY, f"{self.folder}/config_{number}.json", database=database)
                    for number, database in servers.items()]
         outcomes = [self.finish(process) for process in applied]
 
@@ -43,7 +46,7 @@ class Many_Servers(Site):
                                  list(range(number, number + 30)))
                 alone = f"{self.folder}/alone_{number}.db"
                 self.run_tool("init", site, database=alone)
-                self.run_tool("apply", f"{self.folder}/config_{number}.json", database=alone)
+                self.run_tool(*APPLY, f"{self.folder}/config_{number}.json", database=alone)
                 self.assertEqual(self.records(database), self.records(alone))
 
     def test_of_one_schema_take_turns(self):
@@ -52,7 +55,7 @@ class Many_Servers(Site):
         for number in range(6):
             self.write(f"config_{number}.json", self.config_of(number))
 
-        running = [self.start("apply", f"{self.folder}/config_{number}.json", database=self.database)
+        running = [self.start(*APPLY, f"{self.folder}/config_{number}.json", database=self.database)
                    for number in range(6)]
         for process in running:
             self.finish(process)
@@ -61,7 +64,7 @@ class Many_Servers(Site):
         last = next(number for number in range(6) if self.config_of(number) == stored)
         alone = f"{self.folder}/alone.db"
         self.run_tool("init", site, database=alone)
-        self.run_tool("apply", f"{self.folder}/config_{last}.json", database=alone)
+        self.run_tool(*APPLY, f"{self.folder}/config_{last}.json", database=alone)
         self.assertEqual(self.records(), self.records(alone))
 
 
