@@ -123,6 +123,15 @@ class Unusable_Databases(Database_Site):
         self.assertEqual(self.rows(), before)
         self.assert_documents_kept()
 
+    def test_a_fault_while_triggers_are_deleted_deletes_nothing(self):
+        before = self.rows()
+        self.sql("ALTER TABLE eta_camera RENAME TO elsewhere")
+        outcome = self.run_tool("--json", "apply", self.write("none.json", config()))
+        self.sql("ALTER TABLE elsewhere RENAME TO eta_camera")
+        self.assertEqual(outcome.status, FAILED)
+        self.assertRegex(outcome.json["errors"][0]["message"], self.NO_TABLE)
+        self.assertEqual(self.rows(), before)
+
 
 @on_sqlite
 class Full_Disks(Database_Site):

@@ -67,17 +67,22 @@ bool Site_Index::add_trigger(const std::shared_ptr<trigger>& added) {
 }
 
 void Site_Index::restore_trigger(std::uint64_t id) {
+  Subscription_Index& subscriptions = this->subscriptions();
+  ETA_Camera_Index& eta_cameras = this->eta_cameras();
   const std::shared_ptr<trigger> fresh = triggers().restore(id);
-  subscriptions().replace_trigger(fresh);
-  eta_cameras().replace_trigger(fresh);
+  subscriptions.replace_trigger(fresh);
+  eta_cameras.replace_trigger(fresh);
 }
 
 void Site_Index::delete_triggers(const std::set<std::uint64_t>& dead) {
   if (dead.empty()) {
     return;
   }
-  subscriptions().drop_triggers(dead);
-  eta_cameras().drop_triggers(dead);
+  // All is read before anything is changed: a fault in between would leave half of it.
+  Subscription_Index& subscriptions = this->subscriptions();
+  ETA_Camera_Index& eta_cameras = this->eta_cameras();
+  subscriptions.drop_triggers(dead);
+  eta_cameras.drop_triggers(dead);
   for (const std::uint64_t id : dead) {
     triggers().erase(id);
   }
