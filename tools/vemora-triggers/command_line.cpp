@@ -289,6 +289,25 @@ void add_apply(CLI::App& app, Invocation& call) {
   });
 }
 
+void add_show(CLI::App& app, Invocation& call) {
+  CLI::App* const shown = app.add_subcommand("show", "Show what is stored");
+  shown->add_option("WHAT", call.shown.what, fmt::format("{}", fmt::join(things_to_show(), ", ")))
+      ->required()
+      ->type_name(" ")
+      ->check(one_of(things_to_show()));
+  shown->add_option("--camera", call.shown.camera_id, "Only what belongs to this camera")
+      ->type_name("ID")
+      ->check(CLI::Validator(decimal_id, ""));
+  shown->add_option("--trigger", call.shown.trigger_id, "Only what belongs to this trigger")
+      ->type_name("ID")
+      ->check(CLI::Validator(decimal_id, ""));
+  shown->add_option("--topic", call.shown.topic, "Only what has this ONVIF topic")
+      ->type_name("TOPIC");
+  shown->add_option("--sort", call.shown.sort, "Sort by this column (default: by id)")
+      ->type_name("COLUMN");
+  shown->callback([&call] { call.command = [&call] { return show(call.options, call.shown); }; });
+}
+
 void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
@@ -316,15 +335,7 @@ void add_commands(CLI::App& app, Invocation& call) {
     call.command = [&call] { return refresh(call.options); };
   });
 
-  CLI::App* const shown = app.add_subcommand("show", "Show what is stored");
-  shown
-      ->add_option("WHAT", call.what,
-                   "triggers, subscriptions, detection, cameras, config, mapping")
-      ->required()
-      ->type_name(" ")
-      ->check(one_of({"triggers", "subscriptions", "detection", "cameras", "config", "mapping"}));
-  shown->callback([&call] { call.command = [&call] { return show(call.options, call.what); }; });
-
+  add_show(app, call);
   add_questions(app, call);
   add_copies(app, call);
 

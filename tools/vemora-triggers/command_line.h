@@ -9,6 +9,7 @@
 #include "tools/vemora-triggers/commands/commands.h"
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
+#include "tools/vemora-triggers/invocation/show_request.h"
 
 namespace CLI {
 class App;
@@ -35,7 +36,7 @@ struct Invocation {
   std::string inventory_path;
   std::string config_path;
   std::string mapping_path;
-  std::string what;
+  Show_Request shown;
   std::string file;
   std::uint64_t trigger_id = 0;
   std::optional<std::uint64_t> camera_id;

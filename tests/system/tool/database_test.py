@@ -196,7 +196,7 @@ Failed.
         self.assertEqual(self.show("subscriptions")[-1], {
             "id": 99, "name": "corrupt", "onvifTopic": None, "cameraId": 10, "triggerIds": [], "tags": {},
             "categoryId": None, "cameraIds": []})
-        self.assertIn("99  10      (corrupt)", self.run_tool("show", "subscriptions").text)
+        self.assertIn("99  10 camera 10  (corrupt)", self.run_tool("show", "subscriptions").text)
 
 
 class Damaged_Documents(Database_Site):

@@ -1,9 +1,18 @@
 """show: the JSON forms to the letter, and tables for people that no name can spoil."""
 
+import fcntl
+import json
+import os
+import pty
+import struct
+import tempfile
+import termios
+import unicodedata
 import unittest
 
-from tool_site import (CROSSED, DONE, FAILED, MOTION, NUL, TRIGGER_ERRORS, Site, camera, config, mapping,
-                       object_source, on_postgresql, on_sqlite, topic_source, trigger)
+from tool_site import (CROSSED, DONE, ENGINE, FAILED, LARGEST_ID, MOTION, NUL, TRIGGER_ERRORS, WRONG_USAGE, Site,
+                       camera, config, mapping, object_source, on_postgresql, on_sqlite, small_inventory, topic_source,
+                       trigger)
 
 NO_UTF8 = b'{"triggers": [{"id": 7, "name": "bad \xff\xfe\xc3 name", "tags": {}, "sources": [' \
           b'{"type": "onvif-metadata", "onvifTopic": "\x80\xc0"}]}, ' \
@@ -90,27 +99,288 @@ class Shown_Records(Site):
         tables = {
             "triggers": f"""\
 ID  NAME       SCHEDULES  SOURCES
-7   trigger 7  1          onvif-metadata {CROSSED}, object-detection vehicle
+7   trigger 7  1 always   onvif-metadata {CROSSED}, object-detection vehicle
 """,
             "subscriptions": f"""\
-ID  CAMERA  TOPIC (OR NAME)                       TAGS       TRIGGERS
-1   10      {CROSSED}             7
-3   -       (door forced)                         door=main  
+ID  CAMERA        TOPIC (OR NAME)                       TAGS       TRIGGERS
+1   10 camera 10  {CROSSED}             7 trigger 7
+3   -             (door forced)                         door=main
 """,
             "detection": """\
-ID  CAMERA  TRIGGERS
-1   10      7
-2   11      7
+ID  CAMERA        OBJECTS  TRIGGERS
+1   10 camera 10  vehicle  7 trigger 7
+2   11 camera 11  vehicle  7 trigger 7
 """,
             "cameras": """\
 ID  NAME       TAGS       DETECTS          TOPICS
-10  camera 10  area=gate  objects  motion  2
-11  camera 11  area=dock  objects  -       1
+10  camera 10  area=gate  objects, motion  2
+11  camera 11  area=dock  objects          1
+""",
+            "schedules": """\
+ID  NAME     USABLE
+1   always   yes
+2   expired  no
+""",
+            "servers": """\
+ID  NAME  TAGS
+1   one   site=north
+""",
+            "object-types": """\
+NAME     STANDS FOR
+vehicle  car, truck
 """,
         }
         for what, table in tables.items():
             with self.subTest(what):
                 self.assertEqual(self.run_tool("show", what).text, table)
+
+
+    def test_servers_schedules_and_object_types_are_lists_for_programs(self):
+        self.assertEqual(self.show("servers"), [{"id": 1, "name": "one", "tags": {"site": "north"}}])
+        self.assertEqual(self.show("schedules"), [{"id": 1, "name": "always", "usable": True},
+                                                  {"id": 2, "name": "expired", "usable": False}])
+        self.assertEqual(self.show("object-types"), [{"name": "vehicle", "standsFor": ["car", "truck"]}])
+
+    def test_ids_ascend_as_unsigned_numbers(self):
+        ids = [0, 7, 1 << 63, LARGEST_ID]
+        self.init({"schedules": [{"id": number} for number in ids], "servers": [{"id": number} for number in ids]})
+        for what in ("schedules", "servers"):
+            shown = [record["id"] for record in self.show(what)]
+            self.assertEqual(shown, sorted({*shown, *ids}))
+
+
+class Selected_Records(Site):
+    def setUp(self):
+        super().setUp()
+        self.init()
+        self.apply(config(
+            trigger(7, topic_source(CROSSED), object_source("vehicle"), scheduleIds=[1]),
+            trigger(8, topic_source(MOTION), tags={"camera": {"area": "dock"}}),
+            trigger(9, {"type": "metadata-event"}),
+            trigger(17, scheduleIds=[2]), trigger(18, tags={"server": {"site": "south"}})))
+
+    def ids(self, what, *filters):
+        outcome = self.run_tool("--json", "show", what, *filters)
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        people = self.run_tool("show", what, *filters)
+        self.assertEqual(people.status, DONE)
+        rows = people.text.split("\n\n")[0].splitlines()[1:]
+        ids = [record["id"] for record in outcome.json]
+        self.assertEqual([int(row.split()[0]) for row in rows], ids)
+        return ids
+
+    def test_of_one_camera(self):
+        topics = {record["onvifTopic"]: record["id"] for record in self.show("subscriptions")}
+        self.assertEqual(self.ids("triggers", "--camera", "10"), [7, 9])
+        self.assertEqual(self.ids("triggers", "--camera", "11"), [7, 8, 9])
+        self.assertEqual(self.ids("subscriptions", "--camera", "11"), sorted([topics[MOTION], 3]))
+        self.assertEqual(self.ids("detection", "--camera", "11"), [2])
+        self.assertEqual(self.ids("cameras", "--camera", "11"), [11])
+
+    def test_of_one_trigger(self):
+        topics = {record["onvifTopic"]: record["id"] for record in self.show("subscriptions")}
+        self.assertEqual(self.ids("triggers", "--trigger", "8"), [8])
+        self.assertEqual(self.ids("subscriptions", "--trigger", "7"), [topics[CROSSED]])
+        self.assertEqual(self.ids("subscriptions", "--trigger", "9"), [3])
+        self.assertEqual(self.ids("detection", "--trigger", "7"), [1, 2])
+        self.assertEqual(self.ids("detection", "--trigger", "8"), [])
+        self.assertEqual(self.ids("cameras", "--trigger", "8"), [11])
+        self.assertEqual(self.ids("schedules", "--trigger", "7"), [1])
+
+    def test_of_one_topic(self):
+        topics = {record["onvifTopic"]: record["id"] for record in self.show("subscriptions")}
+        self.assertEqual(self.ids("triggers", "--topic", MOTION), [8])
+        self.assertEqual(self.ids("subscriptions", "--topic", CROSSED), [topics[CROSSED]])
+        self.assertEqual(self.ids("cameras", "--topic", CROSSED), [10])
+        self.assertEqual(self.ids("cameras", "--topic", "none"), [])
+
+    def test_filters_together_select_what_each_of_them_does(self):
+        self.assertEqual(self.ids("subscriptions", "--camera", "10", "--topic", MOTION), [])
+        self.assertEqual(self.ids("triggers", "--camera", "11", "--topic", MOTION), [8])
+
+    def test_in_the_order_of_a_column_with_numbers_by_their_value(self):
+        self.init({"cameras": [{"id": number, "name": name} for number, name in
+                               ((1, "gate 10"), (2, "gate 9"), (3, "attic"), (4, "gate 9"))]})
+        self.assertEqual(self.ids("cameras", "--sort", "name"), [3, 10, 11, 2, 4, 1])
+        self.assertEqual(self.ids("cameras", "--sort", "id"), [1, 2, 3, 4, 10, 11])
+        self.assertEqual(self.ids("triggers", "--sort", "sources"), [9, 7, 8])
+
+    def test_what_makes_no_sense_is_wrong_usage(self):
+        for arguments, message in {
+                ("servers", "--camera", "10"): "--camera does not select servers; it selects triggers, subscriptions, "
+                                               "detection, cameras",
+                ("inventory", "--trigger", "7"): "--trigger does not select inventory; it selects triggers, "
+                                                 "subscriptions, detection, cameras, schedules",
+                ("detection", "--topic", MOTION): "--topic does not select detection; it selects triggers, "
+                                                  "subscriptions, cameras",
+                ("cameras", "--sort", "nam"): "--sort: nam is no column of cameras; these are id, name, tags, detects, "
+                                              "topics",
+                ("config", "--sort", "id"): "--sort: config is a document and has no columns",
+                ("cameras", "--camera", "99"): "The site has no camera 99.",
+                ("triggers", "--camera", "99"): "The site has no camera 99.",
+                ("triggers", "--trigger", "99"): "Trigger 99 is neither stored nor configured.",
+                ("subscriptions", "--trigger", "17"): "No trigger 17 is stored; \"explain 17\" says why.",
+                ("cameras", "--camera", "x"): "--camera: x is not an unsigned 64-bit number"}.items():
+            with self.subTest(arguments):
+                outcome = self.run_tool("show", *arguments)
+                self.assertEqual((outcome.status, outcome.out, outcome.err.decode()), (
+                    WRONG_USAGE, b"", f"vemora-triggers: {message}\nRun with --help for more information.\n"))
+        self.assertEqual(self.run_tool("--json", "show", "triggers", "--trigger", "99").status, WRONG_USAGE)
+
+    def test_triggers_that_are_not_stored_are_listed_with_the_reason(self):
+        not_stored = """\
+NOT STORED  NAME        WHY
+17          trigger 17  Schedule 2 ("expired") is not usable; the trigger's own list names it.
+18          trigger 18  The server filter asks for site=south; server 1 ("one") has site=north.
+"""
+        self.assertEqual(self.run_tool("show", "triggers").text.split("\n\n")[1], not_stored)
+        self.assertEqual(self.run_tool("show", "triggers", "--trigger", "17").text, "".join(
+            not_stored.splitlines(keepends=True)[:2]))
+        self.assertNotIn("NOT STORED", self.run_tool("show", "triggers", "--camera", "10").text)
+        self.init({"schedules": [{"id": 2, "usable": True}], "servers": [{"id": 1, "tags": {"site": "south"}}]})
+        self.run_tool("refresh")
+        self.assertNotIn("NOT STORED", self.run_tool("show", "triggers").text)
+
+    def test_a_damaged_configuration_hides_no_stored_trigger(self):
+        self.sql("DELETE FROM document WHERE kind = 'mapping'")
+        self.sql("UPDATE document SET text = ? WHERE kind = 'config'", "{")
+        shown = self.run_tool("show", "triggers")
+        self.assertEqual(shown.status, DONE)
+        table, note = shown.text.rsplit("\n", 2)[:2]
+        self.assertIn("8   trigger 8", table)
+        self.assertTrue(note.startswith("Which triggers are configured and not stored is not known: "), note)
+        self.assertIn("the stored configuration is damaged", note)
+
+    def test_the_topics_of_a_camera_are_listed_with_their_triggers(self):
+        self.init({"cameras": [camera(10, [MOTION], {"area": "gate"})]})
+        self.assertEqual(self.run_tool("show", "cameras", "--camera", "10").text, f"""\
+ID  NAME       TAGS       DETECTS  TOPICS
+10  camera 10  area=gate  -        1
+
+TOPIC                                 SUPPORTED  TRIGGERS
+{CROSSED}  no         7 trigger 7
+{MOTION}          yes
+""")
+
+    def test_the_objects_of_a_detection_record_are_those_of_its_triggers(self):
+        motion = {"type": "object-detection", "searchItem": {"type": "bus", "motionRequired": True}}
+        self.apply(config(trigger(7, motion, object_source("person")), trigger(8, object_source("car"))))
+        self.assertEqual(self.run_tool("show", "detection", "--camera", "10").text, """\
+ID  CAMERA        OBJECTS                     TRIGGERS
+1   10 camera 10  bus in motion, car, person  7 trigger 7; 8 trigger 8
+""")
+
+
+class Shown_Inventories(Site):
+    def round_trip(self, *flags):
+        """Makes a second site of the inventory that is shown."""
+        shown = self.run_tool(*flags, "show", "inventory")
+        self.assertEqual((shown.status, shown.err), (DONE, b""))
+        first = {what: self.show(what) for what in self.KINDS}
+        again = type(self.behind)(self.path("") if ENGINE == "postgresql" else tempfile.mkdtemp(dir=self.folder))
+        self.addCleanup(again.drop)
+        made = self.run_tool("--database", again.location, "init", "-", given=shown.out)
+        self.assertEqual((made.status, made.err), (DONE, b""), made.out)
+        self.assertEqual(self.run_tool("--database", again.location, *flags, "show", "inventory").out, shown.out)
+        for what, records in first.items():
+            self.assertEqual(self.run_tool("--database", again.location, "--json", "show", what).json, records)
+        return shown.out
+
+    KINDS = ("servers", "cameras", "schedules", "subscriptions", "object-types")
+
+    def test_an_inventory_makes_the_same_site_again(self):
+        self.init()
+        for flags in ([], ["--json"]):
+            with self.subTest(flags):
+                self.round_trip(*flags)
+        self.assertEqual(json.loads(self.run_tool("show", "inventory").out), {
+            **small_inventory(),
+            "cameras": [{"motionDetection": False, **record} for record in small_inventory()["cameras"]],
+            "schedules": [{"usable": True, **record} for record in small_inventory()["schedules"]],
+            "subscriptions": [{**small_inventory()["subscriptions"][0], "cameraIds": [10, 11]}]})
+
+    def test_of_names_of_every_kind(self):
+        for what, name in STRANGE_NAMES.items():
+            with self.subTest(what):
+                self.init({"servers": [{"id": LARGEST_ID, "name": name, "tags": {name: name, "t": None}}],
+                           "cameras": [{**camera(10, [MOTION, name]), "name": name}],
+                           "eventCategories": [{"id": 1, "name": name}], "objectTypes": {name: [name + "x"]},
+                           "subscriptions": [{"id": 3, "name": name, "categoryId": 1, "tags": {name: name}}]})
+                self.round_trip()
+
+    @on_sqlite
+    def test_of_names_that_are_no_utf8(self):
+        self.write("inventory.json", b'{"cameras": [{"id": 7, "name": "T\xfcr", "tags": {"\xff": "\x80"}}]}')
+        self.assertEqual(self.run_tool("init", "inventory.json").status, DONE)
+        self.assertIn(b"T\xfcr", self.round_trip())
+
+    def test_without_the_subscriptions_and_triggers_of_passes(self):
+        self.init()
+        before = self.run_tool("show", "inventory").out
+        self.apply(config(trigger(7, topic_source(CROSSED), {"type": "metadata-event"})))
+        self.assertEqual(self.run_tool("show", "inventory").out, before)
+
+
+class Tables_On_Terminals(Site):
+    LONG = "tns1:RuleEngine/CellMotionDetector/Motion"
+
+    def shown(self, columns, *arguments):
+        outcome = self.run_command(self.command("show", *arguments), env={**os.environ, "COLUMNS": str(columns)})
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        return outcome.text
+
+    def setUp(self):
+        super().setUp()
+        self.init({"servers": [{"id": 1}], "schedules": [{"id": 1, "name": "nights and weekends"}], "cameras": [
+            {**camera(10, [self.LONG], {"area": "gate"}), "name": "\u6b63\u9580 1"},
+            {**camera(11, [self.LONG], {"area": "dock", "outdoor": None}), "name": "Du\u0308sseldorf"},
+            {**camera(12, [self.LONG]), "name": "plain"}]})
+        self.apply(config(trigger(7, topic_source(self.LONG), scheduleIds=[1]),
+                          {**trigger(8, topic_source(self.LONG)), "name": "a very long name of a trigger"}))
+
+    def test_wide_and_combining_characters_take_their_columns(self):
+        self.assertEqual(self.shown(200, "cameras"), """\
+ID  NAME        TAGS               DETECTS  TOPICS
+10  \u6b63\u9580 1      area=gate          -        1
+11  Du\u0308sseldorf  area=dock outdoor  -        1
+12  plain                          -        1
+""")
+
+    def test_a_table_fits_the_width_and_a_column_without_text_is_left_out(self):
+        self.assertEqual(self.shown(80, "subscriptions", "--camera", "12"), """\
+ID  CAMERA    TOPIC (OR NAME)                   TRIGGERS
+3   12 plain  tns1:RuleEngine/                  7 trigger 7; 8 a very long name
+              CellMotionDetector/Motion         of a trigger
+""")
+
+    def test_no_line_is_wider_than_the_terminal(self):
+        for columns in (60, 80, 120, 200):
+            for what in ("triggers", "subscriptions", "detection", "cameras", "schedules", "servers"):
+                for line in self.shown(columns, what).splitlines():
+                    self.assertLessEqual(width(line), columns, line)
+
+    def test_without_a_terminal_a_row_is_a_line(self):
+        environment = {name: value for name, value in os.environ.items() if name != "COLUMNS"}
+        for columns in ({}, {"COLUMNS": ""}, {"COLUMNS": "0"}, {"COLUMNS": "wide"}):
+            outcome = self.run_command(self.command("show", "subscriptions"), env={**environment, **columns})
+            self.assertEqual(len(outcome.text.splitlines()), 4, outcome.text)
+
+    def test_the_terminal_itself_says_how_wide_it_is(self):
+        reading, writing = pty.openpty()
+        fcntl.ioctl(writing, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 60, 0, 0))
+        environment = {name: value for name, value in os.environ.items() if name != "COLUMNS"}
+        self.run_command(self.command("show", "subscriptions"), env=environment, stdout=writing)
+        os.close(writing)
+        text = os.read(reading, 1 << 16).decode().replace("\r\n", "\n")
+        os.close(reading)
+        self.assertEqual(text, self.shown(60, "subscriptions"))
+        self.assertGreater(len(text.splitlines()), 4)
+
+
+def width(text):
+    """The columns that a text takes."""
+    return sum(0 if unicodedata.combining(letter) else 2 if unicodedata.east_asian_width(letter) in "WF" else 1
+               for letter in text)
 
 
 STRANGE_NAMES = {

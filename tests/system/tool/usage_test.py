@@ -31,7 +31,8 @@ WRONG = {
     "a document too many": (["apply", "a", "b", "c"], "The following argument was not expected: c"),
     "nothing to show": (["show"], "WHAT is required"),
     "an unknown thing to show": (["show", "doors"], "WHAT: doors is not one of triggers, subscriptions, detection, "
-                                                    "cameras, config, mapping"),
+                                                    "cameras, schedules, servers, object-types, "
+                                                    "inventory, config, mapping"),
     "an unknown log level": (["--log-level", "loud", "refresh"], "--log-level: loud is not one of off, trace, debug, "
                                                                  "detail, info, warning, error, fatal"),
     "an option without its value": (["refresh", "--database"], "--database: 1 required FILE missing"),
@@ -72,8 +73,8 @@ class Wrong_Usage(Site):
         outcome = self.run_tool("show", "\x1b[31m\u202e")
         self.assertEqual(outcome.status, WRONG_USAGE)
         self.assertEqual(outcome.err, (
-            b"vemora-triggers: WHAT: \\x1b[31m\\u202e is not one of triggers, subscriptions, detection, cameras, config, "
-            b"mapping\nRun with --help for more information.\n"))
+            b"vemora-triggers: WHAT: \\x1b[31m\\u202e is not one of triggers, subscriptions, detection, cameras, "
+            b"schedules, servers, object-types, inventory, config, mapping\nRun with --help for more information.\n"))
 
 
 HELP = """\
@@ -139,7 +140,8 @@ Show what is stored
 Usage: vemora-triggers show [OPTIONS] WHAT
 
 Positionals:
-  WHAT   REQUIRED             triggers, subscriptions, detection, cameras, config, mapping
+  WHAT   REQUIRED             triggers, subscriptions, detection, cameras, schedules, servers, object-types, \
+inventory, config, mapping
 """,
 }
 
@@ -194,6 +196,12 @@ OWN_OPTIONS = {
 changed since
 """,
     "refresh": STRICTNESS + GUARD,
+    "show": """\
+  --camera ID                 Only what belongs to this camera
+  --trigger ID                Only what belongs to this trigger
+  --topic TOPIC               Only what has this ONVIF topic
+  --sort COLUMN               Sort by this column (default: by id)
+""",
     "explain": "  --camera ID                 Only at this camera\n",
     "match": """\
   --camera ID                 An event of this camera: a topic, object or motion

@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
+#include "tools/vemora-triggers/invocation/show_request.h"
 #include "vemora/operations/match/event.h"
 
 namespace kuv::vemora::tools {
@@ -33,7 +35,12 @@ struct Plan_Request {
 Exit_Status plan(const Options& options, const Plan_Request& request);
 
 Exit_Status refresh(const Options& options);
-Exit_Status show(const Options& options, const std::string& what);
+
+/// What can be shown.
+std::vector<std::string> things_to_show();
+
+/// Wrong usage if the request makes no sense, or names a record that is not there.
+Exit_Status show(const Options& options, const Show_Request& request);
 
 /// Wrong usage if the site does not have the camera.
 Exit_Status explain(const Options& options, std::uint64_t trigger_id,

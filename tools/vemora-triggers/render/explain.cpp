@@ -20,7 +20,6 @@ namespace {
 using embedded_server::printable;
 using operations::Explanation;
 using State = Explanation::State;
-using Row = std::vector<std::string>;
 
 const char* name_of(State state) {
   switch (state) {

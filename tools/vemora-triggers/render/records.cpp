@@ -5,10 +5,15 @@
 #include <json/value.h>
 
 #include <chrono>
+#include <iostream>
+#include <map>
+#include <set>
 #include <string>
+#include <utility>
 
-#include "tools/vemora-triggers/render/json.h"
-#include "tools/vemora-triggers/render/terminal.h"
+#include "tools/vemora-triggers/render/list.h"
+#include "tools/vemora-triggers/render/reasons.h"
+#include "tools/vemora-triggers/render/tags.h"
 #include "vemora/embedded_server/persistent/source_type_names.h"
 #include "vemora/embedded_server/texts/printable.h"
 #include "vemora/platform/records/supported_topics.h"
@@ -47,10 +52,6 @@ std::vector<std::uint64_t> schedule_ids(const trigger& record) {
   return ids;
 }
 
-Json::Value to_json(const trigger& record) {
-  return trigger_to_json(record);
-}
-
 template <class Linked>
 Json::Value linked_id(const odb::lazy_shared_ptr<Linked>& link) {
   const Linked* const loaded = link.get();
@@ -59,16 +60,6 @@ Json::Value linked_id(const odb::lazy_shared_ptr<Linked>& link) {
 
 Json::Value to_json(const std::optional<std::string>& text) {
   return text ? Json::Value(*text) : Json::Value();
-}
-
-/// The tags of any kind of record: a set of entries, or a map.
-template <class Tags>
-Json::Value tags_to_json(const Tags& tags) {
-  Json::Value object(Json::objectValue);
-  for (const auto& [name, info] : tags) {
-    object[name] = to_json(info.value);
-  }
-  return object;
 }
 
 Json::Value to_json(const metadata_event_subscription& record) {
@@ -126,8 +117,49 @@ Json::Value to_json(const camera& record) {
   return object;
 }
 
-std::string join(const std::vector<std::uint64_t>& ids) {
-  return fmt::format("{}", fmt::join(ids, " "));
+/// "7 person at the gate": an id, with the name of its record if there is one.
+std::string id_and_name(std::uint64_t id, const std::string& name) {
+  return printable(name.empty() ? std::to_string(id) : fmt::format("{} {}", id, name));
+}
+
+template <class Linked>
+std::string id_and_name(std::uint64_t id, const Linked* linked) {
+  return id_and_name(id, linked == nullptr ? "(gone)" : linked->name);
+}
+
+/// Records with their names, which often have commas.
+std::string join(const std::vector<std::string>& records) {
+  return fmt::format("{}", fmt::join(records, "; "));
+}
+
+std::string describe_schedules(const trigger& record) {
+  std::vector<std::string> texts;
+  for (const Trigger_Mapping_Entry& entry : record.schedules) {
+    texts.push_back(id_and_name(entry.schedule->id, entry.schedule->name));
+  }
+  return join(texts);
+}
+
+std::string describe_triggers(const metadata_event_subscription& record) {
+  std::vector<std::string> texts;
+  auto link = record.trigger_links.begin();  // in the order of the ids
+  for (const std::uint64_t id : record.trigger_ids()) {
+    texts.push_back(id_and_name(id, (link++)->get()));
+  }
+  return join(texts);
+}
+
+std::string describe_triggers(const eta_camera& record) {
+  std::vector<std::string> texts;
+  for (const std::shared_ptr<trigger>& held : record.triggers) {
+    texts.push_back(id_and_name(held->id, held->name));
+  }
+  return join(texts);
+}
+
+template <class Record>
+std::string describe_camera(const Record& record) {
+  return id_and_name(record.camera_id(), record.camera.get());
 }
 
 std::string describe_sources(const trigger& record) {
@@ -138,35 +170,27 @@ std::string describe_sources(const trigger& record) {
   return fmt::format("{}", fmt::join(sources, ", "));
 }
 
-template <class Tags>
-std::string describe_tags(const Tags& tags) {
-  std::vector<std::string> texts;
-  for (const auto& [name, info] : tags) {
-    texts.push_back(printable(info.value ? name + "=" + *info.value : name));
-  }
-  return fmt::format("{}", fmt::join(texts, " "));
-}
-
-using Row = std::vector<std::string>;
-
-/// As a JSON list, or as a table with a row for each record.
-template <class Record, class To_Row>
-void print_records(const Options& options, const Records<Record>& records, const Row& headings,
-                   To_Row to_row) {
-  Json::Value list(Json::arrayValue);
-  std::vector<Row> rows;
-  for (const std::shared_ptr<Record>& record : records) {
-    if (options.json) {
-      list.append(to_json(*record));
-    } else {
-      rows.push_back(to_row(*record));
+/// What its triggers search for, as they are configured.
+std::string describe_objects(const eta_camera& record) {
+  std::set<Object_Search_Item> items;
+  for (const std::shared_ptr<trigger>& held : record.triggers) {
+    for (const Trigger_Source& source : held->sources) {
+      if (source.type == Trigger_Source_Type::object_detection && source.search_item) {
+        items.insert(*source.search_item);
+      }
     }
   }
-  if (options.json) {
-    print_json(list);
-  } else {
-    print_table(headings, rows);
+  std::vector<std::string> texts;
+  for (const Object_Search_Item& item : items) {
+    texts.push_back(printable(item.object_type + (item.motion_required ? " in motion" : "")));
   }
+  return fmt::format("{}", fmt::join(texts, ", "));
+}
+
+std::string describe_detection(const camera& record) {
+  const char* const motion = record.motion_detection ? "motion" : "-";
+  return record.object_detection ? (record.motion_detection ? "objects, motion" : "objects")
+                                 : motion;
 }
 
 }  // namespace
@@ -215,43 +239,89 @@ std::string describe(const Trigger_Source& source) {
   return printable(text);
 }
 
-void print_triggers(const Options& options, const Records<trigger>& records) {
-  print_records(options, records, {"ID", "NAME", "SCHEDULES", "SOURCES"},
-                [](const trigger& record) -> Row {
-                  return {std::to_string(record.id), printable(record.name),
-                          join(schedule_ids(record)), describe_sources(record)};
-                });
+void print_triggers(const Options& options, const Records<trigger>& records,
+                    const std::optional<std::size_t>& sort_column) {
+  print_list(options, addresses(records), sort_column,
+             list_form<trigger>(
+                 {"ID", "NAME", "SCHEDULES", "SOURCES"},
+                 [](const trigger& record) { return trigger_to_json(record); },
+                 [](const trigger& record) -> Row {
+                   return {std::to_string(record.id), printable(record.name),
+                           describe_schedules(record), describe_sources(record)};
+                 }));
+}
+
+void print_inactive_triggers(const operations::Inactive_Triggers& inactive) {
+  std::vector<Row> rows;
+  for (const operations::Explanation& trigger : inactive.first) {
+    rows.push_back({std::to_string(trigger.id), printable(trigger.name.value_or("")),
+                    described(trigger.reasons)});
+  }
+  print_table({"NOT STORED", "NAME", "WHY"}, rows);
+  if (inactive.count > inactive.first.size()) {
+    std::cout << fmt::format("{} more are configured and not stored.\n",
+                             inactive.count - inactive.first.size());
+  }
 }
 
 void print_subscriptions(const Options& options,
-                         const Records<metadata_event_subscription>& records) {
-  print_records(options, records, {"ID", "CAMERA", "TOPIC (OR NAME)", "TAGS", "TRIGGERS"},
-                [](const metadata_event_subscription& record) -> Row {
-                  return {std::to_string(record.id),
-                          record.camera ? std::to_string(record.camera_id()) : "-",
-                          printable(record.onvif_topic.value_or("(" + record.name + ")")),
-                          describe_tags(record.tags), join(record.trigger_ids())};
-                });
+                         const Records<metadata_event_subscription>& records,
+                         const std::optional<std::size_t>& sort_column) {
+  using Subscription = metadata_event_subscription;
+  print_list(options, addresses(records), sort_column,
+             list_form<Subscription>(
+                 {"ID", "CAMERA", "TOPIC (OR NAME)", "TAGS", "TRIGGERS"},
+                 [](const Subscription& record) { return to_json(record); },
+                 [](const Subscription& record) -> Row {
+                   return {std::to_string(record.id), record.camera ? describe_camera(record) : "-",
+                           printable(record.onvif_topic.value_or("(" + record.name + ")")),
+                           describe_tags(record.tags), describe_triggers(record)};
+                 }));
 }
 
-void print_detection(const Options& options, const Records<eta_camera>& records) {
-  print_records(options, records, {"ID", "CAMERA", "TRIGGERS"},
-                [](const eta_camera& record) -> Row {
-                  return {std::to_string(record.id), std::to_string(record.camera_id()),
-                          join(trigger_ids(record))};
-                });
+void print_detection(const Options& options, const Records<eta_camera>& records,
+                     const std::optional<std::size_t>& sort_column) {
+  print_list(options, addresses(records), sort_column,
+             list_form<eta_camera>(
+                 {"ID", "CAMERA", "OBJECTS", "TRIGGERS"},
+                 [](const eta_camera& record) { return to_json(record); },
+                 [](const eta_camera& record) -> Row {
+                   return {std::to_string(record.id), describe_camera(record),
+                           describe_objects(record), describe_triggers(record)};
+                 }));
 }
 
-void print_cameras(const Options& options, const Records<camera>& records) {
-  print_records(options, records, {"ID", "NAME", "TAGS", "DETECTS", "", "TOPICS"},
-                [](const camera& record) -> Row {
-                  return {std::to_string(record.id),
-                          printable(record.name),
-                          describe_tags(record.tags),
-                          record.object_detection ? "objects" : "-",
-                          record.motion_detection ? "motion" : "-",
-                          std::to_string(topics_of(record).size())};
-                });
+void print_cameras(const Options& options, const Records<camera>& records,
+                   const std::optional<std::size_t>& sort_column) {
+  print_list(options, addresses(records), sort_column,
+             list_form<camera>(
+                 {"ID", "NAME", "TAGS", "DETECTS", "TOPICS"},
+                 [](const camera& record) { return to_json(record); },
+                 [](const camera& record) -> Row {
+                   return {std::to_string(record.id), printable(record.name),
+                           describe_tags(record.tags), describe_detection(record),
+                           std::to_string(topics_of(record).size())};
+                 }));
+}
+
+void print_topics(const camera& record, const Records<metadata_event_subscription>& subscriptions) {
+  std::map<std::string, Row> rows;
+  for (const std::string& topic : topics_of(record)) {
+    rows[topic] = {printable(topic), "yes", ""};
+  }
+  for (const auto& subscription : subscriptions) {
+    if (subscription->onvif_topic) {
+      const std::string& topic = *subscription->onvif_topic;
+      rows.try_emplace(topic, Row{printable(topic), "no", ""}).first->second[2] =
+          describe_triggers(*subscription);
+    }
+  }
+  std::vector<Row> table;
+  for (auto& entry : rows) {
+    table.push_back(std::move(entry.second));
+  }
+  std::cout << '\n';
+  print_table({"TOPIC", "SUPPORTED", "TRIGGERS"}, table);
 }
 
 }  // namespace kuv::vemora::tools

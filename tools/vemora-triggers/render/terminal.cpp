@@ -1,23 +1,24 @@
 #include "tools/vemora-triggers/render/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "tools/vemora-triggers/process/outcome_output.h"
-#include "vemora/embedded_server/texts/characters.h"
 #include "vemora/embedded_server/texts/printable.h"
 
 namespace kuv::vemora::tools {
 namespace {
-
-using embedded_server::count_characters;
 
 bool wants_color() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment is never changed
@@ -25,18 +26,20 @@ bool wants_color() {
   return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
 }
 
-/// A wider cell extends its own row, and does not widen the column.
-constexpr std::size_t widest_column = 200;
-
-void print_row(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
-  for (std::size_t column = 0; column < row.size(); ++column) {
-    std::cout << row[column];
-    if (column + 1 < row.size()) {
-      const std::size_t characters = count_characters(row[column]);
-      std::cout << std::string(std::max(widths[column], characters) - characters + 2, ' ');
+/// Of the terminal that standard output is, unless COLUMNS says another; nothing if neither does.
+std::optional<std::size_t> terminal_width() {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment is never changed
+  if (const char* const columns = std::getenv("COLUMNS")) {
+    const std::string_view text = columns;
+    std::size_t width = 0;
+    const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), width);
+    if (fault == std::errc() && end == text.data() + text.size() && width > 0) {
+      return width;
     }
   }
-  std::cout << '\n';
+  winsize size{};
+  const bool is_known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return is_known ? std::make_optional<std::size_t>(size.ws_col) : std::nullopt;
 }
 
 /// Keeps line ends and tabs.
@@ -67,19 +70,9 @@ std::string in_red(const std::string& text) {
   return wants_color() ? "\x1b[31m" + text + "\x1b[0m" : text;
 }
 
-void print_table(const std::vector<std::string>& headings,
-                 const std::vector<std::vector<std::string>>& rows) {
-  std::vector<std::size_t> widths;
-  for (std::size_t column = 0; column < headings.size(); ++column) {
-    std::size_t width = count_characters(headings[column]);
-    for (const std::vector<std::string>& row : rows) {
-      width = std::max(width, std::min(count_characters(row[column]), widest_column));
-    }
-    widths.push_back(width);
-  }
-  print_row(headings, widths);
-  for (const std::vector<std::string>& row : rows) {
-    print_row(row, widths);
+void print_table(const Row& headings, const std::vector<Row>& rows) {
+  for (const std::string& line : lay_out_table(headings, rows, terminal_width())) {
+    std::cout << line << '\n';
   }
 }
 

@@ -7,6 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "tools/vemora-triggers/render/table_layout.h"
+
 namespace kuv::vemora::tools {
 
 /// Prints a document byte for byte; on a terminal, with control characters as escapes.
@@ -15,9 +17,8 @@ void print_text(const std::string& text);
 /// The text in red if standard output is a terminal and NO_COLOR is not set.
 std::string in_red(const std::string& text);
 
-/// Prints rows under headings, each column as wide as its widest cell.
-void print_table(const std::vector<std::string>& headings,
-                 const std::vector<std::vector<std::string>>& rows);
+/// Prints rows under headings, so that they fit the terminal, or the width that COLUMNS names.
+void print_table(const Row& headings, const std::vector<Row>& rows);
 
 /// Says on a terminal that the command waits for another process.
 void tell_of_wait() noexcept;

@@ -97,7 +97,7 @@ void Explainer::find_joinable() {
   }
 }
 
-Explanation Explainer::explanation(std::optional<std::uint64_t> camera_id) const {
+Explanation Explainer::of_trigger() const {
   Explanation explained;
   explained.id = id_;
   if (configured_.element != nullptr) {
@@ -106,13 +106,18 @@ Explanation Explainer::explanation(std::optional<std::uint64_t> camera_id) const
     explained.name = stored_record()->name;
   }
   explained.state = state();
+  explained.reasons = reasons();
+  return explained;
+}
+
+Explanation Explainer::explanation(std::optional<std::uint64_t> camera_id) const {
+  Explanation explained = of_trigger();
   for (const std::uint64_t id : cameras_to_explain()) {
     explained.cameras.push_back(camera(id));
   }
   for (const std::uint64_t id : subscriptions_to_explain()) {
     explained.subscriptions.push_back(subscription(id));
   }
-  explained.reasons = reasons();
   if (is_active(configured_) && explained.state == State::active && is_silent(explained)) {
     const Reasons silence = reasons_of_silence(site_, *configured_.config, explained);
     explained.reasons.insert(explained.reasons.begin(), silence.begin(), silence.end());

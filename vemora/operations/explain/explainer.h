@@ -19,6 +19,9 @@ class Explainer {
   /// With a camera, the others are left out.
   Explanation explanation(std::optional<std::uint64_t> camera_id) const;
 
+  /// Without cameras and subscriptions.
+  Explanation of_trigger() const;
+
   Explanation::Camera camera(std::uint64_t camera_id) const;
   Explanation::Topic topic(std::uint64_t camera_id, const std::string& topic) const;
   Explanation::Subscription subscription(std::uint64_t subscription_id) const;
