@@ -116,6 +116,21 @@ class One_Trigger(Explained):
         self.assertEqual([codes_only(self.explain(number))["reasons"] for number in (7, 8, 9)],
                          [["camera-filter"], ["no-usable-source"], ["no-motion-detection", "topic-not-supported"]])
 
+    def test_no_subscription_fits_only_where_none_does(self):
+        door = {"name": "door", "categoryId": 1}
+        self.init({"subscriptions": [{"id": 3, **door, "tags": {}}, {"id": 4, **door, "tags": {"door": "back"}}]})
+        self.apply(config(trigger(7, {"type": "metadata-event"}, tags={"eventSubscription": {"door": "main"}})))
+        self.assertEqual(self.explain(7)["reasons"], [
+            {"code": "subscription-filter",
+             "text": "No generic subscription has what the filter for subscriptions asks for: door=main."}])
+        self.init({"subscriptions": [{"id": 5, **door, "tags": {"door": "main"}}]})
+        explained = self.explain(7)
+        self.assertEqual(codes_only(explained)["subscriptions"][2]["reasons"], ["not-refreshed"])
+        self.assertEqual(explained["reasons"], [
+            {"code": "subscription-filter",
+             "text": "The filter for subscriptions asks for door=main; subscription 3 has no tags. (2 like this.)"},
+            {"code": "not-refreshed", "text": "A refresh would change where it listens, in 1 place."}])
+
     def test_it_writes_nothing_and_waits_for_nobody(self):
         self.apply(config(trigger(7, scheduleIds=[1])))
         self.init({"cameras": [camera(12, [MOTION])], "schedules": [{"id": 1, "usable": False}]})

@@ -5,12 +5,15 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "vemora/embedded_server/persistent/source_type_names.h"
 #include "vemora/operations/site/tag_texts.h"
 
 namespace kuv::vemora::operations {
 namespace {
+
+constexpr std::string_view subscription_filter = "subscription-filter";
 
 bool hears(const Explanation::Camera& camera) {
   return camera.detected || std::any_of(camera.topics.begin(), camera.topics.end(),
@@ -26,6 +29,11 @@ bool needs_cameras(const Trigger_Config& config) {
   return has_source(config, Trigger_Source_Type::onvif_metadata) ||
          has_source(config, Trigger_Source_Type::object_detection) ||
          has_source(config, Trigger_Source_Type::motion_detection);
+}
+
+bool lacks_what_the_filter_asks_for(const Explanation::Subscription& subscription) {
+  return std::any_of(subscription.reasons.begin(), subscription.reasons.end(),
+                     [](const Reason& reason) { return reason.code == subscription_filter; });
 }
 
 /// Reasons of many cameras or subscriptions; those with one code become one.
@@ -98,8 +106,10 @@ void gather_from_subscriptions(const Site_View& site, const Trigger_Config& conf
   for (const Explanation::Subscription& subscription : explained.subscriptions) {
     gathered.add(subscription.reasons);
   }
+  const bool none_fits = std::all_of(explained.subscriptions.begin(), explained.subscriptions.end(),
+                                     lacks_what_the_filter_asks_for);
   for (Reason& reason : gathered.take()) {
-    if (reason.code == "subscription-filter") {
+    if (none_fits && reason.code == subscription_filter) {
       reason.text = fmt::format(
           "No generic subscription has what the filter for subscriptions asks "
           "for: {}.",
