@@ -11,13 +11,12 @@
 namespace kuv::vemora::operations {
 namespace {
 
-using Ids = Listeners::Ids;
-
 /// The rows of one direction: what a trigger is told of at one place, with one of the events.
 class Changes {
  public:
-  void add(const Ids& triggers, const Ids& others, const Event& event, std::uint64_t count) {
-    Ids changed;
+  void add(const Listeners::Ids& triggers, const Listeners::Ids& others, const Event& event,
+           std::uint64_t count) {
+    Listeners::Ids changed;
     std::set_difference(triggers.begin(), triggers.end(), others.begin(), others.end(),
                         std::back_inserter(changed));
     for (const std::uint64_t trigger_id : changed) {
@@ -79,8 +78,8 @@ Compared_Counts compare_events(const std::shared_ptr<embedded_server::Database>&
     }
     add_counts(sorts, before, compared.counts);
     sorts.for_each([&](const Event& event, std::uint64_t count) {
-      const Ids told_before = before.told_of(event);
-      const Ids told_after = after.told_of(event);
+      const Listeners::Ids told_before = before.told_of(event);
+      const Listeners::Ids told_after = after.told_of(event);
       gained.add(told_after, told_before, event, count);
       lost.add(told_before, told_after, event, count);
     });

@@ -8,12 +8,10 @@
 namespace kuv::vemora::operations {
 namespace {
 
-using Ids = Listeners::Ids;
-
 template <class Lists, class Key>
-Ids held_at(const Lists& lists, const Key& key) {
+Listeners::Ids held_at(const Lists& lists, const Key& key) {
   const auto list = lists.find(key);
-  return list == lists.end() ? Ids() : list->second;
+  return list == lists.end() ? Listeners::Ids() : list->second;
 }
 
 bool watches_motion(const trigger& record) {
@@ -41,16 +39,17 @@ Listeners::Listeners(const Site_Records& records, Meta_Type_Resolver& resolver)
   }
 }
 
-Ids Listeners::told_of(const Event& event) const {
+Listeners::Ids Listeners::told_of(const Event& event) const {
   switch (event.kind) {
     case Event::Kind::topic: {
       const auto topics = records_.topics.find(event.place);
-      return topics == records_.topics.end() ? Ids() : held_at(topics->second, event.text);
+      return topics == records_.topics.end() ? Listeners::Ids()
+                                             : held_at(topics->second, event.text);
     }
     case Event::Kind::object: {
       const auto searching = searching_.find(event.text);
       return searching == searching_.end()
-                 ? Ids()
+                 ? Listeners::Ids()
                  : detecting(event.place, searching->second.at(event.in_motion ? 1 : 0));
     }
     case Event::Kind::motion:
@@ -77,9 +76,9 @@ bool Listeners::may_be_told_of(const Event& event) const {
   return false;
 }
 
-Ids Listeners::detecting(std::uint64_t camera_id, const Ids& wanted) const {
+Listeners::Ids Listeners::detecting(std::uint64_t camera_id, const Ids& wanted) const {
   const auto held = records_.detection.find(camera_id);
-  Ids both;
+  Listeners::Ids both;
   if (held != records_.detection.end()) {
     std::set_intersection(held->second.begin(), held->second.end(), wanted.begin(), wanted.end(),
                           std::back_inserter(both));

@@ -37,7 +37,7 @@ Meant meant_by(const Site_View& site, const Trigger_Config& config, const std::s
   return meant;
 }
 
-bool has_source(const Trigger_Config& config, Trigger_Source_Type type) {
+bool has_source_of(const Trigger_Config& config, Trigger_Source_Type type) {
   return std::any_of(config.sources.begin(), config.sources.end(),
                      [type](const Trigger_Source& source) { return source.type == type; });
 }
@@ -53,9 +53,9 @@ bool asks_for(const Site_View& site, const Trigger_Config& config, const Event& 
       return meant.by_name || meant.found;
     }
     case Event::Kind::motion:
-      return has_source(config, Trigger_Source_Type::motion_detection);
+      return has_source_of(config, Trigger_Source_Type::motion_detection);
     case Event::Kind::subscription:
-      return has_source(config, Trigger_Source_Type::metadata_event);
+      return has_source_of(config, Trigger_Source_Type::metadata_event);
   }
   return false;
 }

@@ -11,7 +11,7 @@
 namespace kuv::vemora::operations {
 namespace {
 
-constexpr std::size_t most_named = 12;
+constexpr std::size_t most_tags_named = 12;
 
 /// A text that is empty or that could be taken for more than one is quoted.
 std::string named(const std::string& text) {
@@ -25,12 +25,12 @@ std::string pair_of(const std::string& name, const std::optional<std::string>& v
 }
 
 std::string joined(const std::vector<std::string>& texts, const char* between) {
-  if (texts.size() <= most_named) {
+  if (texts.size() <= most_tags_named) {
     return fmt::format("{}", fmt::join(texts, between));
   }
   return fmt::format("{} and {} more",
-                     fmt::join(texts.begin(), texts.begin() + most_named, between),
-                     texts.size() - most_named);
+                     fmt::join(texts.begin(), texts.begin() + most_tags_named, between),
+                     texts.size() - most_tags_named);
 }
 
 }  // namespace
