@@ -353,6 +353,14 @@ ID  CAMERA    TOPIC (OR NAME)                   TRIGGERS
               CellMotionDetector/Motion         of a trigger
 """)
 
+    def test_a_cell_takes_twenty_lines_at_most_and_says_that_it_is_cut(self):
+        self.init({"schedules": [{"id": 1, "name": "word " * 500}]})
+        lines = self.shown(80, "schedules").splitlines()
+        self.assertEqual(len(lines), 1 + 20)
+        self.assertTrue(lines[-1].endswith(" word ..."), lines[-1])
+        self.init({"schedules": [{"id": 1, "name": ("x" * 40 + " ") * 21}]})
+        self.assertTrue(self.shown(60, "schedules").splitlines()[20].endswith("x ..."))
+
     def test_no_line_is_wider_than_the_terminal(self):
         for columns in (60, 80, 120, 200):
             for what in ("triggers", "subscriptions", "detection", "cameras", "schedules", "servers"):

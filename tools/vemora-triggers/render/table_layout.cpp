@@ -64,7 +64,7 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   do {
     if (lines.size() == most_lines) {
-      lines.back() = embedded_server::shortened_to(lines.back() + "....", width);
+      lines.back() = embedded_server::shortened_to(lines.back() + " ...", width);
       break;
     }
     const std::size_t end = end_of_line(text, width);
