@@ -77,6 +77,8 @@ Explainer::Explainer(const Site_View& site, std::uint64_t trigger_id)
       configured_(find_configured(site, trigger_id)),
       inactivity_(is_active(configured_) ? Reasons() : reasons_of_inactivity(site, configured_)) {
   if (configured_.config != nullptr) {
+    const std::vector<std::string> topics = configured_.config->all_source_topics();
+    own_topics_.insert(topics.begin(), topics.end());
     for (const auto& record :
          site.repository().cameras().get_cameras_matching_tags(configured_.config->tags.camera)) {
       selected_.insert(record->id);
@@ -214,8 +216,7 @@ Explanation::Camera Explainer::camera(std::uint64_t camera_id) const {
 std::set<std::string> Explainer::topics_at(std::uint64_t camera_id) const {
   std::set<std::string> topics;
   if (is_selected(camera_id)) {
-    const std::vector<std::string> own = configured_.config->all_source_topics();
-    topics.insert(own.begin(), own.end());
+    topics = own_topics_;
   }
   const auto stored = site_.stored().topics.find(camera_id);
   if (stored != site_.stored().topics.end()) {
@@ -247,8 +248,7 @@ Reasons Explainer::rules_against_topic(std::uint64_t camera_id, const std::strin
   if (!is_selected(camera_id)) {
     return reasons_of_selection(camera_id);
   }
-  const std::vector<std::string> own = configured_.config->all_source_topics();
-  if (std::find(own.begin(), own.end(), topic) == own.end()) {
+  if (own_topics_.count(topic) == 0) {
     return {};  // a subscription that no source asks for
   }
   const Reasons reasons = reasons_of_capabilities(*site_.cameras().at(camera_id), topic);

@@ -60,6 +60,7 @@ class Explainer {
   const Site_View& site_;
   std::uint64_t id_;
   Configured_Trigger configured_;
+  std::set<std::string> own_topics_;  ///< of its sources
   std::set<std::uint64_t> selected_;
   std::set<std::uint64_t> joinable_;  ///< generic subscriptions that its filter matches
   Reasons inactivity_;
