@@ -55,13 +55,34 @@ TEST(Nearest_Name, is_asked_for_in_quotes) {
   EXPECT_EQ(asking_for(""), ".");
 }
 
-TEST(Comparison_Budget, is_spent_after_a_million) {
+TEST(Nearest_Name, is_not_looked_for_inside_others_where_one_comes_near_already) {
+  const std::string near(100, 'a');
+  const std::string wrong = near + "c";
+  const std::string long_one = std::string(199, 'a') + "b";
+  Nearest_Name nearest(wrong);
+  EXPECT_GT(nearest.offer(long_one), 9'000);
+  EXPECT_EQ(nearest.found(), "");
+
+  nearest.offer(near);
+
+  EXPECT_LT(nearest.offer(long_one), 10);
+  EXPECT_EQ(nearest.found(), near);
+}
+
+TEST(Nearest_Name, is_given_up_after_the_first_letters_where_they_differ) {
+  const std::string same_end(150, 'a');
+  const std::string wrong = "bcdefg" + same_end;
+  const std::string other = "hijklm" + same_end;
+  Nearest_Name nearest(wrong);
+  EXPECT_LT(nearest.offer(other), 300);
+  EXPECT_EQ(nearest.found(), "");
+}
+
+TEST(Comparison_Budget, is_spent_after_so_many_letters) {
   Comparison_Budget budget;
-  std::size_t count = 0;
-  while (!budget.is_spent()) {
-    ++count;
-  }
-  EXPECT_EQ(count, 999'999);
+  budget.spend(19'999'999);
+  EXPECT_FALSE(budget.is_spent());
+  budget.spend(2);
   EXPECT_TRUE(budget.is_spent());
 }
 

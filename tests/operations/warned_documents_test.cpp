@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -165,13 +166,73 @@ TEST_F(Warned_Documents, may_have_a_key_as_long_as_they_are) {
   EXPECT_LT(warnings.front().fault.fault.message.size(), 200);
 }
 
-TEST_F(Warned_Documents, may_have_one_trigger_with_very_many_mistakes) {
+TEST_F(Warned_Documents, may_have_triggers_with_very_many_mistakes) {
   const auto warnings = warnings_of(
       R"({"triggers": [{"id": 7, "name": "", "tags": {}, "scheduleIds": [)" +
-      repeated("9", 50'000) + R"(], "sources": [)" + repeated(R"({"type": "radar"})", 20'000) +
-      "," + numbered(R"({"type": "onvif-metadata", "onvifTopic": "t)", "\"}", 20'000) + "]}]}");
+      repeated("9", 50'000) + R"(], "sources": [{"type": "metadata-event"},)" +
+      repeated(R"({"type": "radar"})", 20'000) +
+      R"(]}, {"id": 8, "name": "", "tags": {}, "sources": [)" +
+      numbered(R"({"type": "onvif-metadata", "onvifTopic": "t)", "\"}", 20'000) + "]}]}");
 
   EXPECT_THAT(warnings, SizeIs(90'000));
+}
+
+/// A configuration of triggers that each search for objects of a type.
+std::string searching_for(const std::vector<std::string>& types) {
+  std::string triggers;
+  for (const std::string& type : types) {
+    triggers += fmt::format(
+        R"({}{{"id": {}, "name": "", "tags": {{}}, "sources": [{{"type": "object-detection",
+        "searchItem": {{"type": "{}"}}}}]}})",
+        triggers.empty() ? "" : ",", triggers.size(), type);
+  }
+  return R"({"triggers": [)" + triggers + "]}";
+}
+
+/// What is said of the object type of the last trigger.
+std::string said_of_last_type(const std::vector<Document_Warning>& warnings) {
+  std::string said;
+  for (const Document_Warning& warning : warnings) {
+    if (warning.code == "unknown-object-type") {
+      said = warning.fault.fault.message;
+    }
+  }
+  return said;
+}
+
+TEST_F(Warned_Documents, are_asked_once_what_was_meant_by_an_object_type) {
+  std::set<std::string> types{"vehicle"};
+  for (int number = 0; number < 1'000; ++number) {
+    types.insert("type " + std::to_string(number));
+  }
+  site.given_object_type("any", types);
+  site.store_in(database());
+
+  std::vector<std::string> wanted(1'010, "lorry");
+  wanted.push_back("vehicel");
+
+  const auto warnings = warnings_of(searching_for(wanted));
+
+  EXPECT_EQ(said_of_last_type(warnings),
+            R"(The site's inventory knows no object type "vehicel"; did you mean "vehicle"?)");
+}
+
+TEST_F(Warned_Documents, are_not_asked_what_was_meant_once_that_has_taken_too_long) {
+  std::set<std::string> types{"vehicle"};
+  for (int number = 100; number < 200; ++number) {
+    types.insert(std::string(197, 'a') + std::to_string(number));
+  }
+  site.given_object_type("any", types);
+  site.store_in(database());
+  std::vector<std::string> wanted;
+  for (int number = 200; number < 240; ++number) {
+    wanted.push_back(std::string(100, 'a') + std::to_string(number));
+  }
+  wanted.push_back("vehicel");
+
+  const auto warnings = warnings_of(searching_for(wanted));
+
+  EXPECT_EQ(said_of_last_type(warnings), R"(The site's inventory knows no object type "vehicel".)");
 }
 
 TEST_F(Warned_Documents, may_have_a_mapping_of_very_many_triggers_and_schedules) {

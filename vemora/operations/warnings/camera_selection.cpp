@@ -76,7 +76,7 @@ std::string Camera_Selections::nearest_topic(const Cameras& cameras, const std::
       if (budget_.is_spent()) {
         return {};
       }
-      nearest.offer(name);
+      budget_.spend(nearest.offer(name));
     }
   }
   return std::string(nearest.found());

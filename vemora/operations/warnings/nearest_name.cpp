@@ -44,10 +44,16 @@ class Differences {
       for (std::size_t column = begin_of(row); column <= end; ++column) {
         next[column] = at(row, column, next, last, before_last);
       }
+      compared_ += end + 1 - begin_of(row);
       before_last = std::exchange(last, next);
+      if (*std::min_element(last.begin(), last.begin() + end + 1) == far_away) {
+        return far_away;  // no later row comes nearer
+      }
     }
     return last[right_.size()];
   }
+
+  std::size_t compared() const { return compared_; }
 
  private:
   using Row = std::array<std::uint8_t, longest_compared + 1>;
@@ -76,27 +82,35 @@ class Differences {
 
   std::string_view left_;
   std::string_view right_;
+  std::size_t compared_ = 0;
 };
 
-bool has_part(std::string_view whole, std::string_view part) {
-  return part.size() >= shortest_part && std::search(whole.begin(), whole.end(), part.begin(),
-                                                     part.end(), [](char left, char right) {
-                                                       return lower(left) == lower(right);
-                                                     }) != whole.end();
+/// Adds how many letters it compared.
+bool has_part(std::string_view whole, std::string_view part, std::size_t& compared) {
+  return part.size() >= shortest_part && part.size() < whole.size() &&
+         std::search(whole.begin(), whole.end(), part.begin(), part.end(),
+                     [&compared](char left, char right) {
+                       ++compared;
+                       return lower(left) == lower(right);
+                     }) != whole.end();
 }
 
 }  // namespace
 
-void Nearest_Name::offer(std::string_view name) {
+std::size_t Nearest_Name::offer(std::string_view name) {
+  std::size_t compared = 1;  // a look at the lengths
   if (name.empty() || wrong_.size() > longest_compared || name.size() > longest_compared) {
-    return;
+    return compared;
   }
-  std::size_t distance = Differences(wrong_, name).count();
+  Differences differences(wrong_, name);
+  std::size_t distance = differences.count();
+  compared += differences.compared();
   const std::size_t allowed = std::min(
       most_differences, std::max<std::size_t>(1, std::max(wrong_.size(), name.size()) / 3));
   if (distance > allowed) {
-    if (!has_part(name, wrong_) && !has_part(wrong_, name)) {
-      return;
+    if (!nearest_.empty() ||
+        (!has_part(name, wrong_, compared) && !has_part(wrong_, name, compared))) {
+      return compared;
     }
     distance = far_away;
   }
@@ -104,6 +118,7 @@ void Nearest_Name::offer(std::string_view name) {
     distance_ = distance;
     nearest_ = name;
   }
+  return compared;
 }
 
 std::string asking_for(std::string_view meant) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -14,7 +15,8 @@ class VEMORA_API Nearest_Name {
  public:
   explicit Nearest_Name(std::string_view wrong) : wrong_(wrong) {}
 
-  void offer(std::string_view name);
+  /// Returns how many letters it compared.
+  std::size_t offer(std::string_view name);
 
   /// Empty when none comes near.
   std::string_view found() const { return nearest_; }
@@ -25,14 +27,15 @@ class VEMORA_API Nearest_Name {
   std::size_t distance_ = static_cast<std::size_t>(-1);
 };
 
-/// How many names may be looked at in all where there may be thousands, and thousands to be found.
+/// How many letters may be compared in all, where there may be thousands of names, and thousands to
+/// be found: as many as take a fraction of a second.
 class Comparison_Budget {
  public:
-  /// Counts one.
-  bool is_spent() { return left_ == 0 || --left_ == 0; }
+  bool is_spent() const { return left_ == 0; }
+  void spend(std::size_t letters) { left_ -= std::min(left_, letters); }
 
  private:
-  std::size_t left_ = 1'000'000;
+  std::size_t left_ = 20'000'000;
 };
 
 /// "; did you mean "..."?" or a full stop.

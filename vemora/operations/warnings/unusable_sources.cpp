@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <locale>
+#include <map>
 #include <set>
 #include <string>
 
@@ -28,19 +29,26 @@ class Object_Types {
   /// An inventory that names none says nothing about any.
   bool may_have(const std::string& name) const { return names_.empty() || names_.count(name) != 0; }
 
-  std::string nearest(const std::string& wrong) {
+  const std::string& nearest(const std::string& wrong) {
+    const auto known = nearest_.find(wrong);
+    return known != nearest_.end() ? known->second
+                                   : nearest_.emplace(wrong, look_for(wrong)).first->second;
+  }
+
+ private:
+  std::string look_for(const std::string& wrong) {
     Nearest_Name nearest(wrong);
     for (const std::string& name : names_) {
       if (budget_.is_spent()) {
         return {};
       }
-      nearest.offer(name);
+      budget_.spend(nearest.offer(name));
     }
     return std::string(nearest.found());
   }
 
- private:
   std::set<std::string> names_;
+  std::map<std::string, std::string> nearest_;  ///< to each that was looked for
   Comparison_Budget budget_;
 };
 
