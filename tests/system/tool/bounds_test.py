@@ -82,7 +82,7 @@ class Bounds(Site):
         triggers = [{**trigger(number), "name": "x" * length} for number, length in ((1, 200), (2, 200), (3, 5000))]
         self.apply(config(*triggers))
         lines = self.run_tool("show", "triggers").text.splitlines()
-        self.assertEqual([lines[1].index("onvif-metadata"), lines[-1].index("onvif-metadata")], [217, 5017])
+        self.assertEqual([lines[1].index("onvif-metadata"), lines[-1].index("onvif-metadata")], [206, 5006])
 
 
 if __name__ == "__main__":
