@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "vemora/operations/site/distinct_texts.h"
 #include "vemora/operations/site/tag_texts.h"
 #include "vemora/operations/warnings/found_warnings.h"
 #include "vemora/operations/warnings/schedule_look_up.h"
@@ -66,14 +67,11 @@ void add_reasons_of_schedules(const Site_View& site, const Configured_Trigger& t
 }
 
 std::string types_of(const Json::Value& sources) {
-  std::vector<std::string> types;
+  Distinct_Texts types;
   for (const Json::Value& source : sources) {
-    const std::string type = source["type"].asString();
-    if (std::find(types.begin(), types.end(), type) == types.end()) {
-      types.push_back(type);
-    }
+    types.add(source["type"].asString());
   }
-  return described(types);
+  return described(types.texts());
 }
 
 }  // namespace
