@@ -91,7 +91,7 @@ Inventory_Counts counts_of(const Inventory& inventory) {
           inventory.subscriptions.size(), inventory.object_types.size()};
 }
 
-Json::Value to_json(const Inventory_Counts& counts) {
+Json::Value counts_to_json(const Inventory_Counts& counts) {
   Json::Value records(Json::objectValue);
   records["servers"] = Json::UInt64(counts.servers);
   records["cameras"] = Json::UInt64(counts.cameras);
@@ -102,7 +102,7 @@ Json::Value to_json(const Inventory_Counts& counts) {
   return records;
 }
 
-std::string describe(const Inventory_Counts& counts) {
+std::string counted_in_words(const Inventory_Counts& counts) {
   const std::array<std::string, 6> records{
       counted(counts.servers, "server", "servers"),
       counted(counts.cameras, "camera", "cameras"),
@@ -118,13 +118,13 @@ void print_stored(const Options& options, const Inventory& inventory,
   if (options.json) {
     Json::Value answer(Json::objectValue);
     answer["success"] = true;
-    answer["records"] = to_json(counts_of(inventory));
-    answer["site"] = to_json(site);
+    answer["records"] = counts_to_json(counts_of(inventory));
+    answer["site"] = counts_to_json(site);
     print_json(answer);
     return;
   }
-  std::cout << fmt::format("Stored: {}.\nThe site has: {}.\n", describe(counts_of(inventory)),
-                           describe(site));
+  std::cout << fmt::format("Stored: {}.\nThe site has: {}.\n",
+                           counted_in_words(counts_of(inventory)), counted_in_words(site));
 }
 
 Exit_Status reject(const Options& options, const std::string& inventory_path,

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "tools/vemora-triggers/invocation/options.h"
@@ -45,7 +45,7 @@ class First_Ids {
 
  private:
   const embedded_server::Json_Document& config_;
-  std::unordered_map<std::uint64_t, std::size_t> indices_;  ///< of elements of the triggers, by id
+  std::map<std::uint64_t, std::size_t> indices_;  ///< of elements of the triggers, by id
 };
 
 /// The documents that `check`, `plan` and `apply` are given.

@@ -72,7 +72,7 @@ std::string complaint_of_filter(const char* option, const Kind& kind, bool Kind:
 }
 
 /// What makes no sense; empty if all of it does.
-std::string complaint_of(const Show_Request& request, const Kind& kind) {
+std::string what_is_wrong_with(const Show_Request& request, const Kind& kind) {
   if (request.camera_id && !kind.by_camera) {
     return complaint_of_filter("--camera", kind, &Kind::by_camera);
   }
@@ -395,7 +395,7 @@ std::vector<std::string> things_to_show() {
 }
 
 Exit_Status show(const Options& options, const Show_Request& request) {
-  std::string complaint = complaint_of(request, kind_of(request));
+  std::string complaint = what_is_wrong_with(request, kind_of(request));
   if (complaint.empty()) {
     try {
       show_site(options, request);

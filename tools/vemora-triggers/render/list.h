@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -68,6 +69,7 @@ void print_list(const Options& options, const std::vector<const Record*>& record
 template <class Record>
 std::vector<const Record*> addresses(const std::vector<Record>& records) {
   std::vector<const Record*> found;
+  found.reserve(records.size());
   for (const Record& record : records) {
     found.push_back(&record);
   }
@@ -77,6 +79,7 @@ std::vector<const Record*> addresses(const std::vector<Record>& records) {
 template <class Record>
 std::vector<const Record*> addresses(const std::vector<std::shared_ptr<Record>>& records) {
   std::vector<const Record*> found;
+  found.reserve(records.size());
   for (const std::shared_ptr<Record>& record : records) {
     found.push_back(record.get());
   }

@@ -25,6 +25,7 @@ Json::Value tags_to_json(const Tags& tags) {
 template <class Tags>
 std::string describe_tags(const Tags& tags) {
   std::vector<std::string> texts;
+  texts.reserve(tags.size());
   for (const auto& [name, info] : tags) {
     texts.push_back(embedded_server::printable(info.value ? name + "=" + *info.value : name));
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -72,7 +71,7 @@ std::vector<server> read_servers(odb::database& database) {
 }
 
 void load_capabilities(odb::database& database, std::vector<Inventory::Camera>& cameras) {
-  std::unordered_map<std::uint64_t, std::string> texts;
+  std::map<std::uint64_t, std::string> texts;
   for_each_row<rows::Capability_Text>(
       database, "id", [&](const rows::Capability_Text& row) { texts.emplace(row.id, row.text); });
   for_each_row_of<rows::Camera_Capability>(
