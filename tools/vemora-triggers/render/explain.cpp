@@ -102,6 +102,7 @@ std::string answer(bool is, const char* yes, const char* no, const operations::R
 
 std::string listed(const std::vector<std::string>& types) {
   std::vector<std::string> texts;
+  texts.reserve(types.size());
   for (const std::string& type : types) {
     texts.push_back(printable(type));
   }

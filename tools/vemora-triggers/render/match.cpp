@@ -68,6 +68,7 @@ Json::Value to_json(const std::vector<Changed_Listening>& changed) {
 
 void print_changes(const char* heading, const std::vector<Changed_Listening>& changed) {
   std::vector<Row> rows;
+  rows.reserve(changed.size());
   for (const Changed_Listening& change : changed) {
     rows.push_back({std::to_string(change.trigger_id),
                     change.camera_id ? fmt::format("camera {}", *change.camera_id)

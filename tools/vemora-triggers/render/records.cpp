@@ -181,6 +181,7 @@ std::string describe_objects(const eta_camera& record) {
     }
   }
   std::vector<std::string> texts;
+  texts.reserve(items.size());
   for (const Object_Search_Item& item : items) {
     texts.push_back(printable(item.object_type + (item.motion_required ? " in motion" : "")));
   }
@@ -317,6 +318,7 @@ void print_topics(const camera& record, const Records<metadata_event_subscriptio
     }
   }
   std::vector<Row> table;
+  table.reserve(rows.size());
   for (auto& entry : rows) {
     table.push_back(std::move(entry.second));
   }

@@ -12,7 +12,7 @@ namespace kuv::vemora::operations {
 namespace {
 
 /// The rows of one direction: what a trigger is told of at one place, with one of the events.
-class Changes {
+class Listening_Changes {
  public:
   void add(const Listeners::Ids& triggers, const Listeners::Ids& others, const Event& event,
            std::uint64_t count) {
@@ -65,8 +65,8 @@ Compared_Counts compare_events(const std::shared_ptr<embedded_server::Database>&
                                const embedded_server::Json_Document* mapping,
                                const Event_Source& next) {
   Compared_Counts compared;
-  Changes gained;
-  Changes lost;
+  Listening_Changes gained;
+  Listening_Changes lost;
   {
     const Site_View site(database, server_id, &config, mapping);
     const Listeners before(site.stored(), site.resolver());
