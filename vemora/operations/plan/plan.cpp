@@ -121,6 +121,7 @@ std::vector<Planned_Subscription> planned_subscriptions(
 std::vector<Planned_Detection> planned_detection(const std::vector<Linked_Change>& changes,
                                                  const Records_By_Id<eta_camera>& records) {
   std::vector<Planned_Detection> planned;
+  planned.reserve(changes.size());
   for (const Linked_Change& change : changes) {
     planned.push_back(
         {change.action, told_id(change), records.at(change.id)->camera_id(), change.triggers});

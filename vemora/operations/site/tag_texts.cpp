@@ -45,6 +45,7 @@ std::string described(const Tag_Map& tags) {
 
 std::string described(const std::set<Tag_Entry>& tags) {
   std::vector<std::string> texts;
+  texts.reserve(tags.size());
   for (const Tag_Entry& tag : tags) {
     texts.push_back(pair_of(tag.name, tag.info.value));
   }
@@ -53,6 +54,7 @@ std::string described(const std::set<Tag_Entry>& tags) {
 
 std::string described(const std::set<ODB_Utils::Tag_Search_Term>& terms) {
   std::vector<std::string> texts;
+  texts.reserve(terms.size());
   for (const ODB_Utils::Tag_Search_Term& term : terms) {
     texts.push_back(pair_of(term.name, term.value));
   }
@@ -61,6 +63,7 @@ std::string described(const std::set<ODB_Utils::Tag_Search_Term>& terms) {
 
 std::string described(const std::vector<std::string>& words) {
   std::vector<std::string> texts;
+  texts.reserve(words.size());
   for (const std::string& word : words) {
     texts.push_back(named(word));
   }

@@ -45,6 +45,7 @@ class Keeping_Parser : public Trigger_Parser {
 
 std::vector<std::string> texts_of(const std::vector<Directive_Config_Processing::Error>& errors) {
   std::vector<std::string> texts;
+  texts.reserve(errors.size());
   for (const auto& error : errors) {
     texts.push_back(error.message);
   }
