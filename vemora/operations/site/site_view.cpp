@@ -8,12 +8,12 @@
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
+#include "vemora/operations/site/damaged_document.h"
 #include "vemora/trigger_manager/search_items.h"
 
 namespace kuv::vemora::operations {
 namespace {
 
-using embedded_server::Database_Error;
 using embedded_server::Json_Document;
 
 Json_Document stored_document(const std::optional<std::string>& text, const char* name) {
@@ -25,7 +25,7 @@ Json_Document stored_document(const std::optional<std::string>& text, const char
     }
   } catch (const embedded_server::Document_Error&) {  // NOLINT(bugprone-empty-catch): told below
   }
-  throw Database_Error(
+  throw Damaged_Document(
       fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
 }
 
