@@ -210,7 +210,8 @@ class Restores(Migration):
 
     def test_of_an_older_backup_into_older_and_newer_tables(self):
         self.restore_kept_backup()
-        self.apply(config())
+        emptied = self.run_tool("apply", "--allow-mass-deletion", self.write("config.json", config()))
+        self.assertEqual(emptied.status, DONE, emptied.out)
         self.assertEqual(self.show("triggers"), [])
         self.restore_kept_backup()
 
