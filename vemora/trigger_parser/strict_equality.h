@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 
+#include "vemora/platform/records/trigger.h"
 #include "vemora/trigger_parser/trigger_config.h"
 
 /// Equality field by field. It is stricter than the orderings of the sets, which ignore motion
@@ -44,6 +45,12 @@ template <class Element>
 bool same(const std::set<Element>& left, const std::set<Element>& right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                     [](const Element& a, const Element& b) { return same(a, b); });
+}
+
+inline bool same(const trigger& left, const trigger& right) {
+  const auto& [id, name, schedules, sources] = left;
+  return id == right.id && name == right.name && same(schedules, right.schedules) &&
+         same(sources, right.sources);
 }
 
 }  // namespace kuv::vemora::strict_equality

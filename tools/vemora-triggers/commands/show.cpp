@@ -14,13 +14,13 @@
 #include "tools/vemora-triggers/render/records.h"
 #include "tools/vemora-triggers/render/site_lists.h"
 #include "tools/vemora-triggers/render/terminal.h"
+#include "vemora/embedded_server/host/stored_document.h"
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/embedded_server/persistent/stored_inventory.h"
 #include "vemora/embedded_server/texts/printable.h"
 #include "vemora/operations/explain/inactive_triggers.h"
-#include "vemora/operations/site/damaged_document.h"
 #include "vemora/platform/records/supported_topics.h"
 
 namespace kuv::vemora::tools {
@@ -346,7 +346,7 @@ void show_inactive(const Options& options, const Show_Request& request,
     inactive = operations::inactive_triggers(
         database, options.server_id,
         request.trigger_id ? std::numeric_limits<std::size_t>::max() : most_inactive);
-  } catch (const operations::Damaged_Document& error) {
+  } catch (const embedded_server::Damaged_Document& error) {
     std::cout << "Which triggers are configured and not stored is not known: "
               << embedded_server::printable(error.what()) << ".\n";
     return;

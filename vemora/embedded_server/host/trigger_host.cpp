@@ -9,6 +9,7 @@
 
 #include "vemora/embedded_server/host/located_faults.h"
 #include "vemora/embedded_server/host/noting_parser.h"
+#include "vemora/embedded_server/host/stored_document.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
@@ -19,26 +20,6 @@ namespace {
 
 using Directive_Config_Processing::Error;
 using Status = Pass_Outcome::Status;
-
-std::optional<Json_Document> object_in(const std::string& text) {
-  try {
-    // No limit: whoever applied the document chose one.
-    Json_Document document(text, std::numeric_limits<std::size_t>::max());
-    return document.value().isObject() ? std::make_optional(std::move(document)) : std::nullopt;
-  } catch (const Document_Error&) {
-    return std::nullopt;
-  }
-}
-
-/// A stored document was accepted once, so it can be read unless it was damaged since. It is empty
-/// before the first one is stored.
-Json_Document stored_document(const std::optional<std::string>& text, const char* name) {
-  if (auto document = object_in(text.value_or("{}"))) {
-    return *std::move(document);
-  }
-  throw Database_Error(
-      fmt::format("the stored {} is damaged: it is not a JSON object; apply it again", name));
-}
 
 /// The object types may be older than the limits, or written by another program.
 void require_within_limits(const Object_Types& types) {
@@ -119,15 +100,15 @@ struct Trigger_Host::Given_Documents {
                   const Pass_Scope& pass)
       : config(given_config), new_mapping(given_mapping) {
     if (new_mapping == nullptr) {
-      stored_mapping =
-          std::make_shared<Json_Document>(stored_document(pass.documents().mapping, "mapping"));
+      stored_mapping = std::make_shared<Json_Document>(
+          read_stored_document(pass.documents().mapping, "mapping"));
     }
   }
 
   /// The stored documents.
   explicit Given_Documents(const Pass_Scope& pass)
       : Given_Documents(std::make_shared<Json_Document>(
-                            stored_document(pass.documents().config, "configuration")),
+                            read_stored_document(pass.documents().config, "configuration")),
                         pass) {}
 
   const Json_Document& mapping() const {
@@ -254,7 +235,7 @@ void Trigger_Host::update_config(Pass_Scope& pass, const Given_Documents& docume
                                  std::vector<Check_Fault>& faults, Pass_Outcome& outcome) {
   const Json::Value& schedules = documents.mapping().value();
   // The stored configuration is about to be replaced, so it does not matter if it is damaged.
-  const auto before = object_in(pass.documents().config.value_or("{}"));
+  const auto before = find_stored_document(pass.documents().config);
   // A manager can only be constructed with objects. The parser rejects a mapping that is not one.
   const Json::Value empty(Json::objectValue);
   const auto manager =

@@ -15,11 +15,6 @@ namespace {
 
 using State = Explanation::State;
 
-bool same(const trigger& left, const trigger& right) {
-  return left.name == right.name && strict_equality::same(left.schedules, right.schedules) &&
-         strict_equality::same(left.sources, right.sources);
-}
-
 const trigger* find(const Site_Records& records, std::uint64_t id) {
   const auto found = records.triggers.find(id);
   return found == records.triggers.end() ? nullptr : &found->second;
@@ -177,7 +172,7 @@ std::optional<Reason> Explainer::reason_of_change() const {
     return Reason{"not-refreshed", fmt::format("A refresh would change where it listens, in {} {}.",
                                                places, places == 1 ? "place" : "places")};
   }
-  if (before != nullptr && !same(*before, *after)) {
+  if (before != nullptr && !strict_equality::same(*before, *after)) {
     return Reason{"not-refreshed", "A refresh would change what its record says."};
   }
   return std::nullopt;

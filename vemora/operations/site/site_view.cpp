@@ -5,10 +5,9 @@
 #include <limits>
 #include <utility>
 
-#include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/host/stored_document.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
-#include "vemora/operations/site/damaged_document.h"
 #include "vemora/trigger_manager/search_items.h"
 
 namespace kuv::vemora::operations {
@@ -16,25 +15,13 @@ namespace {
 
 using embedded_server::Json_Document;
 
-Json_Document stored_document(const std::optional<std::string>& text, const char* name) {
-  try {
-    // However many values it has: whoever let it in allowed them.
-    Json_Document document(text.value_or("{}"), std::numeric_limits<std::size_t>::max());
-    if (document.value().isObject()) {
-      return document;
-    }
-  } catch (const embedded_server::Document_Error&) {  // NOLINT(bugprone-empty-catch): told below
-  }
-  throw Damaged_Document(
-      fmt::format("the stored {} is damaged: it is no JSON object; apply one anew", name));
-}
-
 /// Of one that is given, a pointer that owns nothing.
 std::shared_ptr<const Json_Document> document_to_read(const Json_Document* given,
                                                       const std::optional<std::string>& stored,
                                                       const char* name) {
   return given != nullptr ? std::shared_ptr<const Json_Document>(std::shared_ptr<void>(), given)
-                          : std::make_shared<const Json_Document>(stored_document(stored, name));
+                          : std::make_shared<const Json_Document>(
+                                embedded_server::read_stored_document(stored, name));
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include "rows-odb.h"
 #include "vemora/embedded_server/persistent/index/row_reader.h"
 #include "vemora/embedded_server/persistent/index/schedule_index.h"
-#include "vemora/embedded_server/persistent/index/trigger_values.h"
 #include "vemora/embedded_server/persistent/mapping/source_row.h"
+#include "vemora/trigger_parser/strict_equality.h"
 
 namespace kuv::vemora::embedded_server {
 
@@ -114,8 +114,9 @@ std::map<std::uint64_t, Trigger_Index::Change> Trigger_Index::settle() {
   for (auto& [id, stored] : touched_) {
     const auto found = records_.find(id);
     Change change{std::move(stored), found == records_.end() ? nullptr : found->second.accepted};
-    const bool same = change.stored && change.now ? same_values(*change.stored, *change.now)
-                                                  : !change.stored && !change.now;
+    const bool same = change.stored && change.now
+                          ? strict_equality::same(*change.stored, *change.now)
+                          : !change.stored && !change.now;
     if (!same) {
       changes.emplace_hint(changes.end(), id, std::move(change));
     }

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "vemora/embedded_server/persistent/index/record_links.h"
-#include "vemora/embedded_server/persistent/index/trigger_values.h"
+#include "vemora/trigger_parser/strict_equality.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -47,7 +47,7 @@ void compare_triggers(const std::vector<std::shared_ptr<const trigger>>& seen,
   for (std::size_t index = 0; index < seen.size(); ++index) {
     const trigger& left = *seen[index];
     const trigger& right = *stored[index];
-    require_same(left.id == right.id && same_values(left, right), "trigger", left.id);
+    require_same(strict_equality::same(left, right), "trigger", left.id);
   }
 }
 
