@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-#include "system/repositories/sqlite_connection.h"
+#include "embedded_server/persistent/sqlite_connection.h"
 
 namespace kuv::benchmarks {
 namespace {

@@ -13,7 +13,7 @@ import unittest
 
 from crash_test import KILLER, Site
 
-OLDER_SITES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tool", "older_sites")
+OLDER_SITES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support", "older_sites")
 
 
 class Migrations(unittest.TestCase):

@@ -1,6 +1,6 @@
 #include "system/passes/random_site.h"
 
-#include "system/repositories/database_test.h"
+#include "embedded_server/persistent/database_test.h"
 
 namespace kuv::test {
 namespace {

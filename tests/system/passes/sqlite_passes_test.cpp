@@ -1,5 +1,5 @@
+#include "embedded_server/persistent/sqlite_connection.h"
 #include "system/passes/whole_pass_test.h"
-#include "system/repositories/sqlite_connection.h"
 
 namespace kuv::test {
 namespace {

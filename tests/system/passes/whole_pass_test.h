@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
+#include "embedded_server/persistent/database_test.h"
 #include "support/json.h"
 #include "support/log_capture.h"
-#include "system/repositories/database_test.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::test {

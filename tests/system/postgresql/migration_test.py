@@ -12,7 +12,7 @@ from cluster import DONE, FAILED, Site, psql
 from proxy import Proxy
 from tester import note, psql_command, url
 
-OLDER_SITE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tool", "older_sites", "1.0.0",
+OLDER_SITE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support", "older_sites", "1.0.0",
                           "site.postgresql.sql")
 
 
