@@ -11,6 +11,7 @@
 #include "vemora/trigger_parser/members.h"
 #include "vemora/trigger_parser/parse_sources.h"
 #include "vemora/trigger_parser/parse_tags.h"
+#include "vemora/trigger_parser/prefetch_behind.h"
 #include "vemora/trigger_parser/require_configuration.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -62,6 +63,7 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
   std::vector<Trigger_Config> kept;
   Ids kept_ids;
   for (const auto& [index, trigger] : kuv::utils::Json_Elements(triggers)) {
+    prefetch_behind(trigger);
     faults.enter_element(index);
     if (!faults.require(trigger.isObject(), Member(trigger, triggers),
                         "\"triggers\" must be an array of JSON objects.")) {
@@ -77,6 +79,9 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
     }
     if (faults.count() == 0) {
       config->matches_server = Tag_Filter::matches_any(server_tags, config->tags.server);
+      if (kept.empty()) {
+        kept.reserve(triggers.size());
+      }
       kept.push_back(std::move(*config));
     }
   }
