@@ -1,76 +1,17 @@
 #include "vemora/operations/warnings/foreign_bytes.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
+#include <cstddef>
 #include <iterator>
-#include <string_view>
+#include <utility>
 
-#include "vemora/embedded_server/documents/text_encoding.h"
-#include "vemora/embedded_server/texts/characters.h"
+#include "vemora/embedded_server/documents/foreign_texts.h"
 
 namespace kuv::vemora::operations {
 namespace {
 
-using embedded_server::character_size;
+using embedded_server::Foreign_Text;
 using embedded_server::Json_Document;
-
-/// Where the next byte is that is not ASCII, eight at a time: hardly any document has one.
-std::size_t skip_ascii(std::string_view text, std::size_t place) {
-  constexpr std::uint64_t high_bits = 0x8080808080808080;
-  std::uint64_t block = 0;
-  while (place + sizeof(block) <= text.size()) {
-    std::memcpy(&block, text.data() + place, sizeof(block));
-    if ((block & high_bits) != 0) {
-      break;
-    }
-    place += sizeof(block);
-  }
-  while (place < text.size() && static_cast<unsigned char>(text[place]) < 0x80) {
-    ++place;
-  }
-  return place;
-}
-
-bool has_foreign_bytes(std::string_view text) {
-  for (std::size_t place = skip_ascii(text, 0); place < text.size();
-       place = skip_ascii(text, place)) {
-    const std::size_t size = character_size(text, place);
-    if (size == 0) {
-      return true;
-    }
-    place += size;
-  }
-  return false;
-}
-
-/// Calls `tell` with where each text of a document begins that has such bytes, and the first one.
-/// The document keeps to the grammar of JSON, so that other bytes are in texts alone.
-template <class Tell>
-void find_texts(std::string_view document, Tell tell) {
-  std::size_t begin = std::string_view::npos;  // of the text that `place` is in
-  bool is_told = false;
-  for (std::size_t place = 0; place < document.size();) {
-    const char letter = document[place];
-    const bool in_text = begin != std::string_view::npos;
-    if (letter == '"') {
-      begin = in_text ? std::string_view::npos : place;
-      is_told = false;
-      ++place;
-    } else if (letter == '\\') {
-      place += 2;
-    } else {
-      const std::size_t size = character_size(document, place);
-      if (size == 0 && in_text && !is_told) {
-        tell(begin, static_cast<unsigned char>(letter));
-        is_told = true;
-      }
-      place += std::max<std::size_t>(size, 1);
-    }
-  }
-}
 
 /// What a place in a document belongs to.
 class Elements {
@@ -102,35 +43,31 @@ class Elements {
   std::vector<Element> elements_;
 };
 
-void warn_in(const Json_Document& document, const Elements& elements, Found_Warnings& found) {
-  const char* const looks = embedded_server::looks_like_latin_1(document.text())
-                                ? "the document looks like Latin-1, save it as UTF-8"
-                                : "save the document as UTF-8";
-  const std::size_t mark = embedded_server::byte_order_mark_size(document.text());
-  find_texts(document.text(), [&](std::size_t begin, unsigned char first) {
-    const std::size_t offset = begin - mark;
-    const Elements::Element* const element = elements.at(offset);
+void warn_of(std::vector<Foreign_Text> texts, const Json_Document& document,
+             const Elements& elements, Found_Warnings& found) {
+  for (Foreign_Text& text : texts) {
+    const Elements::Element* const element = elements.at(text.offset);
     if (element == nullptr || element->is_judged) {
-      found.at_offset(
-          "not-utf8", document, offset, element == nullptr ? Subject() : element->subject,
-          fmt::format("This text has bytes that are no UTF-8, the first one 0x{:02X}; {}.", first,
-                      looks));
+      found.at_offset("not-utf8", document, text.offset,
+                      element == nullptr ? Subject() : element->subject, std::move(text.message));
     }
-  });
+  }
 }
 
 }  // namespace
 
 void warn_of_foreign_bytes(const embedded_server::Read_Documents& documents,
                            const std::vector<Judged_Trigger>& triggers, Found_Warnings& found) {
-  if (has_foreign_bytes(documents.config.text())) {
+  std::vector<Foreign_Text> in_config = embedded_server::foreign_texts(documents.config);
+  if (!in_config.empty()) {
     Elements elements;
     for (const Judged_Trigger& trigger : triggers) {
       elements.add(trigger.element, trigger.subject, trigger.is_ours);
     }
-    warn_in(documents.config, elements, found);
+    warn_of(std::move(in_config), documents.config, elements, found);
   }
-  if (has_foreign_bytes(documents.mapping.text())) {
+  std::vector<Foreign_Text> in_mapping = embedded_server::foreign_texts(documents.mapping);
+  if (!in_mapping.empty()) {
     Elements elements;
     const Json::Value& mapping = documents.mapping.value();
     if (mapping.isObject() && mapping["triggerMapping"].isArray()) {
@@ -139,7 +76,7 @@ void warn_of_foreign_bytes(const embedded_server::Read_Documents& documents,
         elements.add(association, {index++}, true);
       }
     }
-    warn_in(documents.mapping, elements, found);
+    warn_of(std::move(in_mapping), documents.mapping, elements, found);
   }
 }
 
