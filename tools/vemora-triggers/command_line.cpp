@@ -308,12 +308,25 @@ void add_show(CLI::App& app, Invocation& call) {
   shown->callback([&call] { call.command = [&call] { return show(call.options, call.shown); }; });
 }
 
-void add_commands(CLI::App& app, Invocation& call) {
+void add_init(CLI::App& app, Invocation& call) {
   CLI::App* const site = app.add_subcommand(
       "init", "Create or update the site: servers, cameras, schedules, subscriptions");
   add_path(*site, "INVENTORY", call.inventory_path, "The inventory; - reads standard input");
-  site->callback(
-      [&call] { call.command = [&call] { return init(call.options, call.inventory_path); }; });
+  site->add_flag("--prune", call.prunes,
+                 "Remove what the inventory does not name, because it is the whole site");
+  site->add_flag("--allow-mass-deletion", call.options.allow_mass_deletion,
+                 "Let --prune remove ten or more records of a kind even if they are more than half "
+                 "of those stored");
+  site->callback([&call] {
+    if (call.options.allow_mass_deletion && !call.prunes) {
+      throw CLI::ValidationError("--allow-mass-deletion", "it needs --prune");
+    }
+    call.command = [&call] { return init(call.options, call.inventory_path, call.prunes); };
+  });
+}
+
+void add_commands(CLI::App& app, Invocation& call) {
+  add_init(app, call);
 
   CLI::App* const checked =
       app.add_subcommand("check", "Validate a configuration and a mapping; writes nothing");

@@ -34,6 +34,7 @@ struct Invocation {
   Options options;
   std::string log_level = "off";
   std::string inventory_path;
+  bool prunes = false;
   std::string config_path;
   std::string mapping_path;
   Show_Request shown;

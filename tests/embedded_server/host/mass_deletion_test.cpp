@@ -42,6 +42,19 @@ TEST(Mass_Deletion_Test, names_each_kind_with_its_counts) {
             "12 of 14 triggers and 40 of 44 topic subscriptions");
 }
 
+TEST(Mass_Deletion_Test, judges_every_kind) {
+  Deletions deletions;
+  deletions.cameras = {10, 11};
+  deletions.servers = {11, 12};
+  deletions.schedules = {12, 13};
+  deletions.categories = {13, 14};
+  deletions.generic_subscriptions = {14, 15};
+  deletions.object_types = {15, 16};
+  EXPECT_EQ(describe(find_mass_deletions(deletions)),
+            "10 of 11 cameras and 11 of 12 servers and 12 of 13 schedules and 13 of 14 event "
+            "categories and 14 of 15 generic subscriptions and 15 of 16 general object types");
+}
+
 /// A site of twelve cameras, and a host whose services nobody may call unexpectedly.
 class Guarded_Host_Test : public testing::TestWithParam<Database_Engine>, public Database_Fixture {
  protected:

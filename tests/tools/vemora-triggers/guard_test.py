@@ -15,7 +15,15 @@ def triggers(count, first=1, **others):
     return config(*(trigger(number, topic_source(), **others) for number in range(first, first + count)))
 
 
-class AnEmptiedSite(Site):
+class AGuardedSite(Site):
+    def assert_same_database(self, files):
+        """Byte for byte, where it is files."""
+        after = self.files()
+        for name in ("vemora.db", "vemora.db-wal"):
+            self.assertEqual(after.get(name), files.get(name), name)
+
+
+class AnEmptiedSite(AGuardedSite):
     def setUp(self):
         super().setUp()
         self.init()
@@ -32,12 +40,6 @@ class AnEmptiedSite(Site):
                          (False, [LETS_IT_PASS], [], None))
         self.assertEqual({kind: counts for kind, counts in told["changes"].items() if any(counts.values())}, {})
         return told
-
-    def assert_same_database(self, files):
-        """Byte for byte, where it is files."""
-        after = self.files()
-        for name in ("vemora.db", "vemora.db-wal"):
-            self.assertEqual(after.get(name), files.get(name), name)
 
     def refused_for(self, text, *command):
         told = self.refused(*command)
@@ -134,6 +136,98 @@ class AnEmptiedSite(Site):
         self.assertEqual([error["message"] for error in told["errors"][-1:]],
                          ["This pass would delete 12 of 12 triggers."])
         self.assertEqual(len(told["errors"]), 13)
+
+
+class APrunedSite(AGuardedSite):
+    """init --prune is guarded as passes are."""
+
+    MEANT = "If that is meant, --allow-mass-deletion lets it pass."
+
+    def setUp(self):
+        super().setUp()
+        self.whole = small_inventory()
+        self.whole["cameras"] = [camera(number, [MOTION]) for number in range(10, 22)]
+        self.init(self.whole)
+        self.apply(triggers(12, scheduleIds=[1]))
+
+    def refused_for(self, text, **lists):
+        """An inventory with these lists in place of those of the site is refused; nothing changes."""
+        name = self.write("pruned.json", {**self.whole, "subscriptions": [], **lists})
+        rows, files = self.rows(), self.files()
+        outcome = self.run_tool("--json", "init", "--prune", name)
+        self.assertEqual((outcome.status, outcome.err), (REFUSED, b""), outcome.out)
+        self.assertEqual(self.rows(), rows)
+        self.assert_same_database(files)
+        told = outcome.json
+        self.assertEqual((told["success"], told["errors"], told["remarks"]), (
+            False, [{"message": f"With --prune, this inventory would delete {text}."}], [self.MEANT]))
+        return told["massDeletions"]
+
+    def test_an_empty_list_of_cameras_is_refused(self):
+        self.assertEqual(self.refused_for("12 of 12 cameras and 12 of 12 topic subscriptions", cameras=[]), [
+            {"what": "cameras", "deleted": 12, "stored": 12},
+            {"what": "topic subscriptions", "deleted": 12, "stored": 12}])
+
+    def test_the_wrong_inventory_is_refused(self):
+        self.refused_for("12 of 12 cameras and 12 of 12 topic subscriptions",
+                         cameras=[camera(number, [MOTION]) for number in range(100, 130)])
+
+    def test_the_file_of_another_part_of_the_site_is_refused(self):
+        self.refused_for("10 of 12 cameras and 10 of 12 topic subscriptions", cameras=self.whole["cameras"][:2])
+
+    def test_few_cameras_with_many_subscriptions_are_refused(self):
+        topics = [f"tns1:Rule/{number}" for number in range(5)]
+        self.run_tool("init", "--prune", "--allow-mass-deletion", self.write("small.json", {
+            **self.whole, "subscriptions": [], "cameras": [camera(number, topics) for number in range(10, 14)]}))
+        self.apply(config(*(trigger(number, *(topic_source(topic) for topic in topics)) for number in range(1, 11))))
+        self.refused_for("15 of 20 topic subscriptions",
+                         cameras=[camera(10, topics)])
+
+    def test_every_kind_is_guarded(self):
+        self.whole["schedules"] += [{"id": number} for number in range(100, 110)]
+        self.whole["subscriptions"] = [{"id": number} for number in range(1000, 1010)]
+        self.whole["eventCategories"] = [{"id": number} for number in range(10)]
+        self.whole["servers"] += [{"id": number} for number in range(50, 61)]
+        self.whole["objectTypes"] = {f"type {number}": ["car"] for number in range(10)}
+        self.init(self.whole)
+        self.refused_for("11 of 12 servers and 11 of 12 schedules and 10 of 10 event categories and "
+                         "11 of 11 generic subscriptions and 11 of 11 general object types",
+                         servers=[], schedules=[{"id": 1}], eventCategories=[], objectTypes={})
+
+    def test_people_read_it_too(self):
+        name = self.write("pruned.json", {**self.whole, "cameras": [], "subscriptions": []})
+        outcome = self.run_tool("init", "--prune", name)
+        self.assertEqual((outcome.status, outcome.text), (REFUSED, (
+            "error: With --prune, this inventory would delete 12 of 12 cameras and 12 of 12 topic subscriptions.\n"
+            f"note: {self.MEANT}\nRefused; nothing changed.\n")))
+
+    def test_it_passes_when_it_is_meant(self):
+        name = self.write("pruned.json", {**self.whole, "cameras": [], "subscriptions": []})
+        outcome = self.run_tool("--json", "init", "--prune", "--allow-mass-deletion", name)
+        self.assertEqual((outcome.status, outcome.json["removed"]["cameras"], self.show("cameras")), (DONE, 12, []))
+        self.assertNotIn("massDeletions", outcome.json)
+
+    def test_exactly_half_is_no_more_than_half(self):
+        site = {**self.whole, "subscriptions": [], "cameras": [camera(number) for number in range(100, 120)]}
+        whole = self.write("whole.json", site)
+        self.assertEqual(self.run_tool("init", "--prune", "--allow-mass-deletion", whole).status, DONE)
+        refused = self.run_tool("init", "--prune", self.write("nine.json", {**site, "cameras": site["cameras"][:9]}))
+        self.assertEqual((refused.status, "delete 11 of 20 cameras." in refused.text), (REFUSED, True), refused.text)
+        half = self.write("half.json", {**site, "cameras": site["cameras"][:10]})
+        self.assertEqual((self.run_tool("init", "--prune", half).status, len(self.show("cameras"))), (DONE, 10))
+
+    def test_all_of_nine_are_few(self):
+        self.run_tool("init", "--prune", self.write("nine.json", {
+            **self.whole, "subscriptions": [], "cameras": self.whole["cameras"][:9]}))
+        self.assertEqual(len(self.show("cameras")), 9)
+        name = self.write("none.json", {**self.whole, "subscriptions": [], "cameras": []})
+        self.assertEqual((self.run_tool("init", "--prune", name).status, self.show("cameras")), (DONE, []))
+
+    def test_the_refresh_after_a_prune_is_guarded_too(self):
+        self.assertEqual(self.run_tool("init", "--prune", self.write("pruned.json", {
+            **self.whole, "subscriptions": [], "cameras": self.whole["cameras"], "schedules": []})).status, DONE)
+        outcome = self.run_tool("refresh")
+        self.assertEqual((outcome.status, "would delete 12 of 12 triggers" in outcome.text), (REFUSED, True))
 
 
 class AllowedDeletions(Site):

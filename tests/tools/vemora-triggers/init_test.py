@@ -195,6 +195,10 @@ WITH_A_TEXT_IN_JSON = {
 }
 WITH_A_NUL = b'"before\\u0000after"'
 NO_UTF8 = b'"before \xff\xc3 after"'
+CANNOT_STORE = {
+    WITH_A_NUL: "This database cannot store the text: it has a zero byte (\\u0000).",
+    NO_UTF8: "This database cannot store the text: it has bytes that are no UTF-8; the document looks like Latin-1, "
+             "save it as UTF-8."}
 
 
 class Texts_To_Hold(Site):
@@ -202,7 +206,7 @@ class Texts_To_Hold(Site):
         outcome = self.run_tool("init", self.write("inventory.json", inventory.encode().replace(b'"@"', text)))
         self.assertEqual((outcome.status, outcome.err), (DONE, b""), outcome.out)
 
-    def assert_refused(self, inventory, text, message="This database cannot store the text."):
+    def assert_refused(self, inventory, text, message):
         self.write("inventory.json", b"\n" + inventory.encode().replace(b'"@"', text))
         outcome = self.run_tool("--json", "init", "inventory.json")
         self.assertEqual((outcome.status, outcome.err), (REJECTED, b""), outcome.out)
@@ -221,9 +225,9 @@ class Texts_To_Hold(Site):
         self.init()
         before = self.rows()
         for what, inventory in WITH_A_TEXT.items():
-            for text in (WITH_A_NUL, NO_UTF8):
+            for text, objection in CANNOT_STORE.items():
                 with self.subTest(what, text=text):
-                    self.assert_refused(inventory, text)
+                    self.assert_refused(inventory, text, objection)
         self.assertEqual(self.rows(), before)
 
     def test_capabilities_may_have_a_nul_since_json_writes_it_as_an_escape(self):
@@ -235,7 +239,8 @@ class Texts_To_Hold(Site):
     def test_capabilities_that_are_no_utf8_are_refused(self):
         for what, inventory in WITH_A_TEXT_IN_JSON.items():
             with self.subTest(what):
-                self.assert_refused(inventory, NO_UTF8, "\"capabilities\" must be UTF-8.")
+                self.assert_refused(inventory, NO_UTF8, "\"capabilities\" must be UTF-8; the document looks like "
+                                                        "Latin-1, save it as UTF-8.")
 
     @on_postgresql
     def test_people_read_every_text_that_the_database_cannot_hold(self):
@@ -243,13 +248,69 @@ class Texts_To_Hold(Site):
                                      b' "schedules": [{"id": 1, "name": "\xff"}]}')
         outcome = self.run_tool("init", "inventory.json")
         self.assertEqual((outcome.status, outcome.err, outcome.text), (REJECTED, b"", """\
-inventory.json:1:32: error: This database cannot store the text.
+inventory.json:1:32: error: This database cannot store the text: it has a zero byte (\\u0000).
     {"servers": [{"id": 1, "name": "a\\u0000"}],
                                    ^
-inventory.json:2:34: error: This database cannot store the text.
+inventory.json:2:34: error: This database cannot store the text: it has bytes that are no UTF-8; the document looks \
+like Latin-1, save it as UTF-8.
      "schedules": [{"id": 1, "name": "\\xff"}]}
                                      ^
 """))
+
+
+LATIN_1 = '{"cameras": [{"id": 10, "name": "T\u00fcr"}],\n "schedules": [{"id": 1, "name": "sch\u00f6n"}]}'.encode("latin-1")
+LOOKS_LIKE_LATIN_1 = "the document looks like Latin-1, save it as UTF-8."
+
+
+class Inventories_In_Latin_1(Site):
+    @on_sqlite
+    def test_are_stored_and_named_as_such(self):
+        self.write("inventory.json", LATIN_1)
+        for _ in ("a new site", "the same site"):
+            outcome = self.run_tool("init", "inventory.json")
+            self.assertEqual((outcome.status, outcome.text.splitlines()[:6]), (DONE, [
+                "inventory.json:1:33: warning: This text has bytes that are no UTF-8, the first one 0xFC; "
+                + LOOKS_LIKE_LATIN_1,
+                '    {"cameras": [{"id": 10, "name": "T\\xfcr"}],', "                                    ^",
+                "inventory.json:2:34: warning: This text has bytes that are no UTF-8, the first one 0xF6; "
+                + LOOKS_LIKE_LATIN_1,
+                '     "schedules": [{"id": 1, "name": "sch\\xf6n"}]}', "                                     ^"]))
+        answer = self.run_tool("--json", "init", "inventory.json").json
+        self.assertEqual((answer["success"], [(warning["document"], warning["code"], warning["line"], warning["column"])
+                                              for warning in answer["warnings"]]),
+                         (True, [("inventory", "not-utf8", 1, 33), ("inventory", "not-utf8", 2, 34)]))
+
+    @on_sqlite
+    def test_are_named_as_such_beside_their_faults(self):
+        name = self.write("inventory.json", LATIN_1.replace(b'"id": 1,', b'"id": "x",'))
+        outcome = self.run_tool("--json", "init", name)
+        self.assertEqual((outcome.status, outcome.json["success"], len(outcome.json["errors"]),
+                          [warning["code"] for warning in outcome.json["warnings"]]),
+                         (REJECTED, False, 1, ["not-utf8", "not-utf8"]))
+        self.assertIn("inventory.json:1:33: warning: ", self.run_tool("init", name).text)
+
+    @on_sqlite
+    def test_a_text_in_the_middle_of_another_encoding_is_told_without_a_guess(self):
+        name = self.write("inventory.json", b'{"cameras": [{"id": 10, "name": "T\xc3\xbcr \xfc"}]}')
+        [warning] = self.run_tool("--json", "init", name).json["warnings"]
+        self.assertEqual(warning["message"], "This text has bytes that are no UTF-8, the first one 0xFC; save the "
+                                             "document as UTF-8.")
+
+    @on_postgresql
+    def test_are_refused_and_named_as_such(self):
+        outcome = self.run_tool("--json", "init", self.write("inventory.json", LATIN_1))
+        self.assertEqual((outcome.status, [(error["line"], error["column"]) for error in outcome.json["errors"]]),
+                         (REJECTED, [(1, 33), (2, 34)]))
+        for error in outcome.json["errors"]:
+            self.assertIn(LOOKS_LIKE_LATIN_1, error["message"])
+        self.assertNotIn("warnings", outcome.json)
+
+    def test_capabilities_are_refused_and_named_as_such(self):
+        name = self.write("inventory.json", b'{"cameras": [{"id": 1, "capabilities": {"a": "\xfc"}}]}')
+        outcome = self.run_tool("--json", "init", name)
+        self.assertEqual((outcome.status, outcome.json["errors"]), (REJECTED, [{
+            "document": "inventory", "line": 1, "column": 46, "message":
+            "\"capabilities\" must be UTF-8; the document looks like Latin-1, save it as UTF-8."}]))
 
 
 @on_sqlite

@@ -186,6 +186,11 @@ than half of those stored
 """
 
 OWN_OPTIONS = {
+    "init": """\
+  --prune                     Remove what the inventory does not name, because it is the whole site
+  --allow-mass-deletion       Let --prune remove ten or more records of a kind even if they are more than half of \
+those stored
+""",
     "check": STRICTNESS,
     "plan": STRICTNESS + """\
   --out PLAN                  Keep the plan in this file, for apply --plan; only its owner can read it

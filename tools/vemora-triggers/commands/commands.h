@@ -15,7 +15,8 @@ namespace kuv::vemora::tools {
 // Each command prints its outcome to standard output and returns the exit status. It throws if a
 // document cannot be read (Unreadable_Document) or the database fails (Database_Error).
 
-Exit_Status init(const Options& options, const std::string& inventory_path);
+/// With `prune`, what the inventory does not name is removed from the site.
+Exit_Status init(const Options& options, const std::string& inventory_path, bool prune);
 
 /// An empty mapping path stands for the stored mapping.
 Exit_Status check(const Options& options, const std::string& config_path,

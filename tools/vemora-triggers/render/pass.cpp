@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/vemora-triggers/render/json.h"
+#include "tools/vemora-triggers/render/mass_deletions.h"
 #include "tools/vemora-triggers/render/terminal.h"
 #include "vemora/embedded_server/texts/printable.h"
 
@@ -50,14 +51,6 @@ Json::Value to_json(const Error& error) {
   Json::Value object = empty_object();
   object["category"] = static_cast<int>(error.category);
   object["message"] = error.message;
-  return object;
-}
-
-Json::Value to_json(const embedded_server::Mass_Deletion& deletion) {
-  Json::Value object = empty_object();
-  object["what"] = deletion.what;
-  object["deleted"] = Json::UInt64(deletion.deleted);
-  object["stored"] = Json::UInt64(deletion.stored);
   return object;
 }
 
@@ -218,7 +211,7 @@ Json::Value outcome_to_json(const Pass_Outcome& outcome,
     answer["remarks"].append(remark);
   }
   if (!outcome.mass_deletions.empty()) {
-    answer["massDeletions"] = list_to_json(outcome.mass_deletions);
+    answer["massDeletions"] = mass_deletions_to_json(outcome.mass_deletions);
   }
   return answer;
 }

@@ -11,7 +11,7 @@ namespace kuv::vemora::embedded_server {
 
 /// One reason for which a document would be rejected.
 struct Check_Fault {
-  std::string document;  ///< "config" or "mapping"
+  std::string document;  ///< "config", "mapping" or "inventory"
   Document_Fault fault;
   std::optional<std::size_t> index;  ///< of the trigger or association in its array
   std::optional<std::uint64_t> id;   ///< of the trigger

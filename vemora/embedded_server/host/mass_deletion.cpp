@@ -21,7 +21,13 @@ std::vector<Mass_Deletion> find_mass_deletions(const Deletions& deletions) {
     }
   };
   judge("triggers", deletions.triggers);
+  judge("cameras", deletions.cameras);
   judge("topic subscriptions", deletions.topic_subscriptions);
+  judge("servers", deletions.servers);
+  judge("schedules", deletions.schedules);
+  judge("event categories", deletions.categories);
+  judge("generic subscriptions", deletions.generic_subscriptions);
+  judge("general object types", deletions.object_types);
   return found;
 }
 

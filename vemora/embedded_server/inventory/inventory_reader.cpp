@@ -7,8 +7,10 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
+#include "vemora/embedded_server/documents/foreign_texts.h"
 #include "vemora/embedded_server/documents/json_text.h"
 #include "vemora/embedded_server/inventory/object_types.h"
 #include "vemora/embedded_server/texts/characters.h"
@@ -60,14 +62,21 @@ class Texts_To_Store {
     std::vector<Document_Fault> found;
     for (const Unstorable_Text& text : unstorable_texts(database, texts_)) {
       const Origin& origin = origins_[text.place];
-      found.push_back(
-          {"This database cannot store the text.",
-           origin.is_key ? document.locate_key(*origin.value) : document.locate(*origin.value)});
+      found.push_back({objection_to(text, document), origin.is_key
+                                                         ? document.locate_key(*origin.value)
+                                                         : document.locate(*origin.value)});
     }
     return found;
   }
 
  private:
+  std::string objection_to(const Unstorable_Text& text, const Json_Document& document) const {
+    const bool is_foreign = !is_utf8(texts_[text.place]);
+    return fmt::format("This database cannot store the text: {}{}{}.", text.why,
+                       is_foreign ? "; " : "",
+                       is_foreign ? how_to_mend_foreign_texts(document) : "");
+  }
+
   struct Origin {
     const Json::Value* value;
     bool is_key;  ///< the text is the key of the value
@@ -103,15 +112,29 @@ class Inventory_Reader {
     if (database) {
       report_unstorable_texts(database);
     }
-    std::stable_sort(result_.faults.begin(), result_.faults.end(),
-                     [](const auto& a, const auto& b) {
-                       return std::tie(a.location.line, a.location.column) <
-                              std::tie(b.location.line, b.location.column);
-                     });
+    std::stable_sort(result_.faults.begin(), result_.faults.end(), is_before);
+    warn_of_foreign_texts();
     return std::move(result_);
   }
 
  private:
+  static bool is_before(const Document_Fault& one, const Document_Fault& other) {
+    return std::tie(one.location.line, one.location.column) <
+           std::tie(other.location.line, other.location.column);
+  }
+
+  /// To be called when the faults are sorted.
+  void warn_of_foreign_texts() {
+    Text_Position last;
+    for (Foreign_Text& text : foreign_texts(document_)) {
+      Document_Fault found{std::move(text.message), document_.locate_offset(text.offset, last)};
+      if (!std::binary_search(result_.faults.begin(), result_.faults.end(), found, is_before)) {
+        result_.warnings.push_back(
+            {"not-utf8", {"inventory", std::move(found), std::nullopt, std::nullopt}});
+      }
+    }
+  }
+
   void fault(const Json::Value& value, std::string message) {
     result_.faults.push_back({std::move(message), document_.locate(value)});
   }
@@ -251,16 +274,19 @@ class Inventory_Reader {
   /// Capabilities are stored as JSON. There, control characters are escaped, but bytes that are not
   /// UTF-8 would stay as they are and could not be read back.
   void require_utf8(const Json::Value& part) {
-    constexpr const char* message = "\"capabilities\" must be UTF-8.";
     if (part.isString() && !is_utf8(text_of(part))) {
-      fault(part, message);
+      fault(part, not_utf8_capabilities());
     }
     for (auto member = part.begin(); member != part.end(); ++member) {
       if (part.isObject() && !is_utf8(key_of(member))) {
-        result_.faults.push_back({message, document_.locate_key(*member)});
+        result_.faults.push_back({not_utf8_capabilities(), document_.locate_key(*member)});
       }
       require_utf8(*member);
     }
+  }
+
+  std::string not_utf8_capabilities() const {
+    return fmt::format("\"capabilities\" must be UTF-8; {}.", how_to_mend_foreign_texts(document_));
   }
 
   void read_schedule(const Json::Value& given) {

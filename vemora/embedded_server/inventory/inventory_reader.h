@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "vemora/embedded_server/documents/document_warning.h"
 #include "vemora/embedded_server/documents/json_document.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/platform/export.h"
@@ -12,7 +13,9 @@ namespace kuv::vemora::embedded_server {
 /// The content of an inventory document. It must not be stored if it has faults.
 struct Read_Inventory {
   Inventory inventory;
-  std::vector<Document_Fault> faults;  ///< all of them, in the order of the document
+  // All of them, in the order of the document. A text that is a fault is no warning as well.
+  std::vector<Document_Fault> faults;
+  std::vector<Document_Warning> warnings;
 };
 
 /// Reads an inventory document. `stored` are the records in the database, to which the document may

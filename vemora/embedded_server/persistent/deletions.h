@@ -5,20 +5,32 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// How many records of a kind a pass is about to delete, and of how many that are stored.
+/// How many records of a kind are about to be deleted, and of how many that are stored.
 struct Deletions {
   struct Of {
     std::size_t deleted = 0;
     std::size_t stored = 0;
   };
 
-  Of triggers;
-  Of topic_subscriptions;
+  Of triggers;             ///< only a pass deletes them
+  Of topic_subscriptions;  ///< a pass and a prune do
+  // All others are deleted by a prune alone.
+  Of cameras;
+  Of servers;
+  Of schedules;
+  Of categories;
+  Of generic_subscriptions;
+  Of object_types;
 
-  bool empty() const { return triggers.deleted == 0 && topic_subscriptions.deleted == 0; }
+  bool empty() const {
+    return triggers.deleted + topic_subscriptions.deleted + cameras.deleted + servers.deleted +
+               schedules.deleted + categories.deleted + generic_subscriptions.deleted +
+               object_types.deleted ==
+           0;
+  }
 };
 
-/// Says whether a pass may be committed that deletes this much.
+/// Says whether a pass, or a prune, that deletes this much may be committed.
 using Permit_Deletions = std::function<bool(const Deletions&)>;
 
 }  // namespace kuv::vemora::embedded_server
