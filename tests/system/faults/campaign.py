@@ -40,6 +40,7 @@ class Campaign:
         documents = {"inventory.json": small_site.inventory(), "changed.json": small_site.changed_inventory(),
                      "before.json": small_site.config_before(), "before_mapping.json": small_site.mapping_before(),
                      "after.json": small_site.config_after(), "after_mapping.json": small_site.mapping_after(),
+                     "pruned.json": small_site.pruned_inventory(), "wide.json": small_site.wide_inventory(),
                      "faulty.json": small_site.faulty_config(), "faulty_site.json": small_site.faulty_inventory()}
         for name, document in documents.items():
             with open(os.path.join(self.template("empty"), name), "w", encoding="utf-8") as file:
@@ -47,6 +48,8 @@ class Campaign:
         self.derive("empty", "new", ["init", "inventory.json"])
         self.derive("new", "site", ["apply", "before.json", "before_mapping.json"])
         self.derive("site", "moved", ["init", "changed.json"])
+        self.derive("site", "pruned", ["init", "--prune", "pruned.json"])
+        self.derive("new", "wide", ["init", "wide.json"])
         self.derive("site", "backed_up", ["backup", "backup.db"])
         self.derive("backed_up", "moved_on", ["init", "changed.json"])
         self.derive("site", "changed", ["apply", "after.json", "after_mapping.json"])
@@ -61,6 +64,9 @@ class Campaign:
         yield judge.Case("init, a new site", "empty", ["init", "inventory.json"])
         yield judge.Case("init, a new site, JSON", "empty", ["--json", "init", "inventory.json"])
         yield judge.Case("init, a changed site", "site", ["init", "changed.json"])
+        yield judge.Case("init --prune", "site", ["init", "--prune", "pruned.json"])
+        yield judge.Case("init --prune, JSON", "site", ["--json", "init", "--prune", "pruned.json"])
+        yield judge.Case("init --prune, refused", "wide", ["--json", "init", "--prune", "inventory.json"])
         yield judge.Case("init, a faulty document", "site", ["--json", "init", "faulty_site.json"])
         yield judge.Case("apply, the first one", "new", ["--json", "apply", "before.json", "before_mapping.json"])
         yield judge.Case("apply", "site", ["apply", "after.json", "after_mapping.json"])
@@ -70,6 +76,7 @@ class Campaign:
         yield judge.Case("apply, a faulty document", "site", ["--json", "apply", "faulty.json"])
         yield judge.Case("refresh, a changed site", "moved", ["--json", "refresh"])
         yield judge.Case("refresh, text", "moved", ["refresh"])
+        yield judge.Case("refresh, a pruned site", "pruned", ["--json", "refresh"])
         yield judge.Case("refresh, nothing to do", "changed", ["--json", "refresh"])
         yield judge.Case("backup", "site", ["backup", "backup.db"])
         yield judge.Case("backup, JSON, over an older one", "moved_on", ["--json", "backup", "backup.db"])

@@ -35,7 +35,7 @@ def complaints(case, run, left, out_was_lost=False):
         if isinstance(answer, dict) and "success" in answer and case.command != "show":
             if answer["success"] != (run.status in (DONE, TRIGGER_ERRORS)):
                 found.append(f"success {answer['success']} with exit status {run.status}")
-    if case.undisturbed.status not in (DONE, run.status) and run.status != FAILED:
+    if case.undisturbed.status not in (DONE, run.status) and run.status != FAILED and not is_unreadable(run):
         return [*found, f"exit status {run.status} for {case.undisturbed.status}"]
     if case.is_pass:
         return [*found, *about_a_pass(case, run, answer, left)]
@@ -45,6 +45,11 @@ def complaints(case, run, left, out_was_lost=False):
 def said_on_stderr(run):
     """The outcome could not be written where it belongs, and that was said."""
     return run.status == FAILED and b"cannot write the outcome to standard output" in run.err
+
+
+def is_unreadable(run):
+    """A document could not be read, and was rejected for it."""
+    return run.status == REJECTED and any(said in text_of(run) for said in ("cannot open", "cannot read"))
 
 
 def text_of(run):
@@ -61,7 +66,7 @@ def must_be(left, wanted, said):
 
 def about_the_others(case, run, left):
     text = text_of(run)
-    if run.status == REJECTED and ("cannot open" in text or "cannot read" in text):
+    if is_unreadable(run):
         return must_be(left, case.before, "rejected")
     if run.status == case.undisturbed.status and run.status != FAILED:
         wrong = [] if run.out == case.undisturbed.out else ["printed something else"]
@@ -86,7 +91,7 @@ def about_a_pass(case, run, answer, left):
     if run.status == TRIGGER_ERRORS:
         return about_trigger_errors(case, answer, left)
     if run.status == REJECTED:
-        if case.undisturbed.status == REJECTED or "cannot open" in text or "cannot read" in text:
+        if case.undisturbed.status == REJECTED or is_unreadable(run):
             return must_be(left, case.before, "rejected")
         return ["rejected a faultless document"]
     if run.status != FAILED:

@@ -45,6 +45,25 @@ def changed_inventory():
     return site
 
 
+def pruned_inventory():
+    """The same site, the whole of it: a record of every kind is gone, and one of every kind came or changed."""
+    site = changed_inventory()
+    for gone in ("servers", "cameras", "schedules", "subscriptions"):
+        del site[gone][1]
+    site["eventCategories"] = [{"id": 2, "name": "another category"}]
+    site["subscriptions"][0]["categoryId"] = 2
+    site["subscriptions"].append({"id": 5000, "name": "a third door", "tags": {"door": "back"}})
+    site["objectTypes"] = {"vehicle": ["car"]}
+    return site
+
+
+def wide_inventory():
+    """As many cameras as make the guard look."""
+    site = inventory()
+    site["cameras"] += [camera(number, [MOTION], {"area": "gate"}) for number in range(100, 111)]
+    return site
+
+
 def onvif(topic):
     return {"type": "onvif-metadata", "onvifTopic": topic}
 
