@@ -96,6 +96,32 @@ TEST_F(PostgreSQL_Faults, of_a_commit_that_is_not_answered_leave_it_open_what_is
   expect_the_next_pass_to_work();
 }
 
+TEST_F(PostgreSQL_Faults, of_a_commit_that_had_nothing_to_keep_leave_nothing_open) {
+  given_a_trigger_at_work();
+  Pass_Scope pass(database(), server_id);
+  ASSERT_EQ(make_repository(database())->eta_cameras().get_all().size(), 1U);
+  cut_all_connections();
+
+  EXPECT_EQ(complaint_of([&] { pass.end(); }),
+            prefixed("the connection to the server was lost; there was nothing to be written"));
+
+  EXPECT_EQ(pass.kept(), Kept::nothing);
+  EXPECT_TRUE(pass.changes_are_known());
+}
+
+TEST_F(PostgreSQL_Faults, of_a_question_before_documents_are_stored_say_that_records_are_kept) {
+  given_a_trigger_at_work();
+  Pass_Scope pass(database(), server_id);
+  work_on_camera(*make_repository(database()), 9, 11);
+  pass.end();
+  cut_all_connections();
+
+  EXPECT_EQ(complaint_of([&] { pass.pending_cameras(); }),
+            prefixed("the connection to the server was lost"));
+
+  EXPECT_EQ(pass.kept(), Kept::records);
+}
+
 TEST_F(PostgreSQL_Faults, of_the_storing_of_documents_leave_it_open_whether_they_are) {
   given_a_trigger_at_work();
   given_that_a_commit_is_not_answered("document");

@@ -82,6 +82,19 @@ class Migration(Site):
         print(f"{moment - 1} moments")
         self.assertGreater(moment, 10)
 
+    def test_waits_for_no_one_at_a_table_of_another_program(self):
+        self.lay_out()
+        psql(f"CREATE TABLE {self.schema}.audit (id integer)")
+        with subprocess.Popen(psql_command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as other:
+            other.stdin.write(f"BEGIN; SELECT 'at work' FROM (SELECT count(*) FROM {self.schema}.audit) audit;\n")
+            other.stdin.flush()
+            self.assertEqual(other.stdout.readline(), "at work\n")
+            migrating = self.start()
+            out, err = migrating.communicate(timeout=60)
+            self.assertEqual(migrating.returncode, DONE, (out + err).decode())
+            other.communicate("ROLLBACK;\n")
+        self.assertEqual(psql(f"SELECT schema_version FROM {self.schema}.site"), "2\n")
+
     def run_without(self, answer, act):
         """Runs a command that migrates, and acts on the process at this answer, which it does not get."""
         self.lay_out()
@@ -126,7 +139,7 @@ class Migration(Site):
         for status, said, state in self.cut_short(lambda process: None):
             self.assertIn(status, (DONE, FAILED), said)
             told[state[0].strip()] += 1
-            not_known += "it is not known whether its tables were brought up to date" in said
+            not_known += "it is not known whether what was written was kept" in said
         print(f"left as versions {told}, not known {not_known} times")
         self.assertGreater(min(told.values()), 0)
         self.assertEqual(not_known, 1)

@@ -1,5 +1,6 @@
-"""Tables of an older version: who reads leaves them as they are, who writes brings them up to date first."""
+"""Tables of an older version: whoever writes something brings them up to date with it, and nobody else."""
 
+import json
 import os
 import re
 import shutil
@@ -7,7 +8,9 @@ import subprocess
 import unittest
 
 from older_site import Older_Site
-from tool_site import CROSSED, DONE, ENGINE, FAILED, config, on_sqlite
+from tool_site import CROSSED, DONE, ENGINE, FAILED, REJECTED, config, on_postgresql, on_sqlite, topic_source, trigger
+
+REFUSED, WOULD_CHANGE = 4, 5
 
 NOTHING = {"cameras": []}
 
@@ -27,7 +30,14 @@ class Migration(Older_Site):
         super().setUp()
         self.lay_out("1.0.0")
         self.write("nothing.json", NOTHING)
-        shutil.copy(os.path.join(self.kept, "config.json"), self.path("config.json"))
+        for name in ("config.json", "mapping.json"):
+            shutil.copy(os.path.join(self.kept, name), self.path(name))
+
+    def with_another_trigger(self):
+        """The configuration that is stored, and a trigger more."""
+        document = json.loads(self.content("config.json"))
+        document["triggers"].append(trigger(4711, topic_source(CROSSED)))
+        return self.write("more.json", document)
 
     def sqlite_schema(self):
         found = {(kind, name, table, re.sub(r"\s+", " ", text or "")) for kind, name, table, text in
@@ -97,6 +107,82 @@ class Readers(Migration):
         self.assertEqual((self.version(), self.schema(), self.records()), (1, schema, records))
 
 
+class Commands_That_Write_Nothing(Migration):
+    def setUp(self):
+        super().setUp()
+        self.sql("DELETE FROM pending_camera")  # which a pass would reconcile and strike out
+
+    def assert_left_alone(self, status, *command):
+        with self.subTest(command):
+            before = self.schema(), self.rows(), self.database_files()
+            outcome = self.run_tool("--json", *command)
+            files = self.database_files()
+            self.assertEqual(outcome.status, status, outcome.out + outcome.err)
+            self.assertEqual((self.schema(), self.rows(), files), before)
+            self.assertEqual(self.version(), 1)
+
+    def database_files(self):
+        """Byte for byte, where the database is files. A log that is empty is none."""
+        names = (self.database, self.database + "-wal") if ENGINE == "sqlite" else ()
+        found = []
+        for name in filter(os.path.exists, names):
+            with open(name, "rb") as file:
+                found.append(file.read())
+        return [content for content in found if content]
+
+    def test_are_passes_that_change_nothing(self):
+        self.assert_left_alone(DONE, "refresh")
+        self.assert_left_alone(DONE, "apply", "config.json")
+        self.assert_left_alone(DONE, "apply", "config.json", "mapping.json")
+
+    def test_are_those_whose_document_is_rejected(self):
+        document = self.write("bad.json", {"triggers": [{"id": 1}]})
+        self.assert_left_alone(REJECTED, "apply", document)
+        self.assert_left_alone(REJECTED, "apply", "config.json", self.write("bad_mapping.json", {"triggerMapping": 1}))
+        self.assert_left_alone(REJECTED, "init", self.write("bad_inventory.json", {"camera": []}))
+        misspelt = self.write("misspelt.json", dict(json.loads(self.content("config.json")), propertys={}))
+        self.assert_left_alone(REJECTED, "apply", "--strict", misspelt)
+
+    def test_are_those_that_a_guard_refuses(self):
+        self.assert_left_alone(REFUSED, "apply", self.write("empty.json", config()))
+        self.sql("UPDATE document SET text = ? WHERE kind = ?", json.dumps(config()), "config")
+        self.assert_left_alone(REFUSED, "refresh")
+
+    def test_are_those_that_only_plan(self):
+        self.assert_left_alone(WOULD_CHANGE, "plan", "--exit-code", "--out", "kept.plan", self.with_another_trigger())
+        self.sql("UPDATE camera SET name = ? WHERE id = 10", "renamed")
+        self.assert_left_alone(REFUSED, "apply", "--plan", "kept.plan")
+
+    def test_are_those_of_another_server(self):
+        self.assert_left_alone(FAILED, "--server-id", "2", "apply", self.with_another_trigger())
+        self.assert_left_alone(FAILED, "--server-id", "2", "init", "nothing.json")
+
+
+class Commands_Whose_Writing_Fails(Migration):
+    def given_that_no_row_is_added_to(self, table):
+        if ENGINE == "sqlite":
+            self.sql(f"CREATE TRIGGER trouble BEFORE INSERT ON {table} BEGIN SELECT RAISE(ABORT, 'no more rows'); END")
+            return
+        self.sql("CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS "
+                 "$$BEGIN RAISE EXCEPTION 'no more rows'; END$$; CREATE TRIGGER trouble BEFORE INSERT ON "
+                 f"{table} FOR EACH ROW EXECUTE FUNCTION refuse()")
+
+    def assert_taken_back(self, *command):
+        before = self.schema(), self.rows()
+        outcome = self.run_tool(*command)
+        self.assertEqual(outcome.status, FAILED, outcome.out)
+        self.assertEqual((self.schema(), self.rows()), before)
+        self.assertEqual(self.version(), 1)
+
+    def test_leave_the_tables_as_they_are(self):
+        self.given_that_no_row_is_added_to("trigger_record")
+        self.assert_taken_back("apply", self.with_another_trigger())
+
+    def test_leave_them_when_an_inventory_is_not_stored(self):
+        self.given_that_no_row_is_added_to("schedule")
+        self.assert_taken_back("init", self.write("late.json", {"schedules": [{"id": 77, "name": "late"}]}))
+
+
 class Writers(Migration):
     def test_bring_the_tables_up_to_date_and_leave_every_record_as_it_was(self):
         before = self.records()
@@ -123,6 +209,19 @@ class Writers(Migration):
                 self.run_and_expect(*command)
                 self.assertEqual(self.version(), 2)
                 self.assertEqual(self.show_everything(), self.kept_records())
+
+    def test_are_passes_that_store_a_document_and_nothing_else(self):
+        self.sql("DELETE FROM pending_camera")
+        document = json.loads(self.content("config.json"))
+        self.run_and_expect("apply", self.write("same.json", json.dumps(document, indent=7)))
+        self.assertEqual(self.version(), 2)
+        self.assertEqual(self.show_everything(), self.kept_records())
+
+    def test_are_passes_that_change_a_record(self):
+        self.run_and_expect("apply", self.with_another_trigger())
+        self.assertEqual(self.version(), 2)
+        self.assertEqual([record for record in self.show("triggers") if record["id"] != 4711],
+                         self.kept_records()["triggers"])
 
     def test_work_side_by_side(self):
         commands = [("show", "triggers"), ("refresh",), ("init", "nothing.json"), ("check", "config.json"),
@@ -160,6 +259,54 @@ class Writers(Migration):
         self.assertLessEqual(set(others), kept)
         self.assertEqual(self.sql("SELECT id FROM audit"), [(77,)])
         self.assertIn((77,), self.sql("SELECT id FROM usable_schedule"))
+
+
+class Columns_That_Another_Program_Added(Migration):
+    def setUp(self):
+        super().setUp()
+        self.sql("ALTER TABLE schedule ADD COLUMN note TEXT")
+        self.sql("UPDATE schedule SET note = ?", "ask Ann")
+
+    def notes(self):
+        return {note for (note,) in self.sql("SELECT note FROM schedule")}
+
+    @on_sqlite
+    def test_stop_the_migration_where_it_would_delete_them(self):
+        self.sql("ALTER TABLE camera ADD COLUMN site_plan BLOB")
+        self.sql("ALTER TABLE camera ADD COLUMN label TEXT AS (name || '!')")
+        self.sql("ALTER TABLE subscription ADD COLUMN \"seen at\" INTEGER DEFAULT 5")  # which stays as it is
+        before = self.schema(), self.rows()
+        for command in (("refresh",), ("init", "nothing.json"), ("apply", self.with_another_trigger())):
+            outcome = self.run_tool(*command)
+            self.assertEqual(outcome.status, FAILED, outcome.out)
+            self.assertIn(
+                "its tables cannot be brought up to date, and nothing was changed: another program added columns to "
+                "tables that have to be made anew, and what is in these columns would be lost: camera.label, "
+                "camera.site_plan, schedule.note; copy it to a table of its own, drop the columns, and try again; "
+                "the commands that only read go on working", (outcome.out + outcome.err).decode())
+            self.assertEqual((self.schema(), self.rows()), before)
+        self.assertEqual(self.show_everything(), self.kept_records())
+        for column in ("camera DROP COLUMN label", "camera DROP COLUMN site_plan", "schedule DROP COLUMN note"):
+            self.sql(f"ALTER TABLE {column}")
+        self.run_and_expect("refresh")
+        self.assertEqual(self.version(), 2)
+        self.assertEqual(set(self.sql("SELECT \"seen at\" FROM subscription")), {(5,)})
+
+    @on_sqlite
+    def test_stop_the_restoring_of_a_backup(self):
+        shutil.move(self.database, self.path("old.backup"))
+        self.lay_out("1.0.0")
+        before = self.schema(), self.rows()
+        outcome = self.run_tool("restore", "old.backup")
+        self.assertEqual((outcome.status, outcome.out), (FAILED, b""))
+        self.assertIn("backup old.backup: another program added columns to tables that have to be made anew, and what "
+                      "is in these columns would be lost: schedule.note; ", outcome.err.decode())
+        self.assertEqual((self.schema(), self.rows()), before)
+
+    @on_postgresql
+    def test_stay_where_tables_are_only_altered(self):
+        self.run_and_expect("refresh")
+        self.assertEqual((self.version(), self.notes()), (2, {"ask Ann"}))
 
 
 class Rows_That_Break_A_Rule(Migration):

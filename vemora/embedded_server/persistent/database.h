@@ -24,8 +24,8 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
 
   /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH", or
   /// "postgresql://USER@HOST:PORT/DATABASE?schema=NAME". `lock_wait` bounds every wait for another
-  /// process. The tables of an older version stay as they are until something is to be written:
-  /// then they are brought up to date first. Throws Database_Error.
+  /// process. The tables of an older version stay as they are until something is written: they are
+  /// brought up to date in the same transaction. Throws Database_Error.
   static std::shared_ptr<Database> open(
       const std::string& location, Open_Mode mode = Open_Mode::existing,
       std::chrono::milliseconds lock_wait = std::chrono::seconds(30));

@@ -14,10 +14,14 @@ void require_known_version(std::int32_t version);
 /// are none that this library knows.
 std::optional<std::int32_t> known_version(Engine& engine);
 
-/// Makes the tables of a site, or brings those of an older version up to date, unless another
-/// process did so before this one had the session, which is an exclusive one. One transaction:
-/// whatever happens, the tables and rows are those of before or those of after. Throws
-/// Database_Error.
-void bring_up_to_date(Engine& engine, Engine::Session& session);
+/// Makes the tables of a site in one transaction, unless another process made some before this one
+/// had the session, which is an exclusive one. Answers the version of the tables that are there
+/// then. Throws Database_Error.
+std::int32_t make_tables(Engine& engine, Engine::Session& session);
+
+/// Brings tables of version `present` up to date, in the current transaction, which may write and
+/// is that of an exclusive session. Nothing of it is kept before that transaction is committed.
+/// Throws Database_Error; the transaction can only be rolled back then.
+void bring_up_to_date(Engine& engine, std::int32_t present);
 
 }  // namespace kuv::vemora::embedded_server

@@ -57,6 +57,6 @@ std::string words_of(std::string_view step, std::string_view rule) {
 }  // namespace
 
 Broken_Rule::Broken_Rule(std::string_view step, std::string_view rule)
-    : Database_Error(words_of(step, rule)) {}
+    : Unfit_For_Step(words_of(step, rule)) {}
 
 }  // namespace kuv::vemora::embedded_server

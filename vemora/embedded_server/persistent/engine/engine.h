@@ -34,6 +34,9 @@ class Engine {
     /// Begins a transaction, for odb::transaction to hold; one at a time.
     virtual odb::transaction_impl* begin() = 0;
 
+    /// The same for one that writes from its first statement on, in an empty database too.
+    virtual odb::transaction_impl* begin_immediately() = 0;
+
     /// To be called in a transaction before its first write: waits until no other program keeps
     /// this one from writing. Throws Database_Error when that takes too long, and when another
     /// program has changed what the transaction read.
@@ -58,9 +61,10 @@ class Engine {
   /// long.
   virtual std::unique_ptr<Session> open_session(Session::Access access) = 0;
 
-  /// Brings the schema up to the version that this library works with, making it where it is
-  /// absent. In a transaction of the session, which is an exclusive one.
-  virtual void migrate(Session& session) = 0;
+  /// Brings tables of version `present`, which is 0 where there are none, up to the version that
+  /// this library works with. In the current transaction, which may write. Throws Unfit_For_Step
+  /// when what another program put there is in the way.
+  virtual void migrate(std::int32_t present) = 0;
 
   /// The version of the schema; nothing where the database is empty. Throws when it is not ours.
   virtual std::optional<std::int32_t> schema_version() = 0;

@@ -106,6 +106,10 @@ class Commit {
         next_look_(sent_ + standby_wait) {}
 
   void run() {
+    if (PQstatus(handle_) != CONNECTION_OK) {
+      connection_.mark_failed();
+      throw odb::connection_lost();  // before the commit was asked for
+    }
     PostgreSQL_Result answer = carry_out();
     if (notices_.told_of_replication()) {
       throw Commit_Not_Known(end_of_the_wait(), Commit_Not_Known::Known::committed_here);

@@ -22,6 +22,10 @@ PostgreSQL_Result run_statements(odb::pgsql::connection& connection, const std::
   return require_success(connection, PQexec(connection.handle(), sql.c_str()));
 }
 
+std::string first_value(const PostgreSQL_Result& result) {
+  return PQgetvalue(result.get(), 0, 0);
+}
+
 std::string quoted_identifier(odb::pgsql::connection& connection, const std::string& name) {
   const std::unique_ptr<char, decltype(&PQfreemem)> quoted(
       PQescapeIdentifier(connection.handle(), name.data(), name.size()), &PQfreemem);

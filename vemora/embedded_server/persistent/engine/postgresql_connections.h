@@ -24,6 +24,9 @@ PostgreSQL_Result require_success(odb::pgsql::connection& connection, PGresult* 
 /// Runs statements that take no parameters, all in one round trip; answers the last one's result.
 PostgreSQL_Result run_statements(odb::pgsql::connection& connection, const std::string& sql);
 
+/// The first value of the first row.
+std::string first_value(const PostgreSQL_Result& result);
+
 std::string quoted_identifier(odb::pgsql::connection& connection, const std::string& name);
 
 /// Opens the connections to one schema, each with the settings that a pass relies on.

@@ -8,12 +8,10 @@
 #include <odb/pgsql/exceptions.hxx>
 #include <odb/pgsql/transaction.hxx>
 
-#include "postgresql_schema.h"
 #include "vemora/embedded_server/persistent/database_error.h"
-#include "vemora/embedded_server/persistent/engine/broken_rule.h"
-#include "vemora/embedded_server/persistent/engine/lock_wait.h"
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_connections.h"
+#include "vemora/embedded_server/persistent/engine/postgresql_schema_steps.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_session.h"
 #include "vemora/embedded_server/texts/characters.h"
 
@@ -34,50 +32,6 @@ constexpr const char* what_is_in_the_schema =
     "WHERE nspname = current_schema()";
 
 constexpr std::string_view serialization_failure = "40001";
-constexpr std::string_view check_violation = "23514";
-
-static_assert(postgresql_schema.size() == current_schema_version);
-
-std::string first_value(const PostgreSQL_Result& result) {
-  return PQgetvalue(result.get(), 0, 0);
-}
-
-bool is_true(odb::pgsql::connection& connection, const std::string& condition) {
-  return first_value(run_statements(connection, "SELECT " + condition)) == "t";
-}
-
-constexpr const char* tables_of_the_site =
-    "SELECT string_agg(quote_ident(relname), ', ') FROM pg_class JOIN pg_namespace ON "
-    "pg_namespace.oid = relnamespace WHERE nspname = current_schema() AND relkind = 'r' AND "
-    "pg_has_role(relowner, 'USAGE')";
-
-/// Keeps everybody off all tables at once; false, and the transaction is to be rolled back, when
-/// somebody is at one of them. Waiting for one with others in hand would be waiting for readers
-/// that wait for those.
-bool lock_tables(odb::pgsql::connection& connection) {
-  const std::string tables = first_value(run_statements(connection, tables_of_the_site));
-  if (tables.empty()) {
-    return true;
-  }
-  const std::string lock = fmt::format("LOCK TABLE {} IN ACCESS EXCLUSIVE MODE NOWAIT", tables);
-  PostgreSQL_Result result(PQexec(connection.handle(), lock.c_str()), &PQclear);
-  const char* const state = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE);
-  if (state != nullptr && state == lock_not_available) {
-    return false;
-  }
-  require_success(connection, result.release());
-  return true;
-}
-
-void run_step(odb::pgsql::connection& connection, const char* step) {
-  PostgreSQL_Result result(PQexec(connection.handle(), step), &PQclear);
-  const char* const state = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE);
-  const char* const rule = PQresultErrorField(result.get(), PG_DIAG_CONSTRAINT_NAME);
-  if (state != nullptr && state == check_violation && rule != nullptr) {
-    throw Broken_Rule(step, rule);
-  }
-  require_success(connection, result.release());
-}
 
 /// What the server says first, without the word that every fault begins with; then come the
 /// statement and where in it the server was.
@@ -130,28 +84,9 @@ std::optional<std::int32_t> PostgreSQL_Engine::schema_version() {
   return std::atoi(version.c_str());
 }
 
-void PostgreSQL_Engine::migrate(Session& session) {
-  const std::int32_t present = schema_version().value_or(0);
-  odb::transaction transaction(session.begin());
-  odb::pgsql::connection& connection = odb::pgsql::transaction::current().connection();
-  const Lock_Wait wait(lock_wait_);
-  while (!lock_tables(connection)) {
-    transaction.rollback();
-    if (!wait.pause()) {
-      throw Database_Error(locked_by_another_program(wait.waited()));
-    }
-    transaction.reset(session.begin());
-  }
-  if (is_true(connection, "current_schema() IS NULL")) {
-    run_statements(connection, "CREATE SCHEMA " + quoted_identifier(connection, location_.schema));
-  }
-  for (auto step = static_cast<std::size_t>(present); step < postgresql_schema.size(); ++step) {
-    run_step(connection, postgresql_schema[step]);
-  }
-  run_statements(connection, fmt::format("INSERT INTO site (id, schema_version) VALUES (1, {0}) "
-                                         "ON CONFLICT (id) DO UPDATE SET schema_version = {0}",
-                                         current_schema_version));
-  session.commit(transaction);
+void PostgreSQL_Engine::migrate(std::int32_t present) {
+  run_schema_steps(odb::pgsql::transaction::current().connection(), location_.schema, present,
+                   lock_wait_);
 }
 
 bool PostgreSQL_Engine::can_hold(std::initializer_list<std::string_view> texts) {

@@ -25,7 +25,7 @@ class PostgreSQL_Engine : public Engine {
   Row_Writer& rows() override { return rows_; }
   const std::string& location() const override { return location_.shown; }
   std::unique_ptr<Session> open_session(Session::Access access) override;
-  void migrate(Session& session) override;
+  void migrate(std::int32_t present) override;
   std::optional<std::int32_t> schema_version() override;
   bool can_hold(std::initializer_list<std::string_view> texts) override;
   bool holds_transaction() override;

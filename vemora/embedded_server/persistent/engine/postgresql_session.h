@@ -26,6 +26,7 @@ class PostgreSQL_Session : public Engine::Session {
   void lock(const std::string& schema, std::chrono::milliseconds wait);
 
   odb::transaction_impl* begin() override;
+  odb::transaction_impl* begin_immediately() override { return begin(); }
 
   /// Nobody keeps a whole database locked here: it is rows that statements wait for.
   void begin_writing() override {}

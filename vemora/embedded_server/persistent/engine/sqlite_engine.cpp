@@ -93,12 +93,8 @@ std::optional<std::int32_t> SQLite_Engine::schema_version() {
   return static_cast<std::int32_t>(query_number(handle, "SELECT schema_version FROM site"));
 }
 
-void SQLite_Engine::migrate(Session&) {
-  const std::int32_t present = schema_version().value_or(0);
-  SQLite_Session session(odb::sqlite::connection_ptr(database_->connection()), lock_wait_);
-  odb::transaction transaction(session.begin_immediately());
+void SQLite_Engine::migrate(std::int32_t present) {
   run_schema_steps(current_handle(), present);
-  session.commit(transaction);
 }
 
 bool SQLite_Engine::can_hold(std::initializer_list<std::string_view> texts) {

@@ -3,8 +3,11 @@
 #include <fmt/format.h>
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "sqlite_schema.h"
 #include "vemora/embedded_server/persistent/engine/broken_rule.h"
@@ -30,15 +33,70 @@ Attachments attachments_in(sqlite3* handle) {
   return found;
 }
 
-/// Those of other programs, in a site of that version.
-Attachments others_in(sqlite3* handle, std::int32_t version) {
+/// By table, the names of its columns, generated ones too.
+using Columns = std::map<std::string, std::set<std::string>>;
+
+constexpr const char* columns_of_tables =
+    "SELECT m.name, c.name FROM sqlite_master m, pragma_table_xinfo(m.name) c WHERE m.type = "
+    "'table'";
+
+Columns columns_in(sqlite3* handle) {
+  Columns found;
+  query_rows(handle, columns_of_tables,
+             [&found](sqlite3_stmt* row) { found[text_in(row, 0)].insert(text_in(row, 1)); });
+  return found;
+}
+
+/// What other programs added to the tables of a site.
+struct Additions {
+  Attachments attachments;
+  Columns columns;
+};
+
+Additions additions_in(sqlite3* handle, std::int32_t version) {
   SQLite_Handle model(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   make_tables_of_version(model, version);
-  Attachments others = attachments_in(handle);
+  Additions additions{attachments_in(handle), {}};
   for (const auto& [name, statement] : attachments_in(model.get())) {
-    others.erase(name);
+    additions.attachments.erase(name);
   }
-  return others;
+  Columns present = columns_in(handle);
+  for (const auto& [table, columns] : columns_in(model.get())) {
+    std::set<std::string>& added = additions.columns[table] = std::move(present[table]);
+    for (const std::string& column : columns) {
+      added.erase(column);
+    }
+  }
+  return additions;
+}
+
+/// What stands in a column is nothing that could be made again.
+void require_columns(sqlite3* handle, const Columns& added) {
+  Columns left = columns_in(handle);
+  std::vector<std::string> lost;
+  for (const auto& [table, columns] : added) {
+    for (const std::string& column : columns) {
+      if (left[table].count(column) == 0) {
+        lost.push_back(fmt::format("{}.{}", table, column));
+      }
+    }
+  }
+  if (!lost.empty()) {
+    throw Unfit_For_Step(fmt::format(
+        "another program added columns to tables that have to be made anew, and what is "
+        "in these columns would be lost: {}; copy it to a table of its own, drop the "
+        "columns, and try again",
+        fmt::join(lost, ", ")));
+  }
+}
+
+void make_again(sqlite3* handle, const Attachments& attachments) {
+  const Attachments left = attachments_in(handle);
+  for (const auto& [name, statement] : attachments) {
+    if (left.count(name) == 0) {
+      run_script(handle, statement.c_str());
+    }
+  }
 }
 
 /// As long as it lives, a table that is renamed leaves triggers and views as they are written: they
@@ -79,17 +137,13 @@ void make_tables_of_version(SQLite_Handle& empty, std::int32_t version) {
 }
 
 void run_schema_steps(sqlite3* handle, std::int32_t present) {
-  const Attachments others = others_in(handle, present);
+  const Additions additions = additions_in(handle, present);
   const Renaming_Leaves_References guard(handle);
   for (auto step = static_cast<std::size_t>(present); step < sqlite_schema.size(); ++step) {
     run_step(handle, sqlite_schema[step]);
   }
-  const Attachments left = attachments_in(handle);
-  for (const auto& [name, statement] : others) {
-    if (left.count(name) == 0) {
-      run_script(handle, statement.c_str());
-    }
-  }
+  require_columns(handle, additions.columns);
+  make_again(handle, additions.attachments);
   if (present == 0) {
     run_script(handle, fmt::format("PRAGMA application_id={}", sqlite_application_id).c_str());
   }

@@ -29,10 +29,7 @@ class SQLite_Session : public Engine::Session {
   void use_write_ahead_log();
 
   odb::transaction_impl* begin() override;
-
-  /// One that may write from its first statement on, in an empty database too.
-  odb::transaction_impl* begin_immediately();
-
+  odb::transaction_impl* begin_immediately() override;
   void begin_writing() override;
   void commit(odb::transaction& transaction) override;
 

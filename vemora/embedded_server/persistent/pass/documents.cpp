@@ -7,7 +7,8 @@
 #include <string>
 
 #include "rows-odb.h"
-#include "vemora/embedded_server/persistent/engine/bring_up_to_date.h"
+#include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/persistent/pass/site_row.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -47,9 +48,7 @@ void store_document(odb::database& database, const std::string& kind,
 }  // namespace
 
 void require_owner(odb::database& database, std::uint64_t server_id) {
-  rows::Site site;
-  database.load(1, site);
-  require_known_version(site.schema_version);  // a newer program may have come since it was opened
+  const rows::Site site = load_site(database);
   if (site.server_id && *site.server_id != server_id) {
     throw Database_Error(
         fmt::format("it belongs to server {}, not to server {}", *site.server_id, server_id));

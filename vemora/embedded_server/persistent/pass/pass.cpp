@@ -9,6 +9,7 @@
 #include "vemora/embedded_server/persistent/engine/bring_up_to_date.h"
 #include "vemora/embedded_server/persistent/pass/count_deletions.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
+#include "vemora/embedded_server/persistent/pass/site_row.h"
 #include "vemora/embedded_server/persistent/pass/verify_index.h"
 #include "vemora/embedded_server/persistent/pass/write_changes.h"
 
@@ -47,10 +48,6 @@ void Pass::open_session() {
     session_ = engine().open_session(purpose_ == Purpose::single_read
                                          ? Engine::Session::Access::shared
                                          : Engine::Session::Access::exclusive);
-    if (may_write() && database_->schema_version() < current_schema_version) {
-      bring_up_to_date(engine(), *session_);
-      database_->note_schema_version(current_schema_version);
-    }
   } catch (const std::exception& fault) {
     throw Database_Error(
         fmt::format("database {}: {}", engine().location(), engine().describe(fault)));
@@ -80,6 +77,7 @@ void Pass::begin_if_necessary() {
   auto transaction = std::make_unique<odb::transaction>();
   transaction->reset(session_->begin());
   transaction_ = std::move(transaction);
+  writes_ = false;
   if (purpose_ == Purpose::single_write) {
     session_->begin_writing();
   }
@@ -88,6 +86,21 @@ void Pass::begin_if_necessary() {
 void Pass::begin_writing() {
   begin_if_necessary();
   session_->begin_writing();
+  bring_tables_up_to_date();
+  writes_ = true;
+}
+
+void Pass::bring_tables_up_to_date() {
+  if (database_->schema_version() >= current_schema_version) {
+    return;
+  }
+  try {
+    bring_up_to_date(engine(), load_site(engine().odb()).schema_version);
+  } catch (const std::exception&) {
+    come_to(Pass_Event::loss);
+    transaction_.reset();  // half of it may be made
+    throw;
+  }
 }
 
 odb::database& Pass::odb() {
@@ -155,6 +168,9 @@ void Pass::commit_changes(const Site_Index::Net_Changes& net, Changes& changes) 
     throw;
   }
   ++commits_;
+  if (writes_) {
+    database_->note_schema_version(current_schema_version);
+  }
   come_to(Pass_Event::commit);
   transaction_.reset();
 }
@@ -162,6 +178,19 @@ void Pass::commit_changes(const Site_Index::Net_Changes& net, Changes& changes) 
 /// What became of a commit that failed, once it was `begun`, with these changes. To be called as
 /// long as the connection still knows what the fault was.
 void Pass::note_failed_commit(const std::exception& fault, bool begun, Changes& changes) noexcept {
+  if (writes_) {
+    note_doubt(fault, begun);
+  } else if (begun) {
+    lost_nothing_ = true;
+  }
+  if (commit_not_known_ == Commit_Not_Known::Known::committed_here) {
+    changes_ = std::move(changes);
+  }
+  come_to(commit_not_known_ ? Pass_Event::doubt : Pass_Event::loss);
+  note_fault(fault);
+}
+
+void Pass::note_doubt(const std::exception& fault, bool begun) noexcept {
   const auto* const not_known = dynamic_cast<const Commit_Not_Known*>(&fault);
   if (not_known != nullptr) {
     commit_not_known_ = not_known->known();
@@ -169,11 +198,6 @@ void Pass::note_failed_commit(const std::exception& fault, bool begun, Changes& 
     // Without memory, the engine cannot even say that it does not know.
     commit_not_known_ = Commit_Not_Known::Known::nothing;
   }
-  if (commit_not_known_ == Commit_Not_Known::Known::committed_here) {
-    changes_ = std::move(changes);
-  }
-  come_to(commit_not_known_ ? Pass_Event::doubt : Pass_Event::loss);
-  note_fault(fault);
 }
 
 void Pass::confirm_place() {
@@ -225,7 +249,9 @@ void Pass::end() {
         fmt::format("{}; {}", *fault_, fate_of("what the pass wrote", *commit_not_known_)));
   }
   if (phase_ == Pass_Phase::lost) {
-    throw Database_Error(fmt::format("{}; nothing that the pass wrote was kept", *fault_));
+    throw Database_Error(fmt::format("{}; {}", *fault_,
+                                     lost_nothing_ ? "there was nothing to be written"
+                                                   : "nothing that the pass wrote was kept"));
   }
 }
 

@@ -60,7 +60,9 @@ class Pass {
     }
   }
 
-  /// Waits until other programs let this one write, in a transaction of its own as well.
+  /// To be called before anything is written to the tables. Waits until other programs let this one
+  /// write, and brings the tables of an older site up to date in the same transaction: what writes
+  /// nothing, or is rolled back, leaves them as they were.
   void begin_writing();
 
   /// Writes what changed and commits it.
@@ -106,12 +108,9 @@ class Pass {
   odb::database& odb();
 
  private:
-  bool may_write() const {
-    return purpose_ != Purpose::single_read && mode_ == Pass_Scope::Mode::commit;
-  }
-
   void open_session();
   void begin_if_necessary();
+  void bring_tables_up_to_date();
   void store_changes(Site_Index& site);
   void give_up_unless_permitted(const Site_Index::Net_Changes& net);
   void commit_changes(const Site_Index::Net_Changes& net, Changes& changes);
@@ -119,6 +118,7 @@ class Pass {
   void require_in_place();
   void commit_what_came_before_the_fault();
   void note_failed_commit(const std::exception& fault, bool begun, Changes& changes) noexcept;
+  void note_doubt(const std::exception& fault, bool begun) noexcept;
   void note_fault(const std::exception& fault) noexcept;
   void poison(const char* reason) noexcept;
   void come_to(Pass_Event event) noexcept { phase_ = next(phase_, event); }
@@ -131,12 +131,14 @@ class Pass {
   std::optional<std::uint64_t> server_id_;
   std::unique_ptr<Engine::Session> session_;
   std::unique_ptr<odb::transaction> transaction_;
+  bool writes_ = false;  ///< whether anything is written in the transaction
   Site_Index site_;
   Changes changes_;
   Pass_Phase phase_ = Pass_Phase::working;
   std::optional<std::string> fault_;  ///< in the phases in which one sticks
   int commits_ = 0;
   std::optional<Commit_Not_Known::Known> commit_not_known_;
+  bool lost_nothing_ = false;  ///< the fault is of a commit that had nothing to keep
   Permit_Deletions permit_;
   bool given_up_ = false;
   std::set<std::uint64_t> cameras_not_noted_;

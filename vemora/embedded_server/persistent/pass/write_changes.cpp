@@ -9,6 +9,7 @@
 #include "vemora/embedded_server/persistent/engine/row_writer.h"
 #include "vemora/embedded_server/persistent/mapping/source_row.h"
 #include "vemora/embedded_server/persistent/pass/pending_cameras.h"
+#include "vemora/embedded_server/persistent/pass/site_row.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -125,14 +126,11 @@ void write_changes(Engine& engine, const Site_Index::Net_Changes& net) {
 }
 
 bool is_claimed(odb::database& database) {
-  rows::Site site;
-  database.load(1, site);
-  return site.server_id.has_value();
+  return load_site(database).server_id.has_value();
 }
 
 void claim_for(odb::database& database, std::uint64_t server_id) {
-  rows::Site site;
-  database.load(1, site);
+  rows::Site site = load_site(database);
   if (!site.server_id) {
     site.server_id = server_id;
     database.update(site);

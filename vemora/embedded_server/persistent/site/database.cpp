@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
-#include "rows-odb.h"
 #include "vemora/embedded_server/persistent/engine/bring_up_to_date.h"
 #include "vemora/embedded_server/persistent/engine/open_engine.h"
 #include "vemora/embedded_server/persistent/pass/documents.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
+#include "vemora/embedded_server/persistent/pass/site_row.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -22,8 +22,7 @@ std::int32_t find_site(Engine& engine, Open_Mode mode) {
     throw Database_Error("it holds no site; \"init\" makes one");
   }
   const auto session = engine.open_session(Engine::Session::Access::exclusive);
-  bring_up_to_date(engine, *session);
-  return current_schema_version;
+  return make_tables(engine, *session);
 }
 
 }  // namespace
@@ -49,11 +48,8 @@ Database::Database(std::unique_ptr<Engine> engine, std::int32_t schema_version)
 Database::~Database() = default;
 
 std::optional<std::uint64_t> Database::owner() {
-  return read(shared_from_this(), [this](Site_Index&) {
-    rows::Site site;
-    engine_->odb().load(1, site);
-    return site.server_id;
-  });
+  return read(shared_from_this(),
+              [this](Site_Index&) { return load_site(engine_->odb()).server_id; });
 }
 
 void Database::require_owner(std::uint64_t server_id) {

@@ -222,6 +222,7 @@ void store_inventory(const std::shared_ptr<Database>& database,
     if (inventory == nullptr) {
       return;
     }
+    Pass::current(*database)->begin_writing();
     engine.rows().put(inventory->servers);
     replace_tags<rows::Server_Tag>(engine, inventory->servers);
     store_cameras(engine, inventory->cameras);

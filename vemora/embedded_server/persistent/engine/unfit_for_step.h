@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vemora/embedded_server/persistent/database_error.h"
+
+namespace kuv::vemora::embedded_server {
+
+/// A schema step cannot be made of what another program, or somebody by hand, put into the tables.
+class Unfit_For_Step : public Database_Error {
+ public:
+  using Database_Error::Database_Error;
+};
+
+}  // namespace kuv::vemora::embedded_server
