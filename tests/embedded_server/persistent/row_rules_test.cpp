@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "embedded_server/persistent/database_test.h"
+#include "embedded_server/persistent/site_at_work.h"
+#include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
 
 namespace kuv::test {
@@ -156,6 +157,14 @@ TEST_P(Row_Rules, let_in_what_passes_are_prepared_for) {
         "INSERT INTO camera_tag VALUES (10, '', '')"}) {
     EXPECT_EQ(answer_to(statement), "it was carried out") << statement;
   }
+}
+
+TEST_P(Row_Rules, are_named_to_whoever_breaks_one) {
+  Inventory inventory;
+  inventory.object_types["vehicle"] = {""};
+
+  EXPECT_THAT(complaint_of([&] { store_inventory(database(), inventory); }),
+              testing::HasSubstr("meta_type_type"));
 }
 
 TEST_P(Row_Rules, of_a_newer_program_are_not_worked_under) {

@@ -38,6 +38,26 @@ TEST_F(SQLite_Faults, stick_to_every_later_call_of_a_pass) {
   }
 }
 
+/// ODB calls all of them a key that is there already.
+TEST_F(SQLite_Faults, of_a_row_that_is_refused_say_what_refused_it) {
+  given_a_trigger_at_work();
+  const auto complaint = [this] {
+    Pass_Scope pass(database(), server_id);
+    const auto repository = make_repository(database());
+    return complaint_of([&] { work_on_camera(*repository, 9, 11); });
+  };
+  foreign_program().execute(
+      "CREATE TRIGGER trouble BEFORE INSERT ON trigger_record BEGIN SELECT RAISE(ABORT, 'no "
+      "more'); "
+      "END");
+  EXPECT_EQ(complaint(), prefixed("no more"));
+  foreign_program().execute(
+      "DROP TRIGGER trouble; CREATE UNIQUE INDEX one_kind ON trigger_source (type)");
+  EXPECT_EQ(complaint(), prefixed("UNIQUE constraint failed: trigger_source.type"));
+  foreign_program().execute("DROP INDEX one_kind");
+  expect_the_next_pass_to_work();
+}
+
 TEST_F(SQLite_Faults, keep_what_the_pass_had_done_before_them) {
   given_a_trigger_at_work();
   foreign_program().execute("ALTER TABLE subscription_trigger RENAME TO elsewhere");

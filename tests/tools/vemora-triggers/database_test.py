@@ -84,6 +84,15 @@ class Unusable_Databases(Database_Site):
                              f"(schema 99, known up to {version})")
         self.assertEqual(self.rows(), before)
 
+    def test_a_database_that_does_not_say_its_version_is_left_alone(self):
+        self.sql("DELETE FROM site")
+        before = self.rows()
+        for command in COMMANDS:
+            self.assertEqual(self.assert_failure(*command),
+                             f"database {self.behind.shown}: its table site does not say which version of this program "
+                             "made it; move the database away and restore a backup")
+        self.assertEqual(self.rows(), before)
+
     def test_a_database_that_is_not_there_is_not_made_by_the_way(self):
         before = self.behind.all()
         for command in COMMANDS[:-1]:

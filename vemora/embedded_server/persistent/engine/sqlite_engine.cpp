@@ -90,7 +90,8 @@ std::optional<std::int32_t> SQLite_Engine::schema_version() {
   if (query_number(handle, "PRAGMA application_id") != sqlite_application_id) {
     throw Database_Error("it is a database of another program");
   }
-  return static_cast<std::int32_t>(query_number(handle, "SELECT schema_version FROM site"));
+  return static_cast<std::int32_t>(
+      query_number(handle, "SELECT coalesce(max(schema_version), 0) FROM site"));
 }
 
 void SQLite_Engine::migrate(std::int32_t present) {
@@ -110,9 +111,25 @@ bool SQLite_Engine::holds_transaction() {
   return odb::transaction::has_current() && sqlite3_get_autocommit(current_handle()) == 0;
 }
 
+/// ODB takes every constraint that a new row breaks for a key that is there already. The connection
+/// knows which one it was.
+std::optional<std::string> SQLite_Engine::broken_constraint() {
+  if (!odb::transaction::has_current() ||
+      &odb::transaction::current().database() != database_.get()) {
+    return std::nullopt;
+  }
+  sqlite3* const handle = current_handle();
+  return (sqlite3_errcode(handle) & 0xFF) == SQLITE_CONSTRAINT
+             ? std::make_optional<std::string>(sqlite3_errmsg(handle))
+             : std::nullopt;
+}
+
 std::string SQLite_Engine::describe(const std::exception& fault) {
   if (dynamic_cast<const odb::timeout*>(&fault) != nullptr) {
     return locked_by_another_program(take_vain_wait());
+  }
+  if (dynamic_cast<const odb::object_already_persistent*>(&fault) != nullptr) {
+    return broken_constraint().value_or(fault.what());
   }
   const auto* const refused = dynamic_cast<const odb::sqlite::database_exception*>(&fault);
   return refused != nullptr ? refused->message() : fault.what();

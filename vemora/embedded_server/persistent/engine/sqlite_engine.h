@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "vemora/embedded_server/persistent/engine/engine.h"
@@ -33,6 +34,8 @@ class SQLite_Engine : public Engine {
   std::string describe(const std::exception& fault) override;
 
  private:
+  std::optional<std::string> broken_constraint();
+
   std::string path_;
   SQLite_Files files_;
   std::chrono::milliseconds lock_wait_;
