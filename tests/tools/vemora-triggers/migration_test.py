@@ -145,6 +145,7 @@ class Commands_That_Write_Nothing(Migration):
 
     def test_are_those_that_a_guard_refuses(self):
         self.assert_left_alone(REFUSED, "apply", self.write("empty.json", config()))
+        self.assert_left_alone(REFUSED, "init", "--prune", "nothing.json")
         self.sql("UPDATE document SET text = ? WHERE kind = ?", json.dumps(config()), "config")
         self.assert_left_alone(REFUSED, "refresh")
 

@@ -264,6 +264,7 @@ Pruned_Records prune_to_inventory(const std::shared_ptr<Database>& database,
     if (!prune.deletions().empty() && !permit(prune.deletions())) {
       return Pruned_Records();
     }
+    Pass::current(*database)->begin_writing();
     prune.remove();
     store_inventory(database, *inventory);
     return prune.take_removed();
