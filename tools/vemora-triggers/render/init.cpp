@@ -45,29 +45,29 @@ Json::Value counts_to_json(const Inventory_Counts& counts) {
   return records;
 }
 
-Json::Value to_json(const Pruned_Records::Record& record) {
+Json::Value removed_to_json(const Pruned_Records::Record& record) {
   Json::Value object(Json::objectValue);
   object["id"] = Json::UInt64(record.id);
   object["name"] = record.name;
   return object;
 }
 
-Json::Value to_json(const Pruned_Records::Camera& record) {
-  Json::Value object = to_json(static_cast<const Pruned_Records::Record&>(record));
+Json::Value removed_to_json(const Pruned_Records::Camera& record) {
+  Json::Value object = removed_to_json(static_cast<const Pruned_Records::Record&>(record));
   object["topicSubscriptions"] = Json::UInt64(record.topic_subscriptions);
   object["detection"] = record.has_detection;
   return object;
 }
 
-Json::Value to_json(const std::string& name) {
+Json::Value removed_to_json(const std::string& name) {
   return name;
 }
 
 template <class Items>
-Json::Value list_to_json(const Items& items) {
+Json::Value removed_list_to_json(const Items& items) {
   Json::Value list(Json::arrayValue);
   for (const auto& item : items) {
-    list.append(to_json(item));
+    list.append(removed_to_json(item));
   }
   return list;
 }
@@ -81,12 +81,12 @@ Json::Value removed_counts_to_json(const Pruned_Records& removed) {
 
 Json::Value removed_records_to_json(const Pruned_Records& removed) {
   Json::Value records(Json::objectValue);
-  records["servers"] = list_to_json(removed.servers);
-  records["cameras"] = list_to_json(removed.cameras);
-  records["schedules"] = list_to_json(removed.schedules);
-  records["eventCategories"] = list_to_json(removed.categories);
-  records["subscriptions"] = list_to_json(removed.subscriptions);
-  records["objectTypes"] = list_to_json(removed.object_types);
+  records["servers"] = removed_list_to_json(removed.servers);
+  records["cameras"] = removed_list_to_json(removed.cameras);
+  records["schedules"] = removed_list_to_json(removed.schedules);
+  records["eventCategories"] = removed_list_to_json(removed.categories);
+  records["subscriptions"] = removed_list_to_json(removed.subscriptions);
+  records["objectTypes"] = removed_list_to_json(removed.object_types);
   return records;
 }
 
@@ -131,7 +131,7 @@ std::function<std::string(const Pruned_Records::Record&)> named_after(const char
   };
 }
 
-std::string describe_camera(const Pruned_Records::Camera& record) {
+std::string describe_removed_camera(const Pruned_Records::Camera& record) {
   std::vector<std::string> with;
   if (record.topic_subscriptions != 0) {
     with.push_back(
@@ -151,7 +151,7 @@ void print_removed(const Pruned_Records& removed) {
   counts.push_back(counted(removed.eta_cameras, "detection record", "detection records"));
   print_counts("Removed", counts);
   print_removed(removed.servers, "servers", named_after("server"));
-  print_removed(removed.cameras, "cameras", describe_camera);
+  print_removed(removed.cameras, "cameras", describe_removed_camera);
   print_removed(removed.schedules, "schedules", named_after("schedule"));
   print_removed(removed.categories, "event categories", named_after("event category"));
   print_removed(removed.subscriptions, "generic subscriptions",
@@ -164,7 +164,7 @@ void print_removed(const Pruned_Records& removed) {
   }
 }
 
-Json::Value to_json(const Stored_Site& site) {
+Json::Value stored_site_to_json(const Stored_Site& site) {
   Json::Value answer(Json::objectValue);
   answer["success"] = true;
   answer["records"] = counts_to_json(counts_of(site.inventory));
@@ -193,7 +193,7 @@ void print_answer(const Json::Value& answer, const Fault_List& warnings) {
 void print_stored_site(const Options& options, const Stored_Site& site,
                        const Fault_List& warnings) {
   if (options.json) {
-    print_answer(to_json(site), warnings);
+    print_answer(stored_site_to_json(site), warnings);
     return;
   }
   print_for_people(warnings);

@@ -1,6 +1,5 @@
 #include "vemora/embedded_server/persistent/prune.h"
 
-#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -11,23 +10,22 @@
 #include "vemora/embedded_server/persistent/engine/row_writer.h"
 #include "vemora/embedded_server/persistent/index/row_reader.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
+#include "vemora/embedded_server/persistent/site/inventory_rows.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
-using Ids = std::set<std::uint64_t>;
-using Record = Pruned_Records::Record;
+using Named_Ids = std::set<std::uint64_t>;
 
 template <class Named>
-Ids ids_of(const std::vector<Named>& records) {
-  Ids ids;
+Named_Ids ids_of(const std::vector<Named>& records) {
+  Named_Ids ids;
   for (const Named& record : records) {
     ids.insert(record.id);
   }
   return ids;
 }
 
-/// Hands each row of a table to `take`; its columns in `order_by` are its key.
 template <class Row>
 std::vector<Row> rows_where(odb::database& database, const char* order_by,
                             const std::function<bool(const Row&)>& is_wanted) {
@@ -40,21 +38,10 @@ std::vector<Row> rows_where(odb::database& database, const char* order_by,
   return rows;
 }
 
-bool is_generic(const rows::Subscription& row) {
-  return !row.camera_id && !row.onvif_topic;
-}
-
-/// Ids are stored with a sign, so that the database orders them otherwise.
-template <class Named>
-void sort_by_id(std::vector<Named>& records) {
-  std::sort(records.begin(), records.end(),
-            [](const Named& left, const Named& right) { return left.id < right.id; });
-}
-
 /// Finds what an inventory does not name, and removes it.
 class Prune {
  public:
-  Prune(Engine& engine, const Inventory& inventory, const Ids& kept_servers)
+  Prune(Engine& engine, const Inventory& inventory, const Named_Ids& kept_servers)
       : engine_(engine),
         cameras_(ids_of(inventory.cameras)),
         schedules_(ids_of(inventory.schedules)) {
@@ -87,7 +74,7 @@ class Prune {
  private:
   /// Finds the records of one kind that `wanted` lacks.
   template <class Row, class Named>
-  void find_named(const Ids& wanted, std::vector<Row>& rows, std::vector<Named>& removed,
+  void find_named(const Named_Ids& wanted, std::vector<Row>& rows, std::vector<Named>& removed,
                   Deletions::Of& counts) {
     for_each_row<Row>(engine_.odb(), "id", [&](const Row& row) {
       ++counts.stored;
@@ -103,7 +90,7 @@ class Prune {
     sort_by_id(removed);
   }
 
-  void find_servers(Ids wanted, const Ids& kept) {
+  void find_servers(Named_Ids wanted, const Named_Ids& kept) {
     for (const server& row : rows_where<server>(engine_.odb(), "id", [&](const server& row) {
            return kept.count(row.id) != 0 && wanted.count(row.id) == 0;
          })) {
@@ -126,7 +113,7 @@ class Prune {
     return found == place_of_camera_.end() ? nullptr : &removed_.cameras[found->second];
   }
 
-  void find_subscriptions(const Ids& generic) {
+  void find_subscriptions(const Named_Ids& generic) {
     for_each_row<rows::Subscription>(engine_.odb(), "id", [&](const rows::Subscription& row) {
       if (is_generic(row)) {
         find_generic(row, generic);
@@ -139,7 +126,7 @@ class Prune {
     deletions_.topic_subscriptions.deleted = removed_.topic_subscriptions;
   }
 
-  void find_generic(const rows::Subscription& row, const Ids& wanted) {
+  void find_generic(const rows::Subscription& row, const Named_Ids& wanted) {
     ++deletions_.generic_subscriptions.stored;
     if (wanted.count(row.id) == 0) {
       removed_.subscriptions.push_back({row.id, row.name});
@@ -229,8 +216,8 @@ class Prune {
   }
 
   Engine& engine_;
-  Ids cameras_;    ///< named by the inventory
-  Ids schedules_;  ///< named by the inventory
+  Named_Ids cameras_;    ///< named by the inventory
+  Named_Ids schedules_;  ///< named by the inventory
   Pruned_Records removed_;
   Deletions deletions_;
   std::vector<server> removed_servers_;
@@ -239,9 +226,9 @@ class Prune {
   std::vector<schedule> removed_schedules_;
   std::vector<metadata_event_category> removed_categories_;
   std::vector<rows::Subscription> removed_subscriptions_;
-  Ids subscription_ids_;  ///< theirs
+  Named_Ids subscription_ids_;  ///< theirs
   std::vector<rows::ETA_Camera> removed_eta_cameras_;
-  Ids eta_camera_ids_;  ///< theirs
+  Named_Ids eta_camera_ids_;  ///< theirs
   std::vector<rows::Meta_Type> removed_object_types_;
 };
 
@@ -256,7 +243,7 @@ Pruned_Records prune_to_inventory(const std::shared_ptr<Database>& database,
     if (inventory == nullptr) {
       return Pruned_Records();
     }
-    Ids kept_servers{server_id};
+    Named_Ids kept_servers{server_id};
     if (const std::optional<std::uint64_t> owner = database->owner()) {
       kept_servers.insert(*owner);
     }

@@ -1,6 +1,5 @@
 #include "vemora/embedded_server/persistent/stored_inventory.h"
 
-#include <algorithm>
 #include <map>
 #include <utility>
 #include <vector>
@@ -9,27 +8,16 @@
 #include "rows-odb.h"
 #include "vemora/embedded_server/persistent/index/row_reader.h"
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
+#include "vemora/embedded_server/persistent/site/inventory_rows.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
-
-bool is_generic(const rows::Subscription& row) {
-  return !row.camera_id && !row.onvif_topic;
-}
 
 template <class Row>
 std::uint64_t count(odb::database& database) {
   std::uint64_t number = 0;
   for_each_row<Row>(database, "id", [&number](const Row&) { ++number; });
   return number;
-}
-
-/// Ids are unsigned, and stored as the same bits with a sign, so the database orders them
-/// otherwise.
-template <class Record>
-void sort_by_id(std::vector<Record>& records) {
-  std::sort(records.begin(), records.end(),
-            [](const Record& left, const Record& right) { return left.id < right.id; });
 }
 
 template <class Record>
