@@ -4,6 +4,7 @@ import collections
 import json
 import os
 import shutil
+import sqlite3
 import tempfile
 import unittest
 
@@ -14,6 +15,14 @@ from remains import Onlooker, read_files
 
 TOOL = os.environ["TOOL"]
 LIBRARY = os.environ["FAULT_SERVER_LIBRARY"]
+FIRST_TABLES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "vemora", "embedded_server",
+                            "persistent", "schema", "sqlite", "001_site.sql")
+
+
+def remove_database(path):
+    for suffix in ("", "-wal", "-shm"):
+        if os.path.exists(path + suffix):
+            os.remove(path + suffix)
 
 
 class Campaign:
@@ -53,12 +62,36 @@ class Campaign:
         self.derive("site", "backed_up", ["backup", "backup.db"])
         self.derive("backed_up", "moved_on", ["init", "changed.json"])
         self.derive("site", "changed", ["apply", "after.json", "after_mapping.json"])
+        self.make_older("site", "older")
+        self.make_older("changed", "older_changed")
 
     def derive(self, origin, name, arguments):
         shutil.copytree(self.template(origin), self.template(name))
         run = self.server.run(arguments, self.template(name))
         if run.status != judge.DONE:
             raise AssertionError(f"{arguments}: {run}")
+
+    def make_older(self, origin, name):
+        """The same site in the tables of the first version."""
+        shutil.copytree(self.template(origin), self.template(name))
+        database = os.path.join(self.template(name), "vemora.db")
+        remove_database(database)
+        connection = sqlite3.connect(database)
+        with open(FIRST_TABLES, encoding="utf-8") as file:
+            connection.executescript(file.read())
+        connection.execute("ATTACH ? AS today", (os.path.join(self.template(origin), "vemora.db"),))
+        for table, columns in connection.execute(
+                "SELECT m.name, group_concat(c.name) FROM main.sqlite_master m, pragma_table_info(m.name) c "
+                "WHERE m.type = 'table' GROUP BY m.name").fetchall():
+            connection.execute(f"INSERT INTO main.{table} ({columns}) SELECT {columns} FROM today.{table}")
+        connection.execute("UPDATE main.site SET schema_version = 1")
+        for pragma in ("application_id", "user_version"):
+            [(number,)] = connection.execute(f"PRAGMA today.{pragma}")
+            connection.execute(f"PRAGMA main.{pragma} = {number}")
+        connection.commit()
+        connection.execute("DETACH today")
+        connection.execute("PRAGMA main.journal_mode = WAL")
+        connection.close()
 
     def cases(self):
         yield judge.Case("init, a new site", "empty", ["init", "inventory.json"])
@@ -78,6 +111,10 @@ class Campaign:
         yield judge.Case("refresh, text", "moved", ["refresh"])
         yield judge.Case("refresh, a pruned site", "pruned", ["--json", "refresh"])
         yield judge.Case("refresh, nothing to do", "changed", ["--json", "refresh"])
+        yield judge.Case("init, older tables", "older", ["init", "changed.json"])
+        yield judge.Case("apply, older tables", "older", ["--json", "apply", "after.json", "after_mapping.json"])
+        yield judge.Case("apply, older tables, a faulty document", "older", ["--json", "apply", "faulty.json"])
+        yield judge.Case("refresh, older tables, nothing to do", "older_changed", ["--json", "refresh"])
         yield judge.Case("backup", "site", ["backup", "backup.db"])
         yield judge.Case("backup, JSON, over an older one", "moved_on", ["--json", "backup", "backup.db"])
         yield judge.Case("restore", "moved_on", ["restore", "backup.db"])

@@ -5,9 +5,11 @@ import os
 import shutil
 import sqlite3
 
-# Every record but for the ids that passes give out: those of subscriptions with a topic and of detection.
+# Every record but for the ids that passes give out: those of subscriptions with a topic and of detection. And
+# whether the tables are still those that a migration finds.
 RECORDS = """
 SELECT 'server', id, name, NULL, NULL, NULL, NULL FROM server
+UNION ALL SELECT 'tables of version', schema_version, NULL, NULL, NULL, NULL, NULL FROM site WHERE schema_version = 1
 UNION ALL SELECT 'server tag', record_id, name, value, NULL, NULL, NULL FROM server_tag
 UNION ALL SELECT 'camera', id, name, object_detection, motion_detection, NULL, NULL FROM camera
 UNION ALL SELECT 'camera tag', record_id, name, value, NULL, NULL, NULL FROM camera_tag
