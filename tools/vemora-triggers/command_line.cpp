@@ -20,8 +20,8 @@ constexpr const char* footer =
     "Exit status: 0 done; 1 done, but single triggers had errors; 2 a document was rejected and\n"
     "nothing changed; 3 the pass or the database failed, or the output could not be written;\n"
     "4 refused, because most of what is stored would be deleted or the site is not that of the\n"
-    "plan, and nothing changed; 5 only with plan --exit-code: there is something to change;\n"
-    "64 wrong usage.";
+    "plan, and nothing changed; 5 only with --exit-code of plan and diff: there is something to\n"
+    "change, or a difference; 64 wrong usage.";
 
 /// Stricter than CLI11, which accepts signs, other bases, and numbers that do not fit.
 std::string decimal_id(const std::string& text) {
@@ -114,6 +114,11 @@ void add_guard(CLI::App& command, Invocation& call) {
   command.add_flag("--allow-mass-deletion", call.options.allow_mass_deletion,
                    "Let the pass delete ten or more triggers or topic subscriptions even if they "
                    "are more than half of those stored");
+}
+
+void add_note(CLI::App& command, Invocation& call) {
+  command.add_option("--note", call.options.note, "What the history says about the pass")
+      ->type_name("TEXT");
 }
 
 void add_copies(CLI::App& app, Invocation& call) {
@@ -272,6 +277,7 @@ void add_apply(CLI::App& app, Invocation& call) {
   applied->get_option("CONFIG")->required(false);
   add_strict(*applied, call);
   add_guard(*applied, call);
+  add_note(*applied, call);
   applied
       ->add_option("--plan", call.plan_path,
                    "Apply the documents of a plan, instead of CONFIG and MAPPING; refused if the "
@@ -287,6 +293,48 @@ void add_apply(CLI::App& app, Invocation& call) {
                                     : apply_plan(call.options, call.plan_path);
     };
   });
+}
+
+/// An argument that is the number of a pass.
+template <class Number>
+CLI::Option* add_pass(CLI::App& command, const char* name, Number& pass, const char* meaning) {
+  return command.add_option(name, pass, meaning)
+      ->type_name(" ")
+      ->check(CLI::Validator(decimal_id, ""));
+}
+
+void add_rollback(CLI::App& app, Invocation& call) {
+  CLI::App* const rolled_back = app.add_subcommand(
+      "rollback", "Apply the documents that were stored when an earlier pass was over");
+  add_pass(*rolled_back, "PASS", call.pass, "The number of the pass, see history")->required();
+  add_strict(*rolled_back, call);
+  add_guard(*rolled_back, call);
+  add_note(*rolled_back, call);
+  rolled_back->callback([&call] {
+    call.runs_pass = true;
+    call.command = [&call] { return rollback(call.options, *call.pass); };
+  });
+}
+
+void add_history(CLI::App& app, Invocation& call) {
+  CLI::App* const listed = app.add_subcommand(
+      "history", "List the passes that changed something, the newest first, or show one of them");
+  add_pass(*listed, "PASS", call.pass, "The number of one pass; default: list all");
+  listed->callback([&call] {
+    call.command = [&call] {
+      return call.pass ? history_of_pass(call.options, *call.pass) : history(call.options);
+    };
+  });
+
+  CLI::App* const compared = app.add_subcommand(
+      "diff", "Compare the documents of two passes, or of a pass and what is stored");
+  add_pass(*compared, "A", call.compared.before, "The number of a pass, see history")->required();
+  add_pass(*compared, "B", call.compared.after,
+           "The number of another pass; default: the stored documents");
+  compared->add_flag("--exit-code", call.compared.tells_difference,
+                     "Exit with 5 if the documents differ in what they say");
+  compared->callback(
+      [&call] { call.command = [&call] { return diff(call.options, call.compared); }; });
 }
 
 void add_show(CLI::App& app, Invocation& call) {
@@ -343,6 +391,7 @@ void add_commands(CLI::App& app, Invocation& call) {
   CLI::App* const refreshed = app.add_subcommand("refresh", "Run a pass on the stored documents");
   add_strict(*refreshed, call);
   add_guard(*refreshed, call);
+  add_note(*refreshed, call);
   refreshed->callback([&call] {
     call.runs_pass = true;
     call.command = [&call] { return refresh(call.options); };
@@ -350,6 +399,8 @@ void add_commands(CLI::App& app, Invocation& call) {
 
   add_show(app, call);
   add_questions(app, call);
+  add_history(app, call);
+  add_rollback(app, call);
   add_copies(app, call);
 
   for (CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/vemora-triggers/commands/commands.h"
+#include "tools/vemora-triggers/invocation/diff_request.h"
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
 #include "tools/vemora-triggers/invocation/show_request.h"
@@ -44,6 +45,8 @@ struct Invocation {
   Asked_Event event;
   Plan_Request planned;
   std::string plan_path;
+  std::optional<std::uint64_t> pass;
+  Diff_Request compared;
   std::function<Exit_Status()> command;
   bool runs_pass = false;  ///< true if the command runs a pass, and prints the outcome of one
 };

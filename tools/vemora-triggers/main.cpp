@@ -69,10 +69,10 @@ Exit_Status run(const Invocation& call, Outcome_Output& output) {
 }
 
 void report_out_of_memory(const Arguments& arguments) noexcept {
-  print_out_of_memory(
-      arguments.contain("--json"),
-      arguments.contain("apply") || arguments.contain("refresh") || arguments.contain("plan"),
-      stored_note());
+  print_out_of_memory(arguments.contain("--json"),
+                      arguments.contain("apply") || arguments.contain("refresh") ||
+                          arguments.contain("plan") || arguments.contain("rollback"),
+                      stored_note());
 }
 
 /// CLI11 copies names in noexcept functions, so the program would be aborted if memory runs out

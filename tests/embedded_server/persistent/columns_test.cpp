@@ -124,6 +124,8 @@ TEST_P(Columns, of_the_mapping_are_those_of_the_tables) {
   compare_mapped_columns<rows::Id_Allocation>("id_allocation");
   compare_mapped_columns<rows::Pending_Camera>("pending_camera");
   compare_mapped_columns<rows::Document>("document");
+  compare_mapped_columns<rows::History_Entry>("history_entry");
+  compare_mapped_columns<rows::History_Text>("history_text");
   compare_mapped_columns<rows::Site>("site");
 }
 

@@ -34,6 +34,21 @@ std::string lasting_source(const std::string& type, const std::string& mode_and_
                 "0, " + type + ", " + object + ", " + mode_and_durations);
 }
 
+/// An entry of the history, given its number, status, count of errors and digest of errors.
+std::string history_entry_with(const std::string& values) {
+  return "INSERT INTO history_entry (pass, status, error_count, errors, at, command, "
+         "triggers_created, triggers_changed, triggers_deleted, reconciled, trigger_writes, "
+         "trigger_deletions, subscription_writes, subscription_deletions, "
+         "subscription_link_writes, subscription_link_deletions, detection_writes, "
+         "detection_deletions, detection_link_writes, detection_link_deletions) VALUES (" +
+         values + ", 0, 'apply', '', '', '', '', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0)";
+}
+
+/// An empty text of the history, given its digest and its size.
+std::string history_text_with(const std::string& values) {
+  return "INSERT INTO history_text (digest, size, text) VALUES (" + values + ", '')";
+}
+
 const std::vector<Broken>& broken_on_every_engine() {
   static const std::vector<Broken> rows{
       {"site_id_check", "INSERT INTO site (id, schema_version) VALUES (2, 2)"},
@@ -64,7 +79,14 @@ const std::vector<Broken>& broken_on_every_engine() {
       {"trigger_source_dropout", lasting_source("2", "1, 1, -1")},
       {"trigger_source_dropout", lasting_source("2", "0, 1, 0")},
       {"trigger_source_dropout", lasting_source("4", "0, 1, 0")},
-      {"id_allocation_kind", "INSERT INTO id_allocation (kind, next_id) VALUES ('trigger', 1)"}};
+      {"id_allocation_kind", "INSERT INTO id_allocation (kind, next_id) VALUES ('trigger', 1)"},
+      {"history_entry_pass", history_entry_with("0, 0, 0, NULL")},
+      {"history_entry_status", history_entry_with("77, 3, 0, NULL")},
+      {"history_entry_error_count", history_entry_with("77, 1, -1, 'a'")},
+      {"history_entry_errors", history_entry_with("77, 1, 0, 'a'")},
+      {"history_entry_errors", history_entry_with("77, 1, 1, NULL")},
+      {"history_text_digest", history_text_with("'abc', 0")},
+      {"history_text_size", history_text_with("'" + std::string(64, 'a') + "', 1")}};
   return rows;
 }
 
@@ -169,7 +191,7 @@ TEST_P(Row_Rules, are_named_to_whoever_breaks_one) {
 
 TEST_P(Row_Rules, of_a_newer_program_are_not_worked_under) {
   const auto opened = database();
-  foreign_program().execute("UPDATE site SET schema_version = 3");
+  foreign_program().execute("UPDATE site SET schema_version = 4");
 
   try {
     const Pass_Scope pass(opened, server_id);
@@ -177,7 +199,7 @@ TEST_P(Row_Rules, of_a_newer_program_are_not_worked_under) {
   } catch (const Database_Error& complaint) {
     EXPECT_THAT(complaint.what(),
                 testing::HasSubstr(
-                    "it was made by a newer version of this program (schema 3, known up to 2)"));
+                    "it was made by a newer version of this program (schema 4, known up to 3)"));
   }
 }
 

@@ -51,7 +51,7 @@ class Plan_File_Test : public testing::Test {
         std::distance(std::filesystem::directory_iterator(folder_), {}));
   }
 
-  const Kept_Plan plan{18446744073709551615U, "{\"triggers\": []}", std::nullopt, "abc"};
+  const Kept_Plan plan{18446744073709551615U, "{\"triggers\": []}", std::nullopt, "abc", 41};
 
  private:
   std::filesystem::path folder_;
@@ -59,7 +59,8 @@ class Plan_File_Test : public testing::Test {
 
 bool operator==(const Kept_Plan& left, const Kept_Plan& right) {
   return left.server_id == right.server_id && left.config == right.config &&
-         left.mapping == right.mapping && left.site_digest == right.site_digest;
+         left.mapping == right.mapping && left.site_digest == right.site_digest &&
+         left.last_pass == right.last_pass;
 }
 
 TEST_F(Plan_File_Test, gives_back_what_was_written_byte_for_byte) {
@@ -67,8 +68,8 @@ TEST_F(Plan_File_Test, gives_back_what_was_written_byte_for_byte) {
   for (int byte = 0; byte < 256; ++byte) {
     every_byte += static_cast<char>(byte);
   }
-  for (const Kept_Plan& kept :
-       {plan, Kept_Plan{0, "", "", ""}, Kept_Plan{1, every_byte, every_byte + "\\u0041\"", "d"}}) {
+  for (const Kept_Plan& kept : {plan, Kept_Plan{0, "", "", "", 0},
+                                Kept_Plan{1, every_byte, every_byte + "\\u0041\"", "d", 1}}) {
     Plan_File(path()).write(kept);
     EXPECT_TRUE(Plan_File(path()).read() == kept);
   }
@@ -118,7 +119,7 @@ TEST_F(Plan_File_Test, says_of_what_is_no_plan_that_it_is_none) {
 }
 
 TEST_F(Plan_File_Test, says_of_a_later_form_that_it_is_not_known) {
-  for (const char* const version : {"2", "\"1\"", "-1", "1e99"}) {
+  for (const char* const version : {"1", "3", "\"2\"", "-1", "1e99"}) {
     given_content(std::string("{\"vemoraTriggersPlan\":") + version + "}");
     EXPECT_EQ(complaint_on_reading(),
               "this version cannot read the plan; make it again with this version")

@@ -2,13 +2,14 @@
 
 At every call by which it writes or syncs a file, and at random moments of a pass that takes a while:
 each time the database is whole and holds the state before the pass or the committed one, repeating the
-apply ends in the records of an undisturbed run, a refresh in those of the documents that are stored, and no
-camera whose subscriptions changed is forgotten.
+apply ends in the records of an undisturbed run, a refresh in those of the documents that are stored, no camera
+whose subscriptions changed is forgotten, and the history agrees with the documents.
 
     CRASH_MOMENTS=200   how many random moments (default 12)
     CRASH_SEED=7        another draw of them
 """
 
+import hashlib
 import json
 import os
 import random
@@ -75,6 +76,10 @@ def config_that_leaves_cameras_alone():
     return {"triggers": [trigger(1, "even", TOPICS[:3], True), trigger(3, "odd", TOPICS[1:3])]}
 
 
+# How an entry of the history ended.
+CUT_SHORT, DONE = 0, 1
+
+
 class Site:
     """A database in a folder of its own, and the tool on it."""
 
@@ -120,9 +125,20 @@ class Site:
             connection.close()
         documents = tables.pop("document")
         pending = tables.pop("pending_camera")
-        tables.pop("site")
+        for name in ("site", "history_entry", "history_text"):
+            tables.pop(name)
         return tables, documents, {row[0] for row in pending}
 
+    def history(self):
+        """Each pass with its status and the digests of its documents, and the digests of the texts that are kept."""
+        connection = sqlite3.connect(self.database)
+        try:
+            entries = connection.execute("SELECT pass, status, config, mapping FROM history_entry "
+                                         "ORDER BY pass").fetchall()
+            texts = dict(connection.execute("SELECT digest, text FROM history_text").fetchall())
+        finally:
+            connection.close()
+        return entries, texts
 
     def records(self):
         """The records whatever their ids, which a pass that was cut short may have used up."""
@@ -157,8 +173,24 @@ class Crash_Test(unittest.TestCase):
     def fresh_copy(self):
         return self.template.copy_to(next(self.copies))
 
+    def check_history(self, site, *statuses):
+        """One entry a pass, the last one with the documents that are stored, and a text for each digest."""
+        entries, texts = site.history()
+        self.assertEqual([entry[:2] for entry in entries], list(enumerate(statuses, 1)))
+        self.assertEqual({hashlib.sha256(text).hexdigest(): text for text in texts.values()}, texts)
+        self.assertEqual({digest for entry in entries for digest in entry[2:] if digest}, set(texts))
+        _, documents, _ = site.remains()
+        stored = {kind: hashlib.sha256(text).hexdigest() for kind, text in documents}
+        self.assertEqual(entries[-1][2:], (stored.get("config"), stored.get("mapping")))
+
     def phase_of(self, site):
         """Where the killed run was: before the commit, between it and the storing, or after."""
+        phase = self.phase_of_records(site)
+        self.check_history(site, DONE, *{"before the commit": (), "before the storing": (CUT_SHORT,),
+                                         "stored": (DONE,)}[phase])
+        return phase
+
+    def phase_of_records(self, site):
         records, documents, pending = site.remains()
         if records == self.before[0]:
             self.assertEqual(documents, self.before[1])
@@ -176,6 +208,7 @@ class Crash_Test(unittest.TestCase):
         phase = self.phase_of(site)
         answer = site.run("apply", os.path.join(site.folder, "after.json"))
         self.assertEqual(site.remains(), self.after)
+        self.check_history(site, DONE, *([CUT_SHORT] if phase == "before the storing" else []), DONE)
         if phase != "stored":
             self.assertEqual(set(answer["reconciled"]), self.changed_cameras)
         shutil.rmtree(site.folder)
@@ -186,6 +219,8 @@ class Crash_Test(unittest.TestCase):
         # Between the commit and the storing, the old documents take back most of what was committed.
         answer = site.run("refresh", "--allow-mass-deletion")
         tables, documents, pending = site.remains()
+        self.check_history(site, DONE, *{"before the commit": (), "before the storing": (CUT_SHORT, DONE),
+                                         "stored": (DONE,)}[phase])
         stored = phase == "stored"
         self.assertEqual(site.records(), self.records_after if stored else self.records_before)
         self.assertEqual((documents, pending), ((self.after if stored else self.before)[1], set()))

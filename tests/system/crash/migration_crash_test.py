@@ -38,6 +38,9 @@ class Migrations(unittest.TestCase):
             schema = sorted(connection.execute("SELECT type, name, tbl_name, sql FROM sqlite_master"), key=repr)
             rows = {name: sorted(connection.execute(f"SELECT * FROM {name}"), key=repr)
                     for kind, name, _, _ in schema if kind == "table"}
+            if "history_entry" in rows:  # but when the migration was
+                rows["history_entry"] = connection.execute("SELECT pass, author, command, status, config, mapping "
+                                                           "FROM history_entry").fetchall()
             return version, schema, rows
         finally:
             connection.close()
@@ -50,8 +53,10 @@ class Migrations(unittest.TestCase):
         undisturbed = self.template.copy_to(next(self.copies))
         undisturbed.run(*self.command(undisturbed))
         after = self.state(undisturbed)
-        self.assertEqual((before[0], after[0]), (1, 2))
+        self.assertEqual((before[0], after[0]), (1, 3))
+        history = {name: after[2].pop(name) for name in ("history_entry", "history_text")}
         self.assertEqual({**before[2], "site": None}, {**after[2], "site": None})
+        after[2].update(history)
 
         counted = self.template.copy_to(next(self.copies))
         count_file = os.path.join(counted.folder, "count")
@@ -60,7 +65,7 @@ class Migrations(unittest.TestCase):
             calls = int(file.read())
         self.assertGreater(calls, 10)
 
-        found = {1: 0, 2: 0}
+        found = {1: 0, 3: 0}
         for number in range(1, calls + 1):
             site = self.template.copy_to(next(self.copies))
             run = site.start(*self.command(site), LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
@@ -72,7 +77,7 @@ class Migrations(unittest.TestCase):
                 site.run(*self.command(site))
                 self.assertEqual(self.state(site), after)
             shutil.rmtree(site.folder)
-        print(f"{calls} calls: version 1 {found[1]} times, version 2 {found[2]} times")
+        print(f"{calls} calls: version 1 {found[1]} times, version 3 {found[3]} times")
         self.assertGreater(min(found.values()), 0)
 
 

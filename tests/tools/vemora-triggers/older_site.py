@@ -23,7 +23,11 @@ class Older_Site(Site):
     def lay_out(self, version):
         """Puts the database of a version where the tool looks for it."""
         self.kept = os.path.join(OLDER_SITES, version)
+        self.behind.drop()
         if ENGINE == "sqlite":
+            for suffix in ("-wal", "-shm"):
+                if os.path.exists(self.database + suffix):
+                    os.remove(self.database + suffix)
             shutil.copy(os.path.join(self.kept, "site.sqlite"), self.database)
             return
         made = self.content("site.postgresql.sql").decode("utf-8").replace("kept_site", self.behind.schema)

@@ -326,6 +326,13 @@ class KeptPlans(Planned):
         self.assertEqual(self.run_tool("refresh").status, DONE)
         self.carry_out()
 
+    def test_a_pass_that_was_taken_back_since_is_a_change(self):
+        self.apply(config(trigger(6)))
+        self.keep(config(trigger(7)))
+        self.apply(config(trigger(6), {**trigger(8), "sources": [object_source()]}))
+        self.apply(config(trigger(6)))
+        self.refused(self.CHANGED)
+
     def test_another_server_s_plan_is_refused(self):
         self.init({"servers": [{"id": 2, "name": "two"}]})
         outcome = self.run_tool("--server-id", "2", "plan", "--out", "kept.plan",
@@ -359,7 +366,7 @@ class KeptPlans(Planned):
             whole = file.read()
         for content, message in ((json.dumps(config()), "this is not a plan; plan --out writes one"),
                                  (whole.replace(b'trigger 7', b'trigger 8'), "the plan is damaged; make it again"),
-                                 (whole.replace(b'Plan":1', b'Plan":2'),
+                                 (whole.replace(b'Plan":2', b'Plan":1'),
                                   "this version cannot read the plan; make it again with this version")):
             self.write("kept.plan", content)
             rows = self.rows()

@@ -37,6 +37,10 @@ WRONG = {
                                                                  "detail, info, warning, error, fatal"),
     "an option without its value": (["refresh", "--database"], "--database: 1 required FILE missing"),
     "an empty database": (["--database", "", "refresh"], "--database: a path must not be empty"),
+    "no pass to go back to": (["rollback"], "PASS is required"),
+    "a pass that is no number": (["history", "last"], "PASS: last is not an unsigned 64-bit number"),
+    "no pass to compare": (["diff"], "A is required"),
+    "a pass too many": (["diff", "1", "2", "3"], "The following argument was not expected: 3"),
     "no file to back up to": (["backup"], "FILE is required"),
     "no backup to restore": (["restore"], "FILE is required"),
     "an empty path of a backup": (["restore", ""], "FILE: a path must not be empty"),
@@ -101,6 +105,9 @@ Commands:
   show                        Show what is stored
   explain                     Explain why a trigger is or is not active, and where it listens; writes nothing
   match                       Find the triggers that are told of an event, or of many; writes nothing
+  history                     List the passes that changed something, the newest first, or show one of them
+  diff                        Compare the documents of two passes, or of a pass and what is stored
+  rollback                    Apply the documents that were stored when an earlier pass was over
   backup                      Copy the site into one file
   restore                     Replace the site with that of a backup
 """
@@ -156,6 +163,28 @@ HELP_OF_COMMANDS["match"] = """\
 Find the triggers that are told of an event, or of many; writes nothing
 Usage: vemora-triggers match [OPTIONS]
 """
+HELP_OF_COMMANDS["history"] = """\
+List the passes that changed something, the newest first, or show one of them
+Usage: vemora-triggers history [OPTIONS] [PASS]
+
+Positionals:
+  PASS                        The number of one pass; default: list all
+"""
+HELP_OF_COMMANDS["diff"] = """\
+Compare the documents of two passes, or of a pass and what is stored
+Usage: vemora-triggers diff [OPTIONS] A [B]
+
+Positionals:
+  A   REQUIRED                The number of a pass, see history
+  B                           The number of another pass; default: the stored documents
+"""
+HELP_OF_COMMANDS["rollback"] = """\
+Apply the documents that were stored when an earlier pass was over
+Usage: vemora-triggers rollback [OPTIONS] PASS
+
+Positionals:
+  PASS   REQUIRED             The number of the pass, see history
+"""
 HELP_OF_COMMANDS["backup"] = """\
 Copy the site into one file
 Usage: vemora-triggers backup [OPTIONS] FILE
@@ -185,6 +214,10 @@ GUARD = """\
 than half of those stored
 """
 
+NOTE = """\
+  --note TEXT                 What the history says about the pass
+"""
+
 OWN_OPTIONS = {
     "init": """\
   --prune                     Remove what the inventory does not name, because it is the whole site
@@ -196,11 +229,13 @@ those stored
   --out PLAN                  Keep the plan in this file, for apply --plan; only its owner can read it
   --exit-code                 Exit with 5 if there is something to change
 """,
-    "apply": STRICTNESS + GUARD + """\
+    "apply": STRICTNESS + GUARD + NOTE + """\
   --plan PLAN                 Apply the documents of a plan, instead of CONFIG and MAPPING; refused if the site has \
 changed since
 """,
-    "refresh": STRICTNESS + GUARD,
+    "refresh": STRICTNESS + GUARD + NOTE,
+    "rollback": STRICTNESS + GUARD + NOTE,
+    "diff": "  --exit-code                 Exit with 5 if the documents differ in what they say\n",
     "show": """\
   --camera ID                 Only what belongs to this camera
   --trigger ID                Only what belongs to this trigger
@@ -224,8 +259,8 @@ STATUSES = """
 Exit status: 0 done; 1 done, but single triggers had errors; 2 a document was rejected and
 nothing changed; 3 the pass or the database failed, or the output could not be written;
 4 refused, because most of what is stored would be deleted or the site is not that of the
-plan, and nothing changed; 5 only with plan --exit-code: there is something to change;
-64 wrong usage.
+plan, and nothing changed; 5 only with --exit-code of plan and diff: there is something to
+change, or a difference; 64 wrong usage.
 """
 
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/vemora-triggers/invocation/diff_request.h"
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
 #include "tools/vemora-triggers/invocation/show_request.h"
@@ -36,6 +37,15 @@ struct Plan_Request {
 Exit_Status plan(const Options& options, const Plan_Request& request);
 
 Exit_Status refresh(const Options& options);
+
+/// The passes that changed something. Wrong usage if there was no such pass, or it is not kept.
+Exit_Status history(const Options& options);
+Exit_Status history_of_pass(const Options& options, std::uint64_t pass);
+Exit_Status diff(const Options& options, const Diff_Request& request);
+
+/// Applies the documents that were stored when a pass was over. Refused if they are not kept, wrong
+/// usage if there was no such pass.
+Exit_Status rollback(const Options& options, std::uint64_t pass);
 
 /// What can be shown.
 std::vector<std::string> things_to_show();

@@ -46,12 +46,17 @@ class Noted_Pass {
   const Trigger_Host& host_;
 };
 
-Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pass& run) {
+Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pass& run,
+                        const std::string& command) {
   const Progress_Line progress(doing);
   const auto database = embedded_server::Database::open(options.database);
   Trigger_Host host(database, options.server_id,
-                    {nullptr, nullptr, operations::warn_of_documents(database, options.server_id),
-                     options.strict, !options.allow_mass_deletion});
+                    {nullptr,
+                     nullptr,
+                     operations::warn_of_documents(database, options.server_id),
+                     options.strict,
+                     !options.allow_mass_deletion,
+                     {command, "", options.note}});
   const Noted_Pass noted(host);
   return run(host, database);
 }
@@ -59,8 +64,8 @@ Pass_Outcome outcome_of(const Options& options, const char* doing, const Run_Pas
 }  // namespace
 
 Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
-                     const Locate_Fault& locate) {
-  const Pass_Outcome outcome = outcome_of(options, doing, run);
+                     const Locate_Fault& locate, const std::string& command) {
+  const Pass_Outcome outcome = outcome_of(options, doing, run, command);
   std::optional<Located_Fault> rejection;
   if (outcome.rejection) {
     rejection = locate(*outcome.rejection);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "tools/vemora-triggers/invocation/exit_status.h"
 #include "tools/vemora-triggers/invocation/options.h"
@@ -15,8 +16,8 @@ using Run_Pass = std::function<embedded_server::Pass_Outcome(
 using Locate_Fault = std::function<Located_Fault(const embedded_server::Check_Fault&)>;
 
 /// Runs a pass on the database and prints its outcome. If this throws, stored_note() says what is
-/// stored.
+/// stored. `command` is what the history calls it, if that is not the name of the pass.
 Exit_Status run_pass(const Options& options, const char* doing, const Run_Pass& run,
-                     const Locate_Fault& locate);
+                     const Locate_Fault& locate, const std::string& command = "");
 
 }  // namespace kuv::vemora::tools

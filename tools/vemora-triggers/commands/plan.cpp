@@ -32,7 +32,7 @@ operations::Kept_Plan kept(const Options& options, const Trigger_Documents& docu
   return {options.server_id, documents.config().text(),
           documents.mapping() != nullptr ? std::make_optional(documents.mapping()->text())
                                          : std::nullopt,
-          plan.site_digest};
+          plan.site_digest, plan.last_pass};
 }
 
 Exit_Status status_of(const Plan& plan, bool tells_changes) {

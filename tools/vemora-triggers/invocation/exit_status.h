@@ -9,7 +9,8 @@ enum Exit_Status : int {
   exit_rejected = 2,        ///< a document was rejected and nothing changed
   exit_failed = 3,          ///< the pass or the database failed
   exit_refused = 4,         ///< refused, nothing changed: it would delete too much, for one
-  exit_to_change = 5,       ///< of a plan, where that is asked for: there is something to change
+  exit_to_change = 5,       ///< where that is asked for: a plan has something to change, or
+                            ///< documents differ
   exit_usage = 64,
 };
 

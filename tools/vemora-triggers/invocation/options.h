@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "vemora/embedded_server/documents/json_grammar.h"
@@ -13,6 +14,7 @@ struct Options {
   std::uint64_t server_id = 1;
   bool json = false;
   bool strict = false;               ///< warnings reject documents
+  std::optional<std::string> note;   ///< about a pass, for the history
   bool allow_mass_deletion = false;  ///< a pass may delete most of what is stored
   std::uint64_t max_values = embedded_server::default_most_values;  ///< of a document
 };

@@ -89,6 +89,16 @@ void tell_rejection(std::vector<Check_Fault>& faults, Pass_Outcome& outcome) {
   }
 }
 
+Pass_Ending ending_of(const Pass_Outcome& outcome) {
+  Pass_Ending ending;
+  ending.success = outcome.status == Status::done;
+  ending.errors.reserve(outcome.errors.size());
+  for (const Error& error : outcome.errors) {
+    ending.errors.push_back(error.message);
+  }
+  return ending;
+}
+
 /// Thrown to end a pass. Not derived from std::exception, because the manager would catch that.
 struct Rejected_For_Warnings {};
 
@@ -139,13 +149,23 @@ Trigger_Host::Trigger_Host(std::shared_ptr<Database> database, std::uint64_t ser
       resolver_(std::make_shared<Inventory_Meta_Type_Resolver>()),
       judge_(std::move(services.judge)),
       warnings_reject_(services.warnings_reject),
-      refuses_mass_deletion_(services.refuses_mass_deletion) {}
+      refuses_mass_deletion_(services.refuses_mass_deletion),
+      origin_(std::move(services.origin)) {}
+
+Pass_Origin Trigger_Host::origin_of(const char* command) const {
+  Pass_Origin origin = origin_;
+  if (origin.command.empty()) {
+    origin.command = command;
+  }
+  return origin;
+}
 
 Pass_Outcome Trigger_Host::apply(const Json_Document& config, const Json_Document* mapping,
                                  const Object_To_Pass& object) {
   const std::lock_guard<std::mutex> lock(mutex_);
   kept_ = Kept::nothing;
   Pass_Scope pass(database_, server_id_);
+  pass.record_as(origin_of("apply"));
   Kept_Note kept(kept_, pass);
   begin();
   const Given_Documents documents(config, mapping, pass);
@@ -255,6 +275,7 @@ Pass_Outcome Trigger_Host::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
   kept_ = Kept::nothing;
   Pass_Scope pass(database_, server_id_);
+  pass.record_as(origin_of("refresh"));
   Kept_Note kept(kept_, pass);
   begin();
   Pass_Outcome outcome;
@@ -378,7 +399,8 @@ void Trigger_Host::finish(Pass_Scope& pass, const Documents& accepted, Pass_Outc
     try {
       reconcile_leftovers(pass);
       outcome.reconciled = capture_manager_->reconciled();
-      pass.store(outcome.status == Status::done ? accepted : Documents(), outcome.reconciled);
+      pass.store(outcome.status == Status::done ? accepted : Documents(), outcome.reconciled,
+                 ending_of(outcome));
     } catch (const std::exception& error) {
       outcome.status = Status::failed;
       outcome.errors.push_back({Error::Category::failed_processing, error.what()});

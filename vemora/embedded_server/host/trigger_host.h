@@ -18,6 +18,7 @@
 #include "vemora/embedded_server/host/services.h"
 #include "vemora/embedded_server/persistent/changes.h"
 #include "vemora/embedded_server/persistent/database.h"
+#include "vemora/embedded_server/persistent/history_entry.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
 #include "vemora/platform/directive_config_processing.h"
 #include "vemora/platform/export.h"
@@ -75,6 +76,7 @@ struct Host_Services {
   Judge_Documents judge = {};
   bool warnings_reject = false;  ///< a document with a warning is rejected, and nothing changes
   bool refuses_mass_deletion = false;  ///< see is_mass_deletion()
+  Pass_Origin origin = {};  ///< for the history; without a command, passes are called by their kind
 };
 
 /// Runs passes on one database as a server would. It can be used from any thread; passes wait for
@@ -135,6 +137,7 @@ class VEMORA_API Trigger_Host {
                         const Plan_Observer& observer);
   void finish_plan(Pass_Scope& pass, Pass_Outcome& outcome);
   void finish(Pass_Scope& pass, const Documents& accepted, Pass_Outcome& outcome);
+  Pass_Origin origin_of(const char* command) const;
   void tell_refusal(Pass_Outcome& outcome);
   void end(Pass_Scope& pass, Pass_Outcome& outcome);
   void reconcile_leftovers(Pass_Scope& pass);
@@ -150,6 +153,7 @@ class VEMORA_API Trigger_Host {
   Judge_Documents judge_;
   bool warnings_reject_;
   bool refuses_mass_deletion_;
+  Pass_Origin origin_;
   std::atomic<Kept> kept_ = Kept::nothing;
   std::mutex mutex_;  ///< held from the first read of a pass until its documents are stored
 };

@@ -9,6 +9,7 @@
 #include "vemora/embedded_server/persistent/changes.h"
 #include "vemora/embedded_server/persistent/database.h"
 #include "vemora/embedded_server/persistent/deletions.h"
+#include "vemora/embedded_server/persistent/history_entry.h"
 #include "vemora/embedded_server/persistent/kept.h"
 #include "vemora/platform/export.h"
 
@@ -46,7 +47,8 @@ class VEMORA_API Pass_Scope {
   /// Waits for other processes' passes, for as long as the database was opened with, and begins.
   /// Throws Database_Error when the wait ends in vain, and when the database belongs to another
   /// server than `server_id`.
-  Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_id, Mode mode = Mode::commit);
+  Pass_Scope(const std::shared_ptr<Database>& database, std::uint64_t server_id,
+             Mode mode = Mode::commit);
 
   /// Rolls back what is not committed and lets other processes go on.
   ~Pass_Scope();
@@ -55,6 +57,10 @@ class VEMORA_API Pass_Scope {
 
   /// The accepted documents as they were when the pass began.
   const Documents& documents() const;
+
+  /// Who runs it, and why: for its entry in the history. Without it, the command is called "pass".
+  /// To be called before anything is written.
+  void record_as(Pass_Origin origin);
 
   /// `permit` is asked before the first commit, if that would delete anything. If it answers false,
   /// the pass is given up: nothing of it is ever written, and from then on it goes on as in the
@@ -87,9 +93,12 @@ class VEMORA_API Pass_Scope {
   /// nothing, those that would be pending. After end().
   std::set<std::uint64_t> pending_cameras();
 
-  /// Stores documents, where given, and strikes out cameras that were reconciled, in one
-  /// transaction of its own. After end().
-  void store(const Documents& accepted, const std::set<std::uint64_t>& reconciled);
+  /// Stores documents, where given, strikes out cameras that were reconciled, and finishes the
+  /// entry of the history, in one transaction of its own. Writes nothing if the pass has changed
+  /// nothing, all of this is stored already, and the errors are those of the pass before. After
+  /// end(). Without it, the entry of a pass that wrote something is that of one that was cut short.
+  void store(const Documents& accepted, const std::set<std::uint64_t>& reconciled,
+             const Pass_Ending& ending = {});
 
  private:
   class State;

@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "vemora/embedded_server/persistent/history.h"
 #include "vemora/embedded_server/persistent/site_digest.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/operations/plan/linked_changes.h"
@@ -190,6 +191,7 @@ Plan make_plan(const embedded_server::Trigger_Host& host, const std::shared_ptr<
   const auto look_before = [&] {
     if (digest == Site_Digest::wanted) {
       plan.site_digest = digest_of_site(database);
+      plan.last_pass = last_pass_in_history(database);
     }
     before.emplace(database);
   };

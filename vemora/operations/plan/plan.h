@@ -77,6 +77,8 @@ struct VEMORA_API Plan {
 
   /// Of the site that the plan is for; empty unless it was asked for.
   std::string site_digest;
+  /// The last pass in the site's history; 0 unless the digest was asked for.
+  std::uint64_t last_pass = 0;
 
   /// Whether the pass would leave everything as it is: no record, no document, no camera's stream.
   bool changes_nothing() const;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "vemora/embedded_server/documents/json_document.h"
+#include "vemora/embedded_server/persistent/history.h"
 #include "vemora/embedded_server/persistent/site_digest.h"
 #include "vemora/embedded_server/texts/sha256.h"
 
@@ -22,7 +23,7 @@ using embedded_server::Database;
 using embedded_server::Json_Document;
 
 constexpr std::string_view beginning = R"({"vemoraTriggersPlan":)";
-constexpr int current_version = 1;
+constexpr int current_version = 2;
 
 /// Two documents, each byte of which may be escaped.
 constexpr std::size_t largest_plan = 12 * embedded_server::largest_document;
@@ -47,8 +48,8 @@ std::string json_string(std::string_view bytes) {
 std::string seal_of(const Kept_Plan& plan) {
   embedded_server::SHA256 digest;
   const std::string mapping = plan.mapping.value_or("");
-  digest.add(fmt::format("{} {} {} {} {} ", current_version, plan.server_id, plan.config.size(),
-                         plan.mapping.has_value(), mapping.size()));
+  digest.add(fmt::format("{} {} {} {} {} {} ", current_version, plan.server_id, plan.last_pass,
+                         plan.config.size(), plan.mapping.has_value(), mapping.size()));
   for (const std::string& text : {plan.config, mapping, plan.site_digest}) {
     digest.add(text);
   }
@@ -57,8 +58,9 @@ std::string seal_of(const Kept_Plan& plan) {
 
 std::string text_of(const Kept_Plan& plan) {
   return fmt::format(
-      "{}{},\"serverId\":{},\"site\":\"{}\",\"seal\":\"{}\",\n\"mapping\":{},\n\"config\":{}}}\n",
-      beginning, current_version, plan.server_id, plan.site_digest, seal_of(plan),
+      "{}{},\"serverId\":{},\"lastPass\":{},\"site\":\"{}\",\"seal\":\"{}\",\n\"mapping\":{},"
+      "\n\"config\":{}}}\n",
+      beginning, current_version, plan.server_id, plan.last_pass, plan.site_digest, seal_of(plan),
       plan.mapping ? json_string(*plan.mapping) : "null", json_string(plan.config));
 }
 
@@ -156,6 +158,13 @@ std::string string_of(const Json::Value& value) {
   return value.asString();
 }
 
+std::uint64_t number_of(const Json::Value& value) {
+  if (!value.isUInt64()) {
+    fail_as_damaged();
+  }
+  return value.asUInt64();
+}
+
 void require_known_version(const Json::Value& version) {
   if (version.isNull()) {
     throw Plan_File_Error("this is not a plan; plan --out writes one");
@@ -169,10 +178,8 @@ Kept_Plan plan_in(const Json::Value& value) {
   require_known_version(value.isObject() ? value[std::string("vemoraTriggersPlan")]
                                          : Json::Value());
   Kept_Plan plan;
-  if (!value["serverId"].isUInt64()) {
-    fail_as_damaged();
-  }
-  plan.server_id = value["serverId"].asUInt64();
+  plan.server_id = number_of(value["serverId"]);
+  plan.last_pass = number_of(value["lastPass"]);
   plan.config = string_of(value["config"]);
   if (!value["mapping"].isNull()) {
     plan.mapping = string_of(value["mapping"]);
@@ -221,13 +228,14 @@ Kept_Plan Plan_File::read() const {
 embedded_server::Object_To_Pass require_site_of(const Kept_Plan& plan,
                                                 std::shared_ptr<Database> database,
                                                 std::uint64_t server_id) {
-  return [digest = plan.site_digest, planned_server = plan.server_id,
+  return [digest = plan.site_digest, planned_server = plan.server_id, last_pass = plan.last_pass,
           database = std::move(database), server_id]() -> std::optional<std::string> {
     if (planned_server != server_id) {
       return fmt::format("The plan is for server {}, not for server {}.", planned_server,
                          server_id);
     }
-    if (embedded_server::digest_of_site(database) != digest) {
+    if (embedded_server::last_pass_in_history(database) != last_pass ||
+        embedded_server::digest_of_site(database) != digest) {
       return "The site has changed since the plan was made. Make the plan again.";
     }
     return std::nullopt;

@@ -18,6 +18,7 @@ struct Kept_Plan {
   std::string config;                  ///< the text of the document, byte for byte
   std::optional<std::string> mapping;  ///< nothing: the stored one
   std::string site_digest;
+  std::uint64_t last_pass = 0;  ///< in the history of the site
 };
 
 /// A file that is no plan, is damaged, or cannot be read or written. The text is for people.
@@ -45,7 +46,8 @@ class VEMORA_API Plan_File {
   std::string path_;
 };
 
-/// Objects to a pass if the site of the database or the server is not that of the plan.
+/// Objects to a pass if the site of the database or the server is not that of the plan, or if
+/// another pass has changed something since, whatever it left.
 VEMORA_API embedded_server::Object_To_Pass require_site_of(
     const Kept_Plan& plan, std::shared_ptr<embedded_server::Database> database,
     std::uint64_t server_id);

@@ -53,7 +53,7 @@ class Row_Writer {
              rows::Camera_Capability, schedule, metadata_event_category, rows::Meta_Type, trigger,
              rows::Trigger_Source_Row, rows::Trigger_Schedule, rows::Subscription,
              rows::Subscription_Tag, rows::Subscription_Camera, rows::Subscription_Trigger,
-             rows::ETA_Camera, rows::ETA_Camera_Trigger, rows::Pending_Camera>;
+             rows::ETA_Camera, rows::ETA_Camera_Trigger, rows::Pending_Camera, rows::History_Entry>;
 
  protected:
   virtual void insert_all(const Batch& batch) = 0;

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
 #include <map>
+#include <new>
 #include <set>
 #include <string>
 #include <string_view>
@@ -14,6 +16,7 @@
 #include "vemora/embedded_server/persistent/engine/engine.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_files.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_statements.h"
+#include "vemora/embedded_server/texts/sha256.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
@@ -114,6 +117,45 @@ class Renaming_Leaves_References {
   sqlite3* handle_;
 };
 
+void answer_sha256(sqlite3_context* context, int, sqlite3_value** values) {
+  try {
+    const auto* const bytes = static_cast<const char*>(sqlite3_value_blob(values[0]));
+    const auto size = static_cast<std::size_t>(sqlite3_value_bytes(values[0]));
+    if (bytes == nullptr && size != 0) {
+      return sqlite3_result_error_nomem(context);
+    }
+    SHA256 digest;
+    digest.add({bytes, size});
+    const std::string text = digest.finish();
+    sqlite3_result_text(context, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+  } catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(context);
+  }
+}
+
+/// As long as it lives, statements can call the function sha256, which PostgreSQL has and SQLite
+/// lacks.
+class SHA256_Function {
+ public:
+  explicit SHA256_Function(sqlite3* handle) : handle_(handle) {
+    const int code = set(&answer_sha256);
+    if (code != SQLITE_OK) {
+      throw SQLite_Fault(code, sqlite3_errstr(code));
+    }
+  }
+  ~SHA256_Function() { set(nullptr); }
+  SHA256_Function(const SHA256_Function&) = delete;
+  SHA256_Function& operator=(const SHA256_Function&) = delete;
+
+ private:
+  int set(void (*answer)(sqlite3_context*, int, sqlite3_value**)) {
+    return sqlite3_create_function(handle_, "sha256", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                   nullptr, answer, nullptr, nullptr);
+  }
+
+  sqlite3* handle_;
+};
+
 void run_step(sqlite3* handle, const char* step) {
   constexpr std::string_view refusal = "CHECK constraint failed: ";
   try {
@@ -131,6 +173,7 @@ void run_step(sqlite3* handle, const char* step) {
 }  // namespace
 
 void make_tables_of_version(SQLite_Handle& empty, std::int32_t version) {
+  const SHA256_Function function(empty.get());
   for (std::int32_t step = 0; step < version; ++step) {
     empty.run(sqlite_schema[static_cast<std::size_t>(step)]);
   }
@@ -139,6 +182,7 @@ void make_tables_of_version(SQLite_Handle& empty, std::int32_t version) {
 void run_schema_steps(sqlite3* handle, std::int32_t present) {
   const Additions additions = additions_in(handle, present);
   const Renaming_Leaves_References guard(handle);
+  const SHA256_Function function(handle);
   for (auto step = static_cast<std::size_t>(present); step < sqlite_schema.size(); ++step) {
     run_step(handle, sqlite_schema[step]);
   }

@@ -178,6 +178,31 @@ struct Table<rows::Pending_Camera> {
   static constexpr auto others = std::make_tuple();
 };
 
+template <>
+struct Table<rows::History_Entry> {
+  using Row = rows::History_Entry;
+  static constexpr const char* name = "history_entry";
+  static constexpr auto keys = std::make_tuple(column("pass", &Row::pass));
+  static constexpr auto others = std::make_tuple(
+      column("at", &Row::at), column("author", &Row::author), column("command", &Row::command),
+      column("note", &Row::note), column("status", &Row::status),
+      column("error_count", &Row::error_count), column("errors", &Row::errors),
+      column("config", &Row::config), column("mapping", &Row::mapping),
+      column("triggers_created", &Row::triggers_created),
+      column("triggers_changed", &Row::triggers_changed),
+      column("triggers_deleted", &Row::triggers_deleted), column("reconciled", &Row::reconciled),
+      column("trigger_writes", &Row::trigger_writes),
+      column("trigger_deletions", &Row::trigger_deletions),
+      column("subscription_writes", &Row::subscription_writes),
+      column("subscription_deletions", &Row::subscription_deletions),
+      column("subscription_link_writes", &Row::subscription_link_writes),
+      column("subscription_link_deletions", &Row::subscription_link_deletions),
+      column("detection_writes", &Row::detection_writes),
+      column("detection_deletions", &Row::detection_deletions),
+      column("detection_link_writes", &Row::detection_link_writes),
+      column("detection_link_deletions", &Row::detection_link_deletions));
+};
+
 /// What stands in those columns of a row, a tuple.
 template <class Row, class Columns>
 auto values_of(const Row& row, const Columns& columns) {

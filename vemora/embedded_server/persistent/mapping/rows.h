@@ -182,6 +182,49 @@ struct Document {
   std::vector<char> text;
 };
 
+/// A pass that changed something, or ended with other errors than the one before. Texts are named
+/// by their digests; they may have been given up since.
+#pragma db object table("history_entry")
+struct History_Entry {
+#pragma db id
+  std::uint64_t pass = 0;
+  std::int64_t at = 0;  ///< seconds since 1970, UTC
+  std::optional<std::string> author;
+  std::string command;
+  std::optional<std::string> note;
+  std::int32_t status = 0;  ///< see History_Entry::Status
+  std::uint64_t error_count = 0;
+  std::optional<std::string> errors;
+  std::optional<std::string> config;
+  std::optional<std::string> mapping;
+  // Ids, see history/id_ranges.h.
+  std::string triggers_created;
+  std::string triggers_changed;
+  std::string triggers_deleted;
+  std::string reconciled;
+  // Records and links by kind.
+  std::uint64_t trigger_writes = 0;
+  std::uint64_t trigger_deletions = 0;
+  std::uint64_t subscription_writes = 0;
+  std::uint64_t subscription_deletions = 0;
+  std::uint64_t subscription_link_writes = 0;
+  std::uint64_t subscription_link_deletions = 0;
+  std::uint64_t detection_writes = 0;
+  std::uint64_t detection_deletions = 0;
+  std::uint64_t detection_link_writes = 0;
+  std::uint64_t detection_link_deletions = 0;
+};
+
+/// A text that entries of the history name, kept once.
+#pragma db object table("history_text")
+struct History_Text {
+#pragma db id
+  std::string digest;
+  std::uint64_t size = 0;
+#pragma db sqlite : type("BLOB") pgsql : type("BYTEA")
+  std::vector<char> text;
+};
+
 /// What the database is. One row.
 #pragma db object table("site")
 struct Site {

@@ -159,7 +159,7 @@ void Pass::commit_changes(const Site_Index::Net_Changes& net, Changes& changes) 
   bool begun = false;
   try {
     require_in_place();
-    write(net);
+    write(net, changes);
     begun = true;
     session_->commit(*transaction_);
   } catch (const std::exception& fault) {
@@ -221,7 +221,8 @@ void Pass::require_in_place() {
   }
 }
 
-void Pass::write(const Site_Index::Net_Changes& net) {
+/// `changes` are all of the pass.
+void Pass::write(const Site_Index::Net_Changes& net, const Changes& changes) {
   if (net.empty()) {
     return;
   }
@@ -230,6 +231,9 @@ void Pass::write(const Site_Index::Net_Changes& net) {
   site_.save_ids();
   if (server_id_) {
     claim_for(engine().odb(), *server_id_);
+  }
+  if (history_ != nullptr) {
+    history_->note(engine(), changes);
   }
 }
 

@@ -14,6 +14,7 @@
 #include "vemora/embedded_server/persistent/database.h"
 #include "vemora/embedded_server/persistent/engine/commit_not_known.h"
 #include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/history/pass_history.h"
 #include "vemora/embedded_server/persistent/index/site_index.h"
 #include "vemora/embedded_server/persistent/pass/pass_phase.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
@@ -84,6 +85,9 @@ class Pass {
   void ask_before_commit(Permit_Deletions permit) { permit_ = std::move(permit); }
   bool is_given_up() const noexcept { return given_up_; }
 
+  /// Records that are committed leave an entry there from now on. It outlives the pass.
+  void record_in(Pass_History& history) { history_ = &history; }
+
   /// The cameras that would be pending, had it been committed. Empty in a pass that commits.
   const std::set<std::uint64_t>& cameras_not_noted() const { return cameras_not_noted_; }
 
@@ -114,7 +118,7 @@ class Pass {
   void store_changes(Site_Index& site);
   void give_up_unless_permitted(const Site_Index::Net_Changes& net);
   void commit_changes(const Site_Index::Net_Changes& net, Changes& changes);
-  void write(const Site_Index::Net_Changes& net);
+  void write(const Site_Index::Net_Changes& net, const Changes& changes);
   void require_in_place();
   void commit_what_came_before_the_fault();
   void note_failed_commit(const std::exception& fault, bool begun, Changes& changes) noexcept;
@@ -142,6 +146,7 @@ class Pass {
   Permit_Deletions permit_;
   bool given_up_ = false;
   std::set<std::uint64_t> cameras_not_noted_;
+  Pass_History* history_ = nullptr;
 };
 
 }  // namespace kuv::vemora::embedded_server

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include "vemora/embedded_server/persistent/engine/engine.h"
+#include "vemora/embedded_server/persistent/history/last_entry.h"
+#include "vemora/embedded_server/persistent/history/pass_history.h"
 #include "vemora/embedded_server/persistent/pass/documents.h"
 #include "vemora/embedded_server/persistent/pass/pass.h"
 #include "vemora/embedded_server/persistent/pass/pending_cameras.h"
@@ -13,14 +15,31 @@ namespace kuv::vemora::embedded_server {
 /// What the scope keeps beside the pass itself.
 class Pass_Scope::State {
  public:
-  State(std::shared_ptr<Database> database, std::uint64_t id, Mode chosen)
+  State(const std::shared_ptr<Database>& database, std::uint64_t id, Mode chosen)
       : server_id(id),
-        pass(std::move(database),
+        site(database),
+        pass(database,
              chosen == Mode::read_only ? Pass::Purpose::single_read : Pass::Purpose::whole_pass,
-             chosen, id) {}
+             chosen, id) {
+    pass.record_in(history);
+  }
+
+  /// Who writes nothing needs no history.
+  void look_back() {
+    if (pass.commits_changes() && site->schema_version() >= first_version_with_history) {
+      history.look_back(pass.engine());
+    }
+  }
 
   /// Asked first, so that what is stored already keeps nobody out.
-  bool changes_by_storing(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
+  bool changes_by_storing(const Documents& accepted, const std::set<std::uint64_t>& reconciled,
+                          const Pass_Ending& ending) {
+    if (history.differs(ending)) {
+      return true;
+    }
+    if (!accepted.config && !accepted.mapping && reconciled.empty()) {
+      return false;
+    }
     bool changes = false;
     pass.run([&](Site_Index&) {
       changes = !are_stored(pass.odb(), accepted) || are_pending(pass.engine(), reconciled) ||
@@ -30,18 +49,28 @@ class Pass_Scope::State {
     return changes;
   }
 
+  /// Those that are stored when the accepted ones are.
+  Document_Digests digests_with(const Documents& accepted) const {
+    return {digest_of_text(accepted.config ? accepted.config : documents.config),
+            digest_of_text(accepted.mapping ? accepted.mapping : documents.mapping)};
+  }
+
   std::uint64_t server_id;
+  std::shared_ptr<Database> site;
+  Pass_History history;
   Pass pass;
   Documents documents;
   bool has_nothing_to_store = false;
   int commits_before_storing = -1;  ///< of the pass; negative as long as nothing is to be stored
 };
 
-Pass_Scope::Pass_Scope(std::shared_ptr<Database> database, std::uint64_t server_id, Mode mode)
-    : state_(std::make_unique<State>(std::move(database), server_id, mode)) {
+Pass_Scope::Pass_Scope(const std::shared_ptr<Database>& database, std::uint64_t server_id,
+                       Mode mode)
+    : state_(std::make_unique<State>(database, server_id, mode)) {
   state_->pass.run([this](Site_Index&) {
     require_owner(state_->pass.odb(), state_->server_id);
     state_->documents = load_documents(state_->pass.odb());
+    state_->look_back();
   });
 }
 
@@ -49,6 +78,10 @@ Pass_Scope::~Pass_Scope() = default;
 
 const Documents& Pass_Scope::documents() const {
   return state_->documents;
+}
+
+void Pass_Scope::record_as(Pass_Origin origin) {
+  state_->history.record_as(std::move(origin));
 }
 
 void Pass_Scope::ask_before_commit(Permit_Deletions permit) {
@@ -96,12 +129,12 @@ std::set<std::uint64_t> Pass_Scope::pending_cameras() {
   return ids;
 }
 
-void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled) {
-  const bool nothing = !accepted.config && !accepted.mapping && reconciled.empty();
+void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>& reconciled,
+                       const Pass_Ending& ending) {
   if (!state_->pass.commits_changes()) {
     return;
   }
-  if (nothing || !state_->changes_by_storing(accepted, reconciled)) {
+  if (!state_->changes_by_storing(accepted, reconciled, ending)) {
     state_->pass.confirm_place();
     state_->has_nothing_to_store = true;
     return;
@@ -111,6 +144,8 @@ void Pass_Scope::store(const Documents& accepted, const std::set<std::uint64_t>&
     store_documents(state_->pass.odb(), accepted);
     strike_out_pending(state_->pass.engine(), reconciled);
     claim_for(state_->pass.odb(), state_->server_id);
+    state_->history.finish(state_->pass.engine(), state_->pass.changes(), ending,
+                           state_->digests_with(accepted), reconciled);
   });
   state_->commits_before_storing = state_->pass.commits();
   try {
