@@ -1,7 +1,7 @@
 // Random histories with rollbacks: as long as cameras can report what they could, the records after
 // a rollback are those that a fresh site gets from the same documents.
 //
-//     HISTORY_CAMPAIGN=500   how many histories (default: 40 on each engine)
+//     HISTORY_CAMPAIGN=500   how many histories (default: 15 on each engine)
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -131,7 +131,7 @@ class Random_Histories : public testing::TestWithParam<Database_Engine> {
  protected:
   static std::uint64_t histories() {
     const char* const wanted = std::getenv("HISTORY_CAMPAIGN");
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 40;
+    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 15;
   }
 
   Log_Capture log;
