@@ -19,7 +19,6 @@ using embedded_server::printable;
 using operations::Changed_Field;
 using operations::Different_Trigger;
 using operations::Document_Difference;
-using operations::List_Difference;
 
 Json::Value to_json(const Json::Value* value) {
   return value != nullptr ? *value : Json::Value();
@@ -130,8 +129,10 @@ void print_fields(const std::vector<Changed_Field>& fields, const std::string& i
 
 void print_trigger(const Different_Trigger& different) {
   const char sign = different.before == nullptr ? '+' : different.after == nullptr ? '-' : '~';
-  const Json::Value& shown = different.after != nullptr ? *different.after : *different.before;
-  std::cout << fmt::format("{} trigger {} {}\n", sign, different.id, text_of(shown["name"]));
+  const Json::Value* const shown =
+      different.after != nullptr ? different.after : different.before;  // one of them is there
+  std::cout << fmt::format("{} trigger {} {}\n", sign, different.id,
+                           shown != nullptr ? text_of((*shown)["name"]) : "");
   print_fields(different.fields, "    ");
 }
 
