@@ -203,6 +203,7 @@ Pass_Outcome Trigger_Host::run_plan(const Json_Document& config, const Json_Docu
   const Given_Documents documents(config, mapping, pass);
   Pass_Outcome outcome;
   observer.before();
+  pass.forget_look();
   watch_deletions(pass, outcome);
   std::vector<Check_Fault> faults;
   update_config(pass, documents, faults, outcome);

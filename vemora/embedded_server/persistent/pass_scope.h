@@ -62,6 +62,10 @@ class VEMORA_API Pass_Scope {
   /// To be called before anything is written.
   void record_as(Pass_Origin origin);
 
+  /// To be called between a look at the site and the pass itself, so that changes() are those of a
+  /// pass before which nobody looked: a pass tidies up only the tables that it asks for.
+  void forget_look();
+
   /// `permit` is asked before the first commit, if that would delete anything. If it answers false,
   /// the pass is given up: nothing of it is ever written, and from then on it goes on as in the
   /// mode roll_back. In a mode that commits nothing, the answer does not matter.

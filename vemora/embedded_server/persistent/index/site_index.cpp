@@ -38,6 +38,7 @@ Schedule_Index& Site_Index::schedules() {
 }
 
 Trigger_Index& Site_Index::triggers() {
+  asked_.triggers = true;
   if (!triggers_) {
     triggers_ = std::make_unique<Trigger_Index>(database_, schedules());
   }
@@ -45,15 +46,19 @@ Trigger_Index& Site_Index::triggers() {
 }
 
 Subscription_Index& Site_Index::subscriptions() {
+  asked_.subscriptions = true;
+  Trigger_Index& triggers = this->triggers();
   if (!subscriptions_) {
-    subscriptions_ = std::make_unique<Subscription_Index>(database_, cameras(), triggers());
+    subscriptions_ = std::make_unique<Subscription_Index>(database_, cameras(), triggers);
   }
   return *subscriptions_;
 }
 
 ETA_Camera_Index& Site_Index::eta_cameras() {
+  asked_.eta_cameras = true;
+  Trigger_Index& triggers = this->triggers();
   if (!eta_cameras_) {
-    eta_cameras_ = std::make_unique<ETA_Camera_Index>(database_, cameras(), triggers());
+    eta_cameras_ = std::make_unique<ETA_Camera_Index>(database_, cameras(), triggers);
   }
   return *eta_cameras_;
 }
@@ -90,14 +95,14 @@ void Site_Index::delete_triggers(const std::set<std::uint64_t>& dead) {
 
 Site_Index::Net_Changes Site_Index::settle() {
   Net_Changes net;
-  if (triggers_) {
+  if (triggers_ && asked_.triggers) {
     net.triggers = triggers_->settle();
     net.strays = triggers_->take_strays();
   }
-  if (subscriptions_) {
+  if (subscriptions_ && asked_.subscriptions) {
     net.subscriptions = subscriptions_->settle();
   }
-  if (eta_cameras_) {
+  if (eta_cameras_ && asked_.eta_cameras) {
     net.eta_cameras = eta_cameras_->settle();
   }
   return net;

@@ -41,7 +41,19 @@ class Site_Index {
   /// Deletes triggers, and their links with them.
   void delete_triggers(const std::set<std::uint64_t>& dead);
 
-  /// What the pass changed, as far as anything was loaded at all.
+  /// To be called after a look at the site that is none of the pass: what was only looked at then
+  /// is not settled. A pass tidies up the tables that it asks for, and no others.
+  void forget_look() { asked_ = {}; }
+
+  /// Runs a look at the site that is none of the pass.
+  template <class Look>
+  void look(Look at_site) {
+    const Asked asked = asked_;
+    at_site();
+    asked_ = asked;
+  }
+
+  /// What the pass changed, as far as it asked for anything at all.
   struct Net_Changes {
     std::map<std::uint64_t, Trigger_Index::Change> triggers;
     Trigger_Index::Strays strays;
@@ -56,8 +68,15 @@ class Site_Index {
   void save_ids();
 
  private:
+  struct Asked {
+    bool triggers = false;
+    bool subscriptions = false;
+    bool eta_cameras = false;
+  };
+
   odb::database& database_;
   Capability_Guard capability_guard_;
+  Asked asked_;
   std::unique_ptr<Server_Index> servers_;
   std::optional<std::map<std::string, std::set<std::string>>> object_types_;
   std::unique_ptr<Camera_Index> cameras_;

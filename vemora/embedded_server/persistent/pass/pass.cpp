@@ -317,7 +317,7 @@ void Pass::throw_if_faulty() const {
 void Pass::verify_against_database() {
 #ifndef NDEBUG
   if (purpose_ == Purpose::whole_pass && commits_changes()) {
-    verify_index(*session_, engine().odb(), site_);
+    site_.look([this] { verify_index(*session_, engine().odb(), site_); });
   }
 #endif
 }

@@ -81,7 +81,8 @@ class Pass {
   /// To be called by each operation that writes.
   void note_write() noexcept { come_to(Pass_Event::write); }
 
-  /// See Pass_Scope.
+  // See Pass_Scope.
+  void forget_look() { site_.forget_look(); }
   void ask_before_commit(Permit_Deletions permit) { permit_ = std::move(permit); }
   bool is_given_up() const noexcept { return given_up_; }
 

@@ -84,6 +84,10 @@ void Pass_Scope::record_as(Pass_Origin origin) {
   state_->history.record_as(std::move(origin));
 }
 
+void Pass_Scope::forget_look() {
+  state_->pass.forget_look();
+}
+
 void Pass_Scope::ask_before_commit(Permit_Deletions permit) {
   state_->pass.ask_before_commit(std::move(permit));
 }
