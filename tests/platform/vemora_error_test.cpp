@@ -215,6 +215,36 @@ TEST(Error_Family, keeps_the_code_in_what_others_derive_from_it) {
   expect_code_and_text<Root>(error, 7, "text");
 }
 
+/// One that has its text elsewhere.
+struct Kind_Of_A_Server : Internal, std::exception {};
+
+template <class Error>
+constexpr bool is_assigned = std::is_copy_assignable_v<Error> || std::is_move_assignable_v<Error>;
+
+TEST(Error_Family, is_not_assigned_through_a_class_that_has_no_text) {
+  EXPECT_FALSE(is_assigned<Root>);
+  EXPECT_FALSE(is_assigned<Internal>);
+  EXPECT_FALSE(is_assigned<Backend>);
+  EXPECT_TRUE(std::is_copy_constructible_v<Root> && std::is_move_constructible_v<Root>);
+  EXPECT_TRUE(std::is_copy_constructible_v<Internal> && std::is_move_constructible_v<Internal>);
+  EXPECT_TRUE(std::is_copy_constructible_v<Backend> && std::is_move_constructible_v<Backend>);
+}
+
+template <class... Errors>
+constexpr bool are_all_assigned = ((std::is_copy_assignable_v<Errors> &&
+                                    std::is_move_assignable_v<Errors>)&&...);
+
+TEST(Error_Family, is_assigned_through_a_class_that_has_both) {
+  EXPECT_TRUE((are_all_assigned<Runtime_Root, Logic_Root, Internal_Runtime, Internal_Logic,
+                                Backend_Runtime, Error_Of_A_Server, Kind_Of_A_Server>));
+  Internal_Runtime error("old", 1);
+  Runtime_Root& through_its_class = error;
+  through_its_class = Runtime_Root("new", 2);
+
+  EXPECT_STREQ(error.what(), "new");
+  EXPECT_EQ(error.error_code, 2);
+}
+
 TEST(Error_Family, holds_code_zero_where_it_was_given_none) {
   EXPECT_EQ(Internal().error_code, 0);
   EXPECT_EQ(Backend().error_code, 0);

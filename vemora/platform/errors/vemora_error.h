@@ -16,7 +16,8 @@ namespace kuv::vemora {
 
 // An error does not change after its construction: nobody outside the family can set its code.
 // Only a whole error can be assigned to another one, text and code together, as with the standard
-// classes; a code that could not be assigned would part from its text there.
+// classes; a code that could not be assigned would part from its text there. The root and the two
+// kinds have no text, so nothing is assigned through them.
 
 template <class Standard>
 class Vemora_Error;
@@ -47,10 +48,12 @@ class VEMORA_API Vemora_Error<std::exception> {
 
   Vemora_Error() = default;
   Vemora_Error(const Vemora_Error&) = default;
-  Vemora_Error& operator=(const Vemora_Error&) = default;
   virtual ~Vemora_Error() = default;
 
   Code error_code;  ///< one of `error_codes`
+
+ protected:
+  Vemora_Error& operator=(const Vemora_Error&) = default;
 
  private:
   // The two that are constructed with a code. The class that is thrown constructs this root, and
@@ -84,7 +87,15 @@ template <class Standard>
 class Internal_Error;
 
 template <>
-class VEMORA_API Internal_Error<std::exception> : public virtual Vemora_Error<std::exception> {};
+class VEMORA_API Internal_Error<std::exception> : public virtual Vemora_Error<std::exception> {
+ public:
+  Internal_Error() = default;
+  Internal_Error(const Internal_Error&) = default;
+  ~Internal_Error() override = default;
+
+ protected:
+  Internal_Error& operator=(const Internal_Error&) = default;
+};
 
 template <>
 class VEMORA_API Internal_Error<std::runtime_error> : public Vemora_Error<std::runtime_error>,
@@ -105,7 +116,15 @@ template <class Standard>
 class Backend_Error;
 
 template <>
-class VEMORA_API Backend_Error<std::exception> : public virtual Vemora_Error<std::exception> {};
+class VEMORA_API Backend_Error<std::exception> : public virtual Vemora_Error<std::exception> {
+ public:
+  Backend_Error() = default;
+  Backend_Error(const Backend_Error&) = default;
+  ~Backend_Error() override = default;
+
+ protected:
+  Backend_Error& operator=(const Backend_Error&) = default;
+};
 
 template <>
 class VEMORA_API Backend_Error<std::runtime_error> : public Vemora_Error<std::runtime_error>,
