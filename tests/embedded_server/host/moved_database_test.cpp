@@ -1,10 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <future>
 
 #include "embedded_server/persistent/database_test.h"
+#include "embedded_server/persistent/watched_files.h"
 #include "support/log_capture.h"
 #include "vemora/embedded_server/host/trigger_host.h"
 #include "vemora/embedded_server/persistent/database_error.h"
@@ -88,8 +91,9 @@ class Moved_Databases : public testing::Test, public Database_Fixture {
     return texts;
   }
 
-  const std::string gone = "database " + location() +
-                           ": the file that was opened is not there any more: it was deleted, "
+  const std::string prefix = "database " + location() + ": ";
+  const std::string gone = prefix +
+                           "the file that was opened is not there any more: it was deleted, "
                            "moved or replaced";
   const std::string gone_after_commit = gone + "; what was committed went into that file";
   std::shared_ptr<Disturbing_Services> services = std::make_shared<Disturbing_Services>();
@@ -126,6 +130,59 @@ TEST_F(Moved_Databases, are_noticed_by_a_pass_that_changes_nothing) {
   remove();
 
   EXPECT_EQ(complaint_of([&] { pass.end(); }), gone + "; nothing that the pass wrote was kept");
+}
+
+TEST_F(Moved_Databases, keep_what_was_committed_before_and_nothing_else) {
+  Pass_Scope pass(database(), server_id);
+  const auto repository = make_repository(database());
+  ASSERT_TRUE(repository->triggers().add(a_trigger(7)));
+  repository->eta_cameras().delete_stale();
+  ASSERT_TRUE(repository->triggers().add(a_trigger(8)));
+  move();
+
+  EXPECT_EQ(complaint_of([&] { pass.end(); }),
+            gone_after_commit + "; nothing that the pass wrote after its last commit was kept");
+
+  EXPECT_EQ(moved_rows("SELECT id FROM trigger_record"), (Rows{{"7"}}));
+}
+
+TEST_F(Moved_Databases, lose_no_write_that_was_refused_after_the_commit) {
+  Pass_Scope pass(database(), server_id);
+  const auto repository = make_repository(database());
+  ASSERT_TRUE(repository->triggers().add(a_trigger(7)));
+  repository->eta_cameras().delete_stale();
+  move();
+  EXPECT_EQ(complaint_of([&] { pass.pending_cameras(); }), gone_after_commit);
+
+  EXPECT_EQ(complaint_of([&] { repository->triggers().add(a_trigger(8)); }), gone_after_commit);
+
+  EXPECT_EQ(complaint_of([&] { pass.end(); }), "none");
+  EXPECT_EQ(pass.kept(), Kept::records);
+  EXPECT_EQ(moved_rows("SELECT id FROM trigger_record"), (Rows{{"7"}}));
+}
+
+/// The pass fails, and waits for another program when it commits what it had done until then.
+TEST_F(Moved_Databases, are_told_with_a_commit_that_came_after_a_fault) {
+  foreign_program().execute("ALTER TABLE camera_tag RENAME TO elsewhere");
+  Watched_Files files;
+  const auto opened = open_again();
+  auto complaint = std::async(std::launch::async, [&] {
+    Pass_Scope pass(opened, server_id);
+    const auto repository = make_repository(opened);
+    EXPECT_TRUE(repository->triggers().add(a_trigger(7)));
+    EXPECT_THROW(repository->cameras().get_cameras_matching_tags({}), Database_Error);
+    foreign_program().execute("BEGIN IMMEDIATE");
+    return complaint_of([&] { pass.end(); });
+  });
+  while (complaint.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready &&
+         files.refusals() == 0) {
+  }
+  move();
+  foreign_program().execute("ROLLBACK");
+
+  EXPECT_EQ(complaint.get(),
+            prefix + "no such table: camera_tag; " + gone_after_commit.substr(prefix.size()));
+  EXPECT_EQ(moved_rows("SELECT id FROM trigger_record"), (Rows{{"7"}}));
 }
 
 TEST_F(Moved_Databases, are_noticed_by_single_operations) {

@@ -661,6 +661,20 @@ TEST_P(Passes, leave_single_operations_to_commit_themselves) {
   EXPECT_EQ(database()->owner(), std::nullopt);
 }
 
+TEST_P(Passes, leave_nothing_kept_of_a_single_operation_that_cannot_begin) {
+  database();
+  const auto impatient = open_again(std::chrono::milliseconds(0));
+  make_repository(impatient)->triggers().add(a_trigger(7));
+  EXPECT_EQ(impatient->kept(), Kept::everything);
+  const auto pass = a_pass();
+
+  std::thread([&impatient] {
+    EXPECT_THROW(make_repository(impatient)->triggers().add(a_trigger(8)), Database_Error);
+  }).join();
+
+  EXPECT_EQ(impatient->kept(), Kept::nothing);
+}
+
 TEST_P(Passes, see_an_inventory_that_is_stored_before_them_and_keep_what_is_not_named) {
   given_two_triggers_at_work();
   site.given_camera(10).named("renamed").with_tag("new");

@@ -47,6 +47,22 @@ TEST_F(SQLite_Commits, of_passes_are_not_known_as_long_as_the_log_cannot_be_cut)
   expect_the_next_pass_to_work();
 }
 
+TEST_F(SQLite_Commits, of_passes_that_come_after_others_leave_those_as_they_are) {
+  given_a_trigger_at_work();
+  Pass_Scope pass(database(), server_id);
+  const auto repository = make_repository(database());
+  work_on_camera(*repository, 9, 11);
+  ASSERT_TRUE(repository->triggers().add(a_trigger(10)));
+  files.fail_syncs();
+
+  EXPECT_EQ(complaint_of([&] { pass.end(); }),
+            prefixed("disk I/O error; it is not known whether what the pass wrote after its last "
+                     "commit was kept"));
+
+  EXPECT_EQ(foreign_program().count("trigger_record"), 2U);
+  EXPECT_EQ(count_after_death("trigger_record"), 3U);
+}
+
 TEST_F(SQLite_Commits, of_passes_are_known_to_be_lost_once_the_log_is_cut) {
   given_a_trigger_at_work();
   const auto before = stored();

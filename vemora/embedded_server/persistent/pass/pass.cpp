@@ -36,6 +36,9 @@ Pass::Pass(std::shared_ptr<Database> database, Purpose purpose, Pass_Scope::Mode
       mode_(mode),
       server_id_(server_id),
       site_(database_->engine().odb(), capability_guard(database_)) {
+  if (purpose_ == Purpose::single_write) {
+    database_->note_kept(Kept::nothing);  // also if it cannot begin
+  }
   if (open_pass != nullptr) {
     throw std::logic_error("a pass is open on this thread already");
   }
@@ -248,14 +251,18 @@ void Pass::end() {
   if (phase_ == Pass_Phase::faulty) {
     commit_what_came_before_the_fault();
   }
+  const bool is_late = commits_ > 0;  // what was committed before is kept
+  const std::string written = is_late ? "the pass wrote after its last commit" : "the pass wrote";
   if (phase_ == Pass_Phase::in_doubt) {
     throw Database_Error(
-        fmt::format("{}; {}", *fault_, fate_of("what the pass wrote", *commit_not_known_)));
+        fmt::format("{}; {}", *fault_, fate_of("what " + written, *commit_not_known_)));
+  }
+  if (phase_ == Pass_Phase::lost && lost_nothing_) {
+    throw Database_Error(
+        fmt::format("{}; there was nothing {}to be written", *fault_, is_late ? "more " : ""));
   }
   if (phase_ == Pass_Phase::lost) {
-    throw Database_Error(fmt::format("{}; {}", *fault_,
-                                     lost_nothing_ ? "there was nothing to be written"
-                                                   : "nothing that the pass wrote was kept"));
+    throw Database_Error(fmt::format("{}; nothing that {} was kept", *fault_, written));
   }
 }
 
