@@ -96,6 +96,77 @@ TEST_F(Warned_Documents, that_are_stored_are_judged_at_a_refresh_and_come_with_t
   EXPECT_TRUE(strict.rejected_for_warnings);
 }
 
+/// What comes of three triggers, one of them on a camera whose capabilities are damaged.
+struct Damaged_Site : Database_Fixture {
+  Damaged_Site() : Database_Fixture({"sqlite", [] { return std::make_unique<SQLite_Place>(); }}) {
+    site.given_server(server_id);
+    site.given_camera(10).with_topic("a").with_tag("area", "gate");
+    site.given_camera(11).with_topic("b").with_tag("area", "dock");
+    site.store_in(database());
+    foreign_program().execute(
+        "UPDATE capability_document SET text = '{' WHERE id = "
+        "(SELECT document_id FROM camera_capability WHERE camera_id = 10)");
+  }
+
+  static std::string trigger_on(int id, const std::string& area, const std::string& topic) {
+    return fmt::format(R"({{"id": {}, "name": "", "tags": {{"camera": {{"area": "{}"}}}},
+        "sources": [{{"type": "onvif-metadata", "onvifTopic": "{}"}}]}})",
+                       id, area, topic);
+  }
+
+  static Json_Document config() {
+    return Json_Document(R"({"triggers": [)" + trigger_on(7, "dock", "b") + "," +
+                         trigger_on(8, "gate", "a") + "," + trigger_on(9, "dock", "c") + "]}");
+  }
+
+  Pass_Outcome apply(const Judge_Documents& judge, bool warnings_reject = false) {
+    return Trigger_Host(database(), server_id, {nullptr, nullptr, judge, warnings_reject})
+        .apply(config(), nullptr);
+  }
+
+  Judge_Documents judge() { return operations::warn_of_documents(database(), server_id); }
+
+  std::vector<std::string> errors_of(const Pass_Outcome& outcome) const {
+    std::vector<std::string> texts;
+    for (const auto& error : outcome.errors) {
+      texts.push_back(error.message);
+      const auto place = texts.back().find(location());
+      if (place != std::string::npos) {
+        texts.back().replace(place, location().size(), "SITE");
+      }
+    }
+    return texts;
+  }
+};
+
+TEST_F(Warned_Documents, of_a_damaged_site_come_to_the_same_with_and_without_warnings) {
+  Damaged_Site plain;
+  Damaged_Site warned;
+
+  const Pass_Outcome without = plain.apply(nullptr);
+  const Pass_Outcome with = warned.apply(warned.judge());
+
+  EXPECT_EQ(plain.foreign_program().query("SELECT id FROM trigger_record"), (Rows{{"7"}, {"8"}}));
+  EXPECT_EQ(warned.foreign_program().everything(), plain.foreign_program().everything());
+  EXPECT_EQ(with.status, without.status);
+  EXPECT_THAT(warned.errors_of(without), testing::Not(IsEmpty()));
+  EXPECT_EQ(warned.errors_of(with), plain.errors_of(without));
+  EXPECT_EQ(with.remarks, without.remarks);
+}
+
+TEST_F(Warned_Documents, have_no_warning_of_what_a_damaged_site_does_not_say) {
+  Damaged_Site site;
+
+  EXPECT_THAT(site.apply(site.judge()).warnings, ElementsAre(has_code("topic-not-supported")));
+  std::vector<Document_Warning> warnings;
+  EXPECT_THAT(Trigger_Host(site.database(), site.server_id, {nullptr, nullptr, site.judge()})
+                  .check(Damaged_Site::config(), nullptr, warnings),
+              IsEmpty());
+  ASSERT_THAT(warnings, SizeIs(1));
+  EXPECT_EQ(warnings.front().fault.id, 9U);
+  EXPECT_EQ(site.apply(site.judge(), true).status, Status::rejected);
+}
+
 TEST_F(Warned_Documents, are_told_of_by_nobody_where_there_is_no_judge) {
   Trigger_Host plain(database(), server_id);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -26,5 +27,10 @@ VEMORA_API std::vector<std::shared_ptr<eta_camera>> read_eta_cameras(
 VEMORA_API std::vector<std::shared_ptr<camera>> read_cameras(
     const std::shared_ptr<Database>& database);
 VEMORA_API Documents read_documents(const std::shared_ptr<Database>& database);
+
+/// Whether the stored capabilities of a camera can be read. Whoever looks at them where they cannot
+/// fails the pass that is open; asking does not.
+VEMORA_API bool has_readable_capabilities(const std::shared_ptr<Database>& database,
+                                          std::uint64_t camera_id);
 
 }  // namespace kuv::vemora::embedded_server

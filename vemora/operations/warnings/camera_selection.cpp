@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/platform/records/supported_topics.h"
 
 namespace kuv::vemora::operations {
@@ -24,12 +25,6 @@ bool is_there_one(const Camera_List& cameras, Question question) {
     }
   }
   return false;
-}
-
-bool is_supported_by_one(const Camera_List& cameras, const std::string& topic) {
-  return std::any_of(cameras.begin(), cameras.end(), [&topic](const auto& record) {
-    return is_supported(supported_topics(*record), topic);
-  });
 }
 
 }  // namespace
@@ -56,11 +51,27 @@ bool Camera_Selections::is_subscribed(const Cameras& cameras, const std::string&
   });
 }
 
+/// A damaged text must not be looked at: the pass would fail over it here, before its first
+/// trigger.
+bool Camera_Selections::may_be_supported(const Cameras& cameras, const std::string& topic) {
+  return std::any_of(cameras.begin(), cameras.end(), [&](const auto& record) {
+    return !is_readable(*record) || is_supported(supported_topics(*record), topic);
+  });
+}
+
+bool Camera_Selections::is_readable(const camera& record) {
+  const auto [known, is_new] = readable_.try_emplace(record.id);
+  if (is_new) {
+    known->second = embedded_server::has_readable_capabilities(database_, record.id);
+  }
+  return known->second;
+}
+
 Camera_Selections::Topic Camera_Selections::judged(const Cameras& cameras,
                                                    const std::string& topic) {
   const bool is_heard = in_pass_
-                            ? is_subscribed(cameras, topic) || is_supported_by_one(cameras, topic)
-                            : is_supported_by_one(cameras, topic) || is_subscribed(cameras, topic);
+                            ? is_subscribed(cameras, topic) || may_be_supported(cameras, topic)
+                            : may_be_supported(cameras, topic) || is_subscribed(cameras, topic);
   return {is_heard, is_heard ? std::string() : nearest_topic(cameras, topic)};
 }
 

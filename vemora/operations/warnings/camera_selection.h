@@ -1,11 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
+#include "vemora/embedded_server/persistent/database.h"
 #include "vemora/operations/warnings/nearest_name.h"
 #include "vemora/platform/repositories/repository.h"
 
@@ -18,8 +22,9 @@ class Camera_Selections {
 
   /// In a pass, what is subscribed is looked at before what cameras support; else the other way
   /// round. Either is enough, and either may have to be read first.
-  Camera_Selections(Repository& repository, bool in_pass)
-      : repository_(repository), in_pass_(in_pass) {}
+  Camera_Selections(std::shared_ptr<embedded_server::Database> database, Repository& repository,
+                    bool in_pass)
+      : database_(std::move(database)), repository_(repository), in_pass_(in_pass) {}
 
   /// The selection of a filter; without terms, all cameras.
   class Selection;
@@ -29,8 +34,8 @@ class Camera_Selections {
   using Cameras = Camera_Repository::Camera_List;
 
   struct Topic {
-    bool is_heard;
-    std::string nearest;  ///< one that is supported, where this one is not
+    bool is_heard;        ///< or may be
+    std::string nearest;  ///< one that is supported, where this one is not heard
   };
 
   /// What is known of the cameras of one filter. The cameras themselves are not kept: thousands of
@@ -44,14 +49,18 @@ class Camera_Selections {
 
   const Cameras& cameras_of(const Terms& terms);
   bool is_subscribed(const Cameras& cameras, const std::string& topic);
+  bool may_be_supported(const Cameras& cameras, const std::string& topic);
+  bool is_readable(const camera& record);
   Topic judged(const Cameras& cameras, const std::string& topic);
   std::string nearest_topic(const Cameras& cameras, const std::string& topic);
 
+  std::shared_ptr<embedded_server::Database> database_;
   Repository& repository_;
   bool in_pass_;
   std::map<Terms, Known> known_;
   std::optional<Terms> last_terms_;
   Cameras last_cameras_;
+  std::map<std::uint64_t, bool> readable_;  ///< the capabilities of a camera
   Comparison_Budget budget_;
 };
 
@@ -63,8 +72,9 @@ class Camera_Selections::Selection {
   bool detects_objects();
   bool detects_motion();
 
-  /// Supports the topic, or has a subscription to it already.
-  bool hears(const std::string& topic) { return judged(topic).is_heard; }
+  /// Supports the topic, or has a subscription to it already. True as well if that is not known,
+  /// because the capabilities of a camera cannot be read.
+  bool may_hear(const std::string& topic) { return judged(topic).is_heard; }
 
   /// A topic that one of them supports and that is like this one, which none hears; may be empty.
   const std::string& nearest_topic(const std::string& topic) { return judged(topic).nearest; }

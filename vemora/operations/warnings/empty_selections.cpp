@@ -43,8 +43,9 @@ const char* which(const Trigger_Config& config) {
 
 class Selection_Judge {
  public:
-  Selection_Judge(Repository& repository, bool in_pass, Found_Warnings& found)
-      : selections_(repository, in_pass),
+  Selection_Judge(const std::shared_ptr<embedded_server::Database>& database,
+                  Repository& repository, bool in_pass, Found_Warnings& found)
+      : selections_(database, repository, in_pass),
         subscriptions_(repository),
         found_(found),
         letters_(std::use_facet<std::ctype<char>>(locale_)) {}
@@ -74,10 +75,10 @@ class Selection_Judge {
   void judge_sources(const Judged_Trigger& trigger, Camera_Selections::Selection& cameras) {
     std::set<std::string> unheard;
     std::set<Trigger_Source_Type> undetected;
-    // A pass reads no capabilities for an inactive trigger, and must not fail over damaged ones.
+    // A pass reads no capabilities for an inactive trigger, and neither do its warnings.
     const bool asks_for_topics = is_active(*trigger.config);
     for (const Trigger_Source& source : trigger.config->sources) {
-      if (source.onvif_topic && asks_for_topics && !cameras.hears(*source.onvif_topic)) {
+      if (source.onvif_topic && asks_for_topics && !cameras.may_hear(*source.onvif_topic)) {
         unheard.insert(*source.onvif_topic);
       } else if ((source.type == Trigger_Source_Type::object_detection &&
                   !cameras.detects_objects()) ||
@@ -128,9 +129,10 @@ class Selection_Judge {
 }  // namespace
 
 void warn_of_empty_selections(const embedded_server::Read_Documents& documents,
+                              const std::shared_ptr<embedded_server::Database>& database,
                               Repository& repository, const std::vector<Judged_Trigger>& triggers,
                               Found_Warnings& found) {
-  Selection_Judge judge(repository, documents.in_pass, found);
+  Selection_Judge judge(database, repository, documents.in_pass, found);
   for (const Judged_Trigger& trigger : triggers) {
     if (trigger.is_ours && trigger.config != nullptr) {
       judge.judge(trigger);

@@ -52,7 +52,7 @@ class Warner {
     Schedule_Look_Up schedules(*repository_);
     warn_of_unusable_schedules(schedules, triggers, found);
     warn_of_mapping(documents, schedules, triggers, found);
-    warn_of_empty_selections(documents, *repository_, triggers, found);
+    warn_of_empty_selections(documents, database_, *repository_, triggers, found);
   }
 
   std::shared_ptr<Database> database_;

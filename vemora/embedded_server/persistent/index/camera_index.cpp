@@ -7,9 +7,9 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-Camera_Index::Camera_List load_cameras(odb::database& database, Capability_Guard guard) {
+Camera_Index::Camera_List load_cameras(odb::database& database,
+                                       const std::shared_ptr<Capability_Store>& capabilities) {
   Camera_Index::Camera_List cameras;
-  const auto capabilities = std::make_shared<Capability_Store>(database, std::move(guard));
   for_each_row<camera>(database, "id", [&](const camera& row) {
     auto record = std::make_shared<camera>(row);
     record->capabilities =
@@ -33,7 +33,9 @@ Camera_Index::Camera_Index(Camera_List cameras) : cameras_(std::move(cameras)) {
 }
 
 Camera_Index Camera_Index::load(odb::database& database, Capability_Guard guard) {
-  Camera_Index index(load_cameras(database, std::move(guard)));
+  const auto capabilities = std::make_shared<Capability_Store>(database, std::move(guard));
+  Camera_Index index(load_cameras(database, capabilities));
+  index.capabilities_ = capabilities;
   index.load_tags(database);
   return index;
 }
@@ -51,6 +53,10 @@ void Camera_Index::load_tags(odb::database& database) {
 std::shared_ptr<camera> Camera_Index::find(std::uint64_t id) const {
   const auto found = positions_.find(id);
   return found == positions_.end() ? nullptr : cameras_[found->second];
+}
+
+bool Camera_Index::has_readable_capabilities(std::uint64_t id) const {
+  return !capabilities_ || capabilities_->is_readable(id);
 }
 
 Camera_Index::Camera_List Camera_Index::matching(

@@ -37,6 +37,9 @@ class Camera_Index {
   /// Null when there is none.
   std::shared_ptr<camera> find(std::uint64_t id) const;
 
+  /// Whether the capabilities of a camera can be read; see Capability_Store.
+  bool has_readable_capabilities(std::uint64_t id) const;
+
   /// Those that Tag_Filter::matches_any says yes to.
   Camera_List matching(const std::set<ODB_Utils::Tag_Search_Term>& terms) const;
 
@@ -59,6 +62,7 @@ class Camera_Index {
   void load_tags(odb::database& database);
 
   Camera_List cameras_;
+  std::shared_ptr<Capability_Store> capabilities_;  ///< null for cameras that were not loaded
   std::unordered_map<std::uint64_t, std::size_t, Id_Hash> positions_;  ///< in cameras_
   Tag_Postings<std::size_t> tags_;                                     ///< of such positions
 };

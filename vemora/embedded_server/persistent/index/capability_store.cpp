@@ -39,25 +39,44 @@ std::shared_ptr<const Capability_Store::Tree> Capability_Store::tree(std::uint64
     // Taken behind what the guard waits for, so that nobody holds it while waiting for the
     // database.
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (!loaded_) {
-      load();
+    if (Document* const document = find(camera_id)) {
+      parse_once(camera_id, *document);
+      found = document->tree;
     }
-    found = find(camera_id);
   });
   return found;
 }
 
-std::shared_ptr<const Capability_Store::Tree> Capability_Store::find(std::uint64_t camera_id) {
+bool Capability_Store::is_readable(std::uint64_t camera_id) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Document* const document = find(camera_id);
+  if (document == nullptr) {
+    return true;
+  }
+  if (!document->is_damaged) {
+    try {
+      parse_once(camera_id, *document);
+    } catch (const Database_Error&) {
+      document->is_damaged = true;
+    }
+  }
+  return !document->is_damaged;
+}
+
+Capability_Store::Document* Capability_Store::find(std::uint64_t camera_id) {
+  if (!loaded_) {
+    load();
+  }
   const auto document_id = document_ids_.find(camera_id);
   const auto document =
       document_id == document_ids_.end() ? documents_.end() : documents_.find(document_id->second);
-  if (document == documents_.end()) {
-    return nullptr;
+  return document == documents_.end() ? nullptr : &document->second;
+}
+
+void Capability_Store::parse_once(std::uint64_t camera_id, Document& document) {
+  if (!document.tree) {
+    document.tree = parse(camera_id, document.text);
   }
-  if (!document->second.tree) {
-    document->second.tree = parse(camera_id, document->second.text);
-  }
-  return document->second.tree;
 }
 
 void Capability_Store::load() {

@@ -37,14 +37,20 @@ class Capability_Store {
   /// is no JSON.
   std::shared_ptr<const Tree> tree(std::uint64_t camera_id);
 
+  /// Whether tree() answers. A damaged text is no fault of the pass before tree() is called. To be
+  /// called with a transaction at hand.
+  bool is_readable(std::uint64_t camera_id);
+
  private:
   struct Document {
     std::string text;
     std::shared_ptr<const Tree> tree;
+    bool is_damaged = false;  ///< as far as it is known
   };
 
   void load();
-  std::shared_ptr<const Tree> find(std::uint64_t camera_id);
+  Document* find(std::uint64_t camera_id);  ///< null when the camera says nothing
+  static void parse_once(std::uint64_t camera_id, Document& document);
 
   odb::database& database_;
   Capability_Guard guard_;

@@ -27,4 +27,10 @@ Documents read_documents(const std::shared_ptr<Database>& database) {
   return read(database, [&](Site_Index&) { return load_documents(database->engine().odb()); });
 }
 
+bool has_readable_capabilities(const std::shared_ptr<Database>& database, std::uint64_t camera_id) {
+  return read(database, [camera_id](Site_Index& site) {
+    return site.cameras().has_readable_capabilities(camera_id);
+  });
+}
+
 }  // namespace kuv::vemora::embedded_server
