@@ -1,5 +1,6 @@
 """What an operator surely did not mean, though the document is valid."""
 
+import re
 import unittest
 
 from tool_site import (CROSSED, DONE, REJECTED, TRIGGER_ERRORS, Site, config, mapping, object_source, on_postgresql, on_sqlite,
@@ -14,6 +15,15 @@ DOCUMENT = b"""{"triggers": [
     {"type": "object-detection", "searchItem": {"type": "v\xe9lo"}}]}
 ]}
 """
+# Every place of a trigger that takes any text, marked.
+MARKED = """{"note": "marker 0", "triggers": [{"id": 7, "name": "marker 1", "note": "marker 2",
+  "tags": {"server": {"site": ["north", "marker 3"], "marker 4": null},
+           "camera": {"area": ["gate", "marker 5"], "marker 6": null}, "eventSubscription": {"marker 7": "marker 8"}},
+  "sources": [{"type": "onvif-metadata", "onvifTopic": "marker 9"},
+              {"type": "object-detection", "searchItem": {"type": "marker 10"}},
+              {"type": "metadata-event", "note": "marker 11"}, {"type": "marker 12"}]}]}
+"""
+MARKERS = re.findall("marker [0-9]+", MARKED)
 LATIN_1 = "cannot be stored in this database: it has bytes that are no UTF-8."
 ZERO = "cannot be stored in this database: it has a zero byte (\\u0000)."
 
@@ -81,6 +91,27 @@ class Texts_That_Cannot_Be_Stored(Site):
         elsewhere = DOCUMENT.replace(b'"tags": {}', b'"tags": {"server": {"site": "south"}}')
         outcome = self.run_tool("--json", "apply", self.write("elsewhere.json", elsewhere))
         self.assertEqual((outcome.status, outcome.json["errors"], outcome.json["warnings"]), (DONE, [], []))
+
+    @on_postgresql
+    def test_they_are_the_texts_of_triggers_that_tables_hold(self):
+        self.apply_text(MARKED)
+        stored = self.text_cells() & set(MARKERS)
+        self.assertGreater(len(stored), 2)
+        for text in MARKERS:
+            with self.subTest(text):
+                given = self.write("marked.json", MARKED.replace(f'"{text}"', f'"{text}\\u0000"'))
+                outcome = self.run_tool("--json", "check", given)
+                self.assertEqual((outcome.status, outcome.json["errors"]), (DONE, []))
+                warned = [told["code"] for told in outcome.json["warnings"] if told["code"] == "not-storable"]
+                self.assertEqual(warned, ["not-storable"] if text in stored else [])
+
+    def apply_text(self, text):
+        self.assertEqual(self.run_tool("apply", self.write("marked.json", text)).status, DONE)
+
+    def text_cells(self):
+        columns = self.sql("SELECT table_name, column_name FROM information_schema.columns "
+                           "WHERE table_schema = current_schema() AND data_type = 'text'")
+        return {cell for table, column in columns for (cell,) in self.sql(f"SELECT {column} FROM {table}")}
 
     @on_sqlite
     def test_sqlite_stores_them_and_those_that_are_no_utf8_are_told_as_that(self):

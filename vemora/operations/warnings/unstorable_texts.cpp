@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "vemora/embedded_server/persistent/inventory.h"
+#include "vemora/embedded_server/persistent/stored_texts.h"
 
 namespace kuv::vemora::operations {
 namespace {
@@ -21,7 +22,11 @@ class Stored_Texts {
     for (std::size_t place = 0; place < triggers.size(); ++place) {
       const Trigger_Config* const config = triggers[place].config;
       if (config != nullptr && is_active(*config)) {
-        add(place, *config);
+        embedded_server::for_each_stored_text(config->name, config->sources,
+                                              [&](const std::string& text) {
+                                                texts_.push_back(text);
+                                                places_.push_back(place);
+                                              });
       }
     }
   }
@@ -36,23 +41,6 @@ class Stored_Texts {
   }
 
  private:
-  void add(std::size_t place, const Trigger_Config& config) {
-    add(place, config.name);
-    for (const Trigger_Source& source : config.sources) {
-      if (source.onvif_topic) {
-        add(place, *source.onvif_topic);
-      }
-      if (source.search_item) {
-        add(place, source.search_item->object_type);
-      }
-    }
-  }
-
-  void add(std::size_t place, std::string_view text) {
-    texts_.push_back(text);
-    places_.push_back(place);
-  }
-
   std::vector<std::string_view> texts_;
   std::vector<std::size_t> places_;
 };

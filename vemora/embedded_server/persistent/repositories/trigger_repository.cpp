@@ -4,18 +4,17 @@
 
 #include "vemora/embedded_server/persistent/pass/join_pass.h"
 #include "vemora/embedded_server/persistent/repositories/sub_repositories.h"
+#include "vemora/embedded_server/persistent/stored_texts.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
 /// Whether the engine takes every text of the record.
 bool fits(Engine& engine, const trigger& record) {
-  const auto source_fits = [&engine](const Trigger_Source& source) {
-    const std::string topic = source.onvif_topic.value_or("");
-    return engine.can_hold({topic, source.search_item ? source.search_item->object_type : ""});
-  };
-  return engine.can_hold({record.name}) &&
-         std::all_of(record.sources.begin(), record.sources.end(), source_fits);
+  bool fits = true;
+  for_each_stored_text(record.name, record.sources,
+                       [&](const std::string& text) { fits = fits && engine.can_hold({text}); });
+  return fits;
 }
 
 bool schedules_are_stored(Site_Index& site, const trigger& record) {
