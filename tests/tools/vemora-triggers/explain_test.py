@@ -116,6 +116,24 @@ class One_Trigger(Explained):
         self.assertEqual([codes_only(self.explain(number))["reasons"] for number in (7, 8, 9)],
                          [["camera-filter"], ["no-usable-source"], ["no-motion-detection", "topic-not-supported"]])
 
+    def test_each_source_that_a_detecting_camera_does_not_serve_has_its_reason(self):
+        self.init({"cameras": [camera(12, motionDetection=True)]})
+        self.apply(config(trigger(7, object_source("person"), {"type": "motion-detection"})))
+        self.assertEqual([(one["id"], one["detected"], one["objects"], one["reasons"])
+                          for one in self.explain(7)["cameras"]], [
+            (10, True, ["person"], []),
+            (11, True, ["person"], [{"code": "no-motion-detection",
+                                     "text": "Camera 11 takes no part in motion detection."}]),
+            (12, True, ["person"], [{"code": "no-object-detection",
+                                     "text": "Camera 12 takes no part in object detection."}])])
+        self.assertEqual(self.explain(7)["reasons"], [])
+        self.assertEqual(self.run_tool("explain", "7", "--camera", "12").text, """\
+Trigger 7 "trigger 7" is active.
+
+CAMERA  NAME       LISTENS TO  ANSWER
+12      camera 12  person      detected, but: Camera 12 takes no part in object detection.
+""")
+
     def test_no_subscription_fits_only_where_none_does(self):
         door = {"name": "door", "categoryId": 1}
         self.init({"subscriptions": [{"id": 3, **door, "tags": {}}, {"id": 4, **door, "tags": {"door": "back"}}]})

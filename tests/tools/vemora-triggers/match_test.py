@@ -78,6 +78,22 @@ class One_Event(Matched):
         heard = self.match("--subscription", 3)
         self.assertEqual((heard["triggers"], [one["id"] for one in heard["nearMisses"]]), ([8], [9]))
 
+    def test_an_event_that_the_camera_does_not_report_is_told_as_the_records_say(self):
+        self.init({"cameras": [camera(12, motionDetection=True)]})
+        state = self.apply(config(trigger(7, object_source("person"), {"type": "motion-detection"}),
+                                  trigger(8, object_source("person"))))["state"]
+        self.assertEqual([list(state["searchItemsByTrigger"][number]) for number in ("7", "8")],
+                         [["10", "11", "12"], ["10", "11"]])
+        matched = self.match("--camera", 12, "--object", "person")
+        self.assertEqual((matched["triggers"], [one["id"] for one in matched["nearMisses"]]), ([7], [8]))
+        self.assertEqual(matched["nearMisses"][0]["reasons"],
+                         [{"code": "no-object-detection", "text": "Camera 12 takes no part in object detection."}])
+        self.assertIn("\nThey would be, but: Camera 12 takes no part in object detection.\n",
+                      self.run_tool("match", "--camera", "12", "--object", "person").text)
+        self.assertIn("\nThey would be, but: Camera 11 takes no part in motion detection.\n",
+                      self.run_tool("match", "--camera", "11", "--motion").text)
+        self.assertNotIn("They would be", self.run_tool("match", "--camera", "10", "--object", "person").text)
+
     def test_an_inactive_trigger_is_a_near_miss(self):
         self.apply(config(trigger(7, scheduleIds=[2])))
         self.assertEqual([reason["code"] for reason in

@@ -186,7 +186,7 @@ class Model:
         topics = set(trigger.topics) if selected else set()
         topics |= {topic for (number, topic), ids in self.stored.topics.items()
                    if number == camera_id and trigger_id in ids}
-        if selected and not (stored and would_be):
+        if selected:  # one source may be served there, and another one not
             camera = self.cameras[camera_id]
             if "object-detection" in trigger.kinds and not camera.get("objectDetection", False):
                 reasons = [*reasons, "no-object-detection"]

@@ -167,8 +167,9 @@ class Page {
            answer(topic.subscribed, "subscribed", "not subscribed", briefly(topic.reasons))});
     }
     if (camera.detected || (camera.selected && !reasons.empty())) {
+      const char* const detected = reasons.empty() ? "detected" : "detected, but";
       listening_.push_back({id, name, listed(camera.objects),
-                            answer(camera.detected, "detected", "not detected", reasons)});
+                            answer(camera.detected, detected, "not detected", reasons)});
     } else if (camera.selected && listening_.size() == rows_before) {
       listening_.push_back({id, name, "-", "selected"});
     } else if (!camera.selected && !reasons.empty()) {

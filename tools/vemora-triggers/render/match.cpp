@@ -90,6 +90,9 @@ void print_for_people(const Match& match) {
     std::cout << "No trigger is told of it.\n";
   } else {
     print_table({"TOLD", "NAME"}, rows);
+    if (match.unexpected) {
+      std::cout << "They would be, but: " << printable(match.unexpected->text) << '\n';
+    }
   }
   rows.clear();
   for (const Match::Near_Miss& near_miss : match.near_misses) {

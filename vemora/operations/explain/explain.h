@@ -33,7 +33,7 @@ struct Explanation {
     std::uint64_t id = 0;
     std::optional<std::string> name;  ///< nothing where records name a camera that is gone
     bool selected = false;            ///< by the trigger's camera filter
-    Reasons reasons;                  ///< why it is not selected, or not detected
+    Reasons reasons;                  ///< why it is not selected, or what is not detected there
     std::vector<Topic> topics;
     bool detected = false;             ///< objects or motion are detected there for the trigger
     std::vector<std::string> objects;  ///< the types that are searched for there

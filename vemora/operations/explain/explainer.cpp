@@ -259,10 +259,9 @@ void Explainer::explain_detection(Explanation::Camera& camera) const {
     }
   }
   const bool would_be = is_detected(site_.refreshed(), id_, camera.id);
+  // Also where something is detected: one source may be served there, and another one not.
   const Reasons against = rules_against_detection(camera);
-  if (!camera.detected || !would_be) {
-    camera.reasons.insert(camera.reasons.end(), against.begin(), against.end());
-  }
+  camera.reasons.insert(camera.reasons.end(), against.begin(), against.end());
   add_change(camera.detected, would_be, "A refresh would detect for it here.",
              "A refresh would end the detection.", {}, camera.reasons);
 }

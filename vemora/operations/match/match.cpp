@@ -30,6 +30,7 @@ Match match(const std::shared_ptr<embedded_server::Database>& database, std::uin
         {id, record == site.stored().triggers.end() ? std::string() : record->second.name});
   }
   match.near_misses = near_misses(site, event, told);
+  match.unexpected = reason_not_to_expect(site, event);
   return match;
 }
 

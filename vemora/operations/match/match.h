@@ -32,6 +32,9 @@ struct Match {
   bool is_known = false;  ///< the site, or a record, has the camera or generic subscription
   std::vector<Trigger> triggers;
   std::vector<Near_Miss> near_misses;
+  /// Why the camera reports no such events, though records say who would be told; nothing where it
+  /// may report them.
+  std::optional<Reason> unexpected;
 };
 
 /// Reads one state of the site; writes nothing and waits for nobody. Throws Database_Error.

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "vemora/operations/explain/camera_reasons.h"
 #include "vemora/operations/explain/explainer.h"
+#include "vemora/operations/explain/trigger_reasons.h"
 #include "vemora/operations/site/tag_texts.h"
 #include "vemora/operations/warnings/found_warnings.h"
 #include "vemora/trigger_manager/search_items.h"
@@ -62,6 +64,21 @@ bool asks_for(const Site_View& site, const Trigger_Config& config, const Event& 
 
 }  // namespace
 
+std::optional<Reason> reason_not_to_expect(const Site_View& site, const Event& event) {
+  const auto found = site.cameras().find(event.place);
+  if (event.kind == Event::Kind::subscription || found == site.cameras().end()) {
+    return std::nullopt;
+  }
+  const camera& record = *found->second;
+  if (event.kind == Event::Kind::object && !record.object_detection) {
+    return reason_of_no_object_detection(record.id);
+  }
+  if (event.kind == Event::Kind::motion && !record.motion_detection) {
+    return reason_of_no_motion_detection(record.id);
+  }
+  return std::nullopt;
+}
+
 Reasons Why_Not::told_of(const Event& event) const {
   if (holds(after_refresh_.told_of(event), id_)) {
     return {{"not-refreshed", "A refresh would let it be told of this."}};
@@ -86,22 +103,12 @@ Reasons Why_Not::reasons_of_detection(const Event& event) const {
     reasons = explainer_.reasons_of_selection(event.place);
   }
   if (explainer_.config() != nullptr) {
-    add_reasons_of_camera(event, reasons);
+    if (std::optional<Reason> reason = reason_not_to_expect(site_, event)) {
+      reasons.push_back(*std::move(reason));
+    }
     add_reasons_of_object(event, reasons);
   }
-  return reasons.empty() ? explainer_.camera(event.place).reasons : reasons;
-}
-
-void Why_Not::add_reasons_of_camera(const Event& event, Reasons& reasons) const {
-  const auto facts = site_.cameras().find(event.place);
-  if (facts == site_.cameras().end()) {
-    return;
-  }
-  if (event.kind == Event::Kind::object && !facts->second->object_detection) {
-    reasons.push_back(reason_of_no_object_detection(event.place));
-  } else if (event.kind == Event::Kind::motion && !facts->second->motion_detection) {
-    reasons.push_back(reason_of_no_motion_detection(event.place));
-  }
+  return reasons.empty() ? Reasons{reason_of_failure(site_, id_)} : reasons;
 }
 
 void Why_Not::add_reasons_of_object(const Event& event, Reasons& reasons) const {

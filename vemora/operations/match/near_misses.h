@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "vemora/operations/explain/explainer.h"
@@ -9,6 +10,9 @@
 #include "vemora/operations/site/site_view.h"
 
 namespace kuv::vemora::operations {
+
+/// Why the camera of an event reports no such events; nothing where it may.
+std::optional<Reason> reason_not_to_expect(const Site_View& site, const Event& event);
 
 /// Why a trigger is not told of events. What it is given must outlive it.
 class Why_Not {
@@ -25,7 +29,6 @@ class Why_Not {
 
  private:
   Reasons reasons_of_detection(const Event& event) const;
-  void add_reasons_of_camera(const Event& event, Reasons& reasons) const;
   void add_reasons_of_object(const Event& event, Reasons& reasons) const;
 
   const Site_View& site_;
