@@ -79,9 +79,6 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
     }
     if (faults.count() == 0) {
       config->matches_server = Tag_Filter::matches_any(server_tags, config->tags.server);
-      if (kept.empty()) {
-        kept.reserve(triggers.size());
-      }
       kept.push_back(std::move(*config));
     }
   }

@@ -60,6 +60,13 @@ def same(one, other):
     return (one.records, one.documents, one.pending) == (other.records, other.documents, other.pending)
 
 
+def same_but_for_their_tables(one, other):
+    """A pass that failed leaves an entry of the history, for which older tables are brought up to date."""
+    def records(remains):
+        return [row for row in remains.records if row[0] != "tables of version"]
+    return (records(one), one.documents, one.pending) == (records(other), other.documents, other.pending)
+
+
 def must_be(left, wanted, said):
     return [] if same(left, wanted) else [f"not what it said ({said})"]
 

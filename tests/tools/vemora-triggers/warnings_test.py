@@ -111,7 +111,7 @@ class Texts_That_Cannot_Be_Stored(Site):
     def text_cells(self):
         columns = self.sql("SELECT table_name, column_name FROM information_schema.columns "
                            "WHERE table_schema = current_schema() AND data_type = 'text'")
-        return {cell for table, column in columns for (cell,) in self.sql(f"SELECT {column} FROM {table}")}
+        return {cell for table, column in columns for row in self.sql(f"SELECT {column} FROM {table}") for cell in row}
 
     @on_sqlite
     def test_sqlite_stores_them_and_those_that_are_no_utf8_are_told_as_that(self):
