@@ -1,4 +1,3 @@
-#include <limits>
 
 #include "tools/vemora-triggers/commands/commands.h"
 #include "tools/vemora-triggers/commands/input.h"
@@ -8,8 +7,6 @@
 
 namespace kuv::vemora::tools {
 namespace {
-
-using embedded_server::Json_Document;
 
 Exit_Status apply(const Options& options, const Trigger_Documents& documents,
                   const std::optional<operations::Kept_Plan>& plan = std::nullopt) {
@@ -32,14 +29,9 @@ operations::Kept_Plan read_plan(const std::string& path) {
   }
 }
 
-/// However many values it has: whoever made the plan allowed them.
-Json_Document document_of(const std::string& text) {
-  return Json_Document(text, std::numeric_limits<std::size_t>::max());
-}
-
 Trigger_Documents documents_of(const operations::Kept_Plan& plan, const std::string& path) {
-  return {path + " (configuration)", document_of(plan.config), path + " (mapping)",
-          plan.mapping ? std::make_optional(document_of(*plan.mapping)) : std::nullopt};
+  return {path + " (configuration)", document_taken_before(plan.config), path + " (mapping)",
+          plan.mapping ? std::make_optional(document_taken_before(*plan.mapping)) : std::nullopt};
 }
 
 template <class Command>

@@ -1,5 +1,6 @@
 #include "tools/vemora-triggers/commands/input.h"
 
+#include <limits>
 #include <utility>
 
 namespace kuv::vemora::tools {
@@ -12,6 +13,10 @@ Json_Document read_input(const Options& options, const std::string& role, const 
   } catch (const embedded_server::Document_Error& error) {
     throw Unreadable_Document{role, path, {error.what(), error.location}, error.line};
   }
+}
+
+Json_Document document_taken_before(const std::string& text) {
+  return Json_Document(text, std::numeric_limits<std::size_t>::max());
 }
 
 Fault_List located(

@@ -31,6 +31,9 @@ struct Unreadable_Document {
 embedded_server::Json_Document read_input(const Options& options, const std::string& role,
                                           const std::string& path);
 
+/// A document that was taken before, however many values it has: whoever took it allowed them.
+embedded_server::Json_Document document_taken_before(const std::string& text);
+
 /// Warnings with the files that they stand in, as `locate` tells; both outlive the list.
 Fault_List located(const std::vector<embedded_server::Document_Warning>& warnings,
                    const std::function<Located_Fault(const embedded_server::Check_Fault&)>& locate);

@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <limits>
-
 #include "tools/vemora-triggers/commands/commands.h"
 #include "tools/vemora-triggers/commands/input.h"
 #include "tools/vemora-triggers/commands/pass_command.h"
@@ -11,18 +9,11 @@
 namespace kuv::vemora::tools {
 namespace {
 
-using embedded_server::Json_Document;
-
-/// However many values it has: whoever applied it allowed them.
-Json_Document document_of(const std::string& text) {
-  return Json_Document(text, std::numeric_limits<std::size_t>::max());
-}
-
 Trigger_Documents documents_of(const Options& options, std::uint64_t pass) {
   const auto database = embedded_server::Database::open(options.database);
   const operations::Document_Texts texts = operations::documents_of_pass(database, pass);
-  return {fmt::format("pass {} (configuration)", pass), document_of(texts.config),
-          fmt::format("pass {} (mapping)", pass), document_of(texts.mapping)};
+  return {fmt::format("pass {} (configuration)", pass), document_taken_before(texts.config),
+          fmt::format("pass {} (mapping)", pass), document_taken_before(texts.mapping)};
 }
 
 Exit_Status refuse(const Options& options, const char* reason) {

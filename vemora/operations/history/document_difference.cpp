@@ -15,11 +15,11 @@ const Json::Value& list_in(const Json::Value& document, const char* key) {
   return list.isArray() ? list : Json::Value::nullSingleton();
 }
 
-using Triggers_By_Id = std::map<std::uint64_t, const Json::Value*>;
+using Numbered_Triggers = std::map<std::uint64_t, const Json::Value*>;
 
 /// Accepted documents give each trigger an id of its own.
-Triggers_By_Id triggers_in(const Json::Value& config) {
-  Triggers_By_Id triggers;
+Numbered_Triggers triggers_in(const Json::Value& config) {
+  Numbered_Triggers triggers;
   for (const Json::Value& element : list_in(config, "triggers")) {
     if (element.isObject() && element["id"].isUInt64()) {
       triggers.emplace(element["id"].asUInt64(), &element);
@@ -32,7 +32,7 @@ std::shared_ptr<const Json_Document> read(const std::string& text, const char* n
   return std::make_shared<const Json_Document>(embedded_server::read_stored_document(text, name));
 }
 
-void compare_triggers(const Triggers_By_Id& before, const Triggers_By_Id& after,
+void compare_triggers(const Numbered_Triggers& before, const Numbered_Triggers& after,
                       std::vector<Different_Trigger>& different) {
   std::map<std::uint64_t, std::pair<const Json::Value*, const Json::Value*>> pairs;
   for (const auto& [id, value] : before) {
