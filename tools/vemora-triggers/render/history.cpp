@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 
+#include "tools/vemora-triggers/render/change_counts.h"
 #include "tools/vemora-triggers/render/counted.h"
 #include "tools/vemora-triggers/render/json.h"
 #include "tools/vemora-triggers/render/terminal.h"
@@ -42,23 +43,6 @@ Json::Value text_to_json(const std::optional<std::string>& text) {
   return text ? Json::Value(*text) : Json::Value();
 }
 
-Json::Value to_json(const History_Entry::Count& count) {
-  Json::Value object(Json::objectValue);
-  object["written"] = Json::UInt64(count.written);
-  object["deleted"] = Json::UInt64(count.deleted);
-  return object;
-}
-
-Json::Value changes_to_json(const History_Entry& entry) {
-  Json::Value object(Json::objectValue);
-  object["triggers"] = to_json(entry.triggers);
-  object["subscriptions"] = to_json(entry.subscriptions);
-  object["subscriptionLinks"] = to_json(entry.subscription_links);
-  object["detection"] = to_json(entry.detection);
-  object["detectionLinks"] = to_json(entry.detection_links);
-  return object;
-}
-
 Json::Value to_json(const History_Entry& entry) {
   Json::Value object(Json::objectValue);
   object["pass"] = Json::UInt64(entry.pass);
@@ -71,7 +55,7 @@ Json::Value to_json(const History_Entry& entry) {
     object["cutShort"] = true;
   }
   object["errors"] = Json::UInt64(entry.errors);
-  object["changes"] = changes_to_json(entry);
+  object["changes"] = counts_to_json(entry.changes);
   object["triggers"]["created"] = ids_to_json(entry.triggers_created);
   object["triggers"]["changed"] = ids_to_json(entry.triggers_changed);
   object["triggers"]["deleted"] = ids_to_json(entry.triggers_deleted);
@@ -116,9 +100,8 @@ std::string trigger_counts(const History_Entry& entry) {
 }
 
 /// "+2 -0"; empty if nothing changed.
-std::string signed_counts(const History_Entry::Count& count) {
-  return count.written + count.deleted == 0 ? std::string()
-                                            : fmt::format("+{} -{}", count.written, count.deleted);
+std::string signed_counts(const embedded_server::Change_Counts::Of& count) {
+  return count.empty() ? std::string() : fmt::format("+{} -{}", count.written, count.deleted);
 }
 
 Row row_of(const History_Entry& entry) {
@@ -128,8 +111,8 @@ Row row_of(const History_Entry& entry) {
           printable(entry.command),
           result_of(entry),
           trigger_counts(entry),
-          signed_counts(entry.subscriptions),
-          signed_counts(entry.detection),
+          signed_counts(entry.changes.subscriptions),
+          signed_counts(entry.changes.detection),
           entry.reconciled.empty() ? "" : std::to_string(entry.reconciled.size()),
           printable(entry.note.value_or(""))};
 }
@@ -138,32 +121,6 @@ void print_ids(const char* what, const std::set<std::uint64_t>& ids) {
   if (!ids.empty()) {
     std::cout << fmt::format("{}: {}\n", what, fmt::join(ids, ", "));
   }
-}
-
-void print_count(const char* what, const History_Entry::Count& count) {
-  if (count.written + count.deleted != 0) {
-    std::cout << fmt::format("  {:<20} {:>8} written {:>8} deleted\n", what, count.written,
-                             count.deleted);
-  }
-}
-
-void print_changes(const History_Entry& entry) {
-  std::cout << "Changed:\n";
-  print_count("triggers", entry.triggers);
-  print_count("subscriptions", entry.subscriptions);
-  print_count("subscription links", entry.subscription_links);
-  print_count("detection records", entry.detection);
-  print_count("detection links", entry.detection_links);
-}
-
-bool has_changes(const History_Entry& entry) {
-  for (const auto& count : {entry.triggers, entry.subscriptions, entry.subscription_links,
-                            entry.detection, entry.detection_links}) {
-    if (count.written + count.deleted != 0) {
-      return true;
-    }
-  }
-  return false;
 }
 
 void print_errors(const Past_Pass& past) {
@@ -209,8 +166,8 @@ void print_for_people(const Past_Pass& past) {
   print_ids("Triggers created", entry.triggers_created);
   print_ids("Triggers changed", entry.triggers_changed);
   print_ids("Triggers deleted", entry.triggers_deleted);
-  if (has_changes(entry)) {
-    print_changes(entry);
+  if (!entry.changes.empty()) {
+    print_changed(entry.changes);
   }
   print_ids("Cameras reconciled", entry.reconciled);
   std::cout << fmt::format("Stored after it: configuration: {}; mapping: {}\n",

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <string>
 
+#include "tools/vemora-triggers/render/change_counts.h"
 #include "tools/vemora-triggers/render/json.h"
 #include "tools/vemora-triggers/render/mass_deletions.h"
 #include "tools/vemora-triggers/render/terminal.h"
@@ -14,7 +15,6 @@ namespace kuv::vemora::tools {
 namespace {
 
 using Directive_Config_Processing::Error;
-using embedded_server::Changes;
 using embedded_server::Pass_Outcome;
 using embedded_server::printable;
 
@@ -103,24 +103,6 @@ Json::Value to_json(const std::optional<Trigger_Config_State>& state) {
   return object;
 }
 
-template <class Item>
-Json::Value counts(const Changes::Of<Item>& changes) {
-  Json::Value object = empty_object();
-  object["written"] = Json::UInt64(changes.added.size() + changes.updated.size());
-  object["deleted"] = Json::UInt64(changes.deleted.size());
-  return object;
-}
-
-Json::Value to_json(const Changes& changes) {
-  Json::Value object = empty_object();
-  object["triggers"] = counts(changes.triggers);
-  object["subscriptions"] = counts(changes.subscriptions);
-  object["subscriptionLinks"] = counts(changes.subscription_links);
-  object["detection"] = counts(changes.eta_cameras);
-  object["detectionLinks"] = counts(changes.eta_camera_links);
-  return object;
-}
-
 /// What there is to say of an outcome beside its errors.
 std::vector<std::string> remarks_on(const Pass_Outcome& outcome) {
   std::vector<std::string> remarks = outcome.remarks;
@@ -143,31 +125,16 @@ void add_location(Json::Value& error, const Located_Fault& fault) {
   }
 }
 
-template <class Item>
-void print_count(const char* what, const Changes::Of<Item>& changes) {
-  const std::size_t written = changes.added.size() + changes.updated.size();
-  if (written + changes.deleted.size() != 0) {
-    std::cout << fmt::format("  {:<20} {:>8} written {:>8} deleted\n", what, written,
-                             changes.deleted.size());
-  }
-}
-
 void print_changes(const Pass_Outcome& outcome) {
-  const Changes& changes = outcome.changes;
   if (!outcome.changes_are_known) {
     std::cout << "What changed is not known.\n";
     return;
   }
-  if (changes.empty()) {
+  if (outcome.changes.empty()) {
     std::cout << "Nothing changed.\n";
     return;
   }
-  std::cout << "Changed:\n";
-  print_count("triggers", changes.triggers);
-  print_count("subscriptions", changes.subscriptions);
-  print_count("subscription links", changes.subscription_links);
-  print_count("detection records", changes.eta_cameras);
-  print_count("detection links", changes.eta_camera_links);
+  print_changed(counts_of(outcome.changes));
 }
 
 const char* headline(Pass_Outcome::Status status, bool without_errors) {
@@ -206,7 +173,8 @@ Json::Value outcome_to_json(const Pass_Outcome& outcome,
   }
   answer["reconciled"] = to_json(outcome.reconciled);
   answer["state"] = to_json(outcome.state);
-  answer["changes"] = outcome.changes_are_known ? to_json(outcome.changes) : Json::Value();
+  answer["changes"] =
+      outcome.changes_are_known ? counts_to_json(counts_of(outcome.changes)) : Json::Value();
   for (const std::string& remark : remarks_on(outcome)) {
     answer["remarks"].append(remark);
   }

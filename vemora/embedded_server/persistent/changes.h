@@ -37,4 +37,36 @@ struct Changes {
   }
 };
 
+/// How many records, or links, of each kind a pass has written and deleted.
+struct Change_Counts {
+  struct Of {
+    std::uint64_t written = 0;
+    std::uint64_t deleted = 0;
+
+    bool empty() const { return written == 0 && deleted == 0; }
+  };
+
+  Of triggers;
+  Of subscriptions;
+  Of subscription_links;
+  Of detection;
+  Of detection_links;
+
+  bool empty() const {
+    return triggers.empty() && subscriptions.empty() && subscription_links.empty() &&
+           detection.empty() && detection_links.empty();
+  }
+};
+
+template <class Item>
+Change_Counts::Of count_of(const Changes::Of<Item>& changes) {
+  return {changes.added.size() + changes.updated.size(), changes.deleted.size()};
+}
+
+inline Change_Counts counts_of(const Changes& changes) {
+  return {count_of(changes.triggers), count_of(changes.subscriptions),
+          count_of(changes.subscription_links), count_of(changes.eta_cameras),
+          count_of(changes.eta_camera_links)};
+}
+
 }  // namespace kuv::vemora::embedded_server

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "vemora/embedded_server/persistent/changes.h"
+
 namespace kuv::vemora::embedded_server {
 
 // The history of a site: an entry for each pass that changed something, or ended with other errors
@@ -31,12 +33,6 @@ struct History_Entry {
     failed = 2,
   };
 
-  /// How many records, or links, of a kind.
-  struct Count {
-    std::uint64_t written = 0;
-    std::uint64_t deleted = 0;
-  };
-
   std::uint64_t pass = 0;         ///< its number, from 1
   std::int64_t at = 0;            ///< when it began: seconds since 1970, UTC
   std::optional<std::string> by;  ///< nothing where nobody knows
@@ -44,11 +40,7 @@ struct History_Entry {
   std::optional<std::string> note;
   Status status = Status::done;
   std::uint64_t errors = 0;
-  Count triggers;
-  Count subscriptions;
-  Count subscription_links;
-  Count detection;
-  Count detection_links;
+  Change_Counts changes;
   std::set<std::uint64_t> triggers_created;
   std::set<std::uint64_t> triggers_changed;
   std::set<std::uint64_t> triggers_deleted;

@@ -5,12 +5,6 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-template <class Item>
-void note_count(const Changes::Of<Item>& changes, std::uint64_t& written, std::uint64_t& deleted) {
-  written = changes.added.size() + changes.updated.size();
-  deleted = changes.deleted.size();
-}
-
 std::string ranges_in(const std::vector<std::uint64_t>& ids) {
   return ranges_of({ids.begin(), ids.end()});
 }
@@ -18,12 +12,17 @@ std::string ranges_in(const std::vector<std::uint64_t>& ids) {
 }  // namespace
 
 void note_changes(const Changes& changes, rows::History_Entry& row) {
-  note_count(changes.triggers, row.trigger_writes, row.trigger_deletions);
-  note_count(changes.subscriptions, row.subscription_writes, row.subscription_deletions);
-  note_count(changes.subscription_links, row.subscription_link_writes,
-             row.subscription_link_deletions);
-  note_count(changes.eta_cameras, row.detection_writes, row.detection_deletions);
-  note_count(changes.eta_camera_links, row.detection_link_writes, row.detection_link_deletions);
+  const Change_Counts counts = counts_of(changes);
+  row.trigger_writes = counts.triggers.written;
+  row.trigger_deletions = counts.triggers.deleted;
+  row.subscription_writes = counts.subscriptions.written;
+  row.subscription_deletions = counts.subscriptions.deleted;
+  row.subscription_link_writes = counts.subscription_links.written;
+  row.subscription_link_deletions = counts.subscription_links.deleted;
+  row.detection_writes = counts.detection.written;
+  row.detection_deletions = counts.detection.deleted;
+  row.detection_link_writes = counts.detection_links.written;
+  row.detection_link_deletions = counts.detection_links.deleted;
   row.triggers_created = ranges_in(changes.triggers.added);
   row.triggers_changed = ranges_in(changes.triggers.updated);
   row.triggers_deleted = ranges_in(changes.triggers.deleted);
@@ -38,11 +37,11 @@ History_Entry entry_of(const rows::History_Entry& row) {
   entry.note = row.note;
   entry.status = static_cast<History_Entry::Status>(row.status);
   entry.errors = row.error_count;
-  entry.triggers = {row.trigger_writes, row.trigger_deletions};
-  entry.subscriptions = {row.subscription_writes, row.subscription_deletions};
-  entry.subscription_links = {row.subscription_link_writes, row.subscription_link_deletions};
-  entry.detection = {row.detection_writes, row.detection_deletions};
-  entry.detection_links = {row.detection_link_writes, row.detection_link_deletions};
+  entry.changes = {{row.trigger_writes, row.trigger_deletions},
+                   {row.subscription_writes, row.subscription_deletions},
+                   {row.subscription_link_writes, row.subscription_link_deletions},
+                   {row.detection_writes, row.detection_deletions},
+                   {row.detection_link_writes, row.detection_link_deletions}};
   entry.triggers_created = ids_in(row.triggers_created);
   entry.triggers_changed = ids_in(row.triggers_changed);
   entry.triggers_deleted = ids_in(row.triggers_deleted);
