@@ -1,6 +1,6 @@
 """Writes what the benchmarks measured into the documentation, or prints the tables.
 
-    report.py pages SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json FOLDER
+    report.py pages SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json MATCH.json FOLDER
         writes FOLDER/performance-figures.md and FOLDER/performance.svg, and the figures that FOLDER/performance.md
         quotes, between its two markers
     report.py tables SQLITE.json POSTGRESQL.json PASSES.json
@@ -14,6 +14,8 @@ import os
 import platform
 import statistics
 import sys
+
+import match_events
 
 BEGIN, END = "<!-- figures begin -->", "<!-- figures end -->"
 MILLION = "1000000 links"
@@ -103,7 +105,7 @@ def library_median(library, name):
                  if entry["name"] == f"{name}_median" or (entry["name"] == name and "aggregate_name" not in entry)), None)
 
 
-def targets(figures, library, instructions):
+def targets(figures, library, instructions, match):
     """The figures that were promised, each as a ratio within this run."""
     lines = ["| figure | must | aim | measured |", "|---|---|---|---|"]
 
@@ -125,6 +127,11 @@ def targets(figures, library, instructions):
         if small and large:
             own, floor = (ratio(median(large, key) / 100, median(small, key)) for key in ("seconds", "floor"))
             line(f"time per link at 10^6 : at 10^4, {scenario}", 1.5, 1.1, f"{own} (its floor: {floor})")
+    for name, words in (("match", "match --events"), ("against", "match --events --against")):
+        line(f"{words}, {match['events']:,} events : the JSON library reading their lines", match_events.MOST_TIMES, "",
+             f"{match_events.times_as_long(match, name):.2f}")
+        line(f"memory of {words} beyond the site", f"{match_events.MOST_MEMORY >> 20} MiB", "",
+             f"{match_events.beyond_the_site(match, name) / 2 ** 20:.0f} MiB")
     for name, figure, aim in (("the manager alone, an unchanged trigger with 3 sources", "unchanged trigger", ""),
                               ("a log call, logging off", "log call, logging off", "under 100"),
                               ("a log call, below the level", "log call, below the level", "")):
@@ -159,9 +166,9 @@ def run_note(sqlite):
     return f"Measured {datetime.date.today()} on {machine}; medians of {len(sqlite[0]['seconds'])} runs."
 
 
-def figures_page(note, sqlite, postgresql, library, calls, passes):
+def figures_page(note, sqlite, postgresql, library, calls, passes, match):
     return "\n".join(["# Performance: all figures", "", FIGURES_NOTE, "", note, "", "![seconds by links](performance.svg)", "",
-                      "## Targets (SQLite, 10^6 links)", "", *targets(sqlite, library, calls), "",
+                      "## Targets (SQLite, 10^6 links)", "", *targets(sqlite, library, calls, match), "",
                       "## Growth (SQLite)", "", GROWTH_NOTE, "", *growth(sqlite, passes), "",
                       "## SQLite", "", *table(sqlite), "", "## PostgreSQL (over a socket)", "",
                       *(table(postgresql, True) if postgresql else ["Not measured in this run."]), ""])
@@ -191,7 +198,7 @@ def write_file(folder, name, text):
         file.write(text)
 
 
-def write_pages(sqlite_path, postgresql_path, library_path, calls_path, passes_path, folder):
+def write_pages(sqlite_path, postgresql_path, library_path, calls_path, passes_path, match_path, folder):
     sqlite, postgresql = read(sqlite_path), read(postgresql_path)
     note = run_note(sqlite)
     with open(os.path.join(folder, "performance.md"), encoding="utf-8") as file:
@@ -200,7 +207,8 @@ def write_pages(sqlite_path, postgresql_path, library_path, calls_path, passes_p
     quoted = summary(note, (("SQLite", sqlite), ("PostgreSQL", postgresql)))
     write_file(folder, "performance.md", f"{before}{BEGIN}\n\n{quoted}\n\n{END}{after}")
     write_file(folder, "performance-figures.md",
-               figures_page(note, sqlite, postgresql, read(library_path), read(calls_path), read(passes_path)))
+               figures_page(note, sqlite, postgresql, read(library_path), read(calls_path), read(passes_path),
+                            read(match_path)))
     write_file(folder, "performance.svg", plot(sqlite))
 
 

@@ -29,6 +29,9 @@ def figures(site, links, first_apply):
 
 LIBRARY = {"benchmarks": [{"name": "parse_trigger_configs_median", "real_time": 1},
                           {"name": "json_library_reads_the_text_median", "real_time": 4}]}
+MATCH = {"events": 1000000, "reading": {"seconds": [2, 1], "memory": 5 << 20},
+         "match": {"seconds": [4.5, 5], "memory": 150 << 20}, "against": {"seconds": [7, 7.25], "memory": 250 << 20},
+         "match of one": {"seconds": [1], "memory": 140 << 20}}
 CALLS = {"unchanged trigger": 12000, "log call, logging off": 15, "log call, below the level": 2400}
 
 
@@ -41,7 +44,7 @@ class Written_Pages(unittest.TestCase):
         self.folder = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, self.folder)
         sqlite = figures("site S", 10015, 0.3) + figures("1000000 links", 1000000, 3.44)
-        inputs = (sqlite, figures("site S", 10015, 0.75), LIBRARY, CALLS, {})
+        inputs = (sqlite, figures("site S", 10015, 0.75), LIBRARY, CALLS, {}, MATCH)
         paths = []
         for number, content in enumerate(inputs):
             paths.append(os.path.join(self.folder, f"{number}.json"))
@@ -63,6 +66,10 @@ class Written_Pages(unittest.TestCase):
         page = read(self.folder, "performance-figures.md")
         self.assertIn(["parsing 100,000 triggers : the JSON library reading the text", "0.5", "0.25", "0.25"],
                       rows_of(page))
+        self.assertIn(["match --events --against, 1,000,000 events : the JSON library reading their lines", "10", "",
+                       "7.00"], rows_of(page))
+        self.assertIn(["memory of match --events beyond the site", "200 MiB", "", "10 MiB"], rows_of(page))
+        self.assertIn(["memory of match --events --against beyond the site", "200 MiB", "", "110 MiB"], rows_of(page))
         self.assertIn(["site S", "first apply", "0.300", "0.150", "2.00", "29.96", "3", "0", "0", "0"], rows_of(page))
         self.assertIn(["site S", "first apply", "0.750", "0.375", "2.00", "74.89", "3", "0", "0", "0", "75"],
                       rows_of(page))

@@ -4,7 +4,9 @@
 
 #include <boost/log/core.hpp>
 #include <sstream>
+#include <thread>
 
+#include "vemora/embedded_server/logging/unstored_lines.h"
 #include "vemora/platform/logging/source.h"
 
 namespace kuv::test {
@@ -15,6 +17,7 @@ using kuv::logging::name_of;
 using kuv::logging::parse_severity;
 using kuv::logging::severity_level;
 using kuv::logging::Source;
+using kuv::logging::Unstored_Lines;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
@@ -57,6 +60,28 @@ TEST_F(Console, writes_the_time_the_level_the_channel_and_the_text) {
 
   EXPECT_THAT(written.str(), MatchesRegex(time_of_line + std::string("\\[error\\] Trigger_Manager: "
                                                                      "Trigger 7: failed\n")));
+}
+
+TEST_F(Console, marks_the_lines_of_a_thread_that_stores_nothing) {
+  log_to(written, severity_level::trace);
+
+  {
+    const Unstored_Lines outer;
+    source.log(severity_level::info, "one");
+    {
+      const Unstored_Lines inner;
+      source.log(severity_level::info, "two");
+    }
+    source.log(severity_level::info, "three");
+    std::thread([this] { source.log(severity_level::info, "elsewhere"); }).join();
+  }
+  source.log(severity_level::info, "four");
+
+  EXPECT_THAT(lines(),
+              ElementsAre("[info] Trigger_Manager (nothing is stored): one",
+                          "[info] Trigger_Manager (nothing is stored): two",
+                          "[info] Trigger_Manager (nothing is stored): three",
+                          "[info] Trigger_Manager: elsewhere", "[info] Trigger_Manager: four"));
 }
 
 TEST_F(Console, names_every_level) {

@@ -140,6 +140,44 @@ TEST_P(Passes, show_nobody_else_what_they_have_not_committed) {
   EXPECT_EQ(stored(), before);
 }
 
+TEST_P(Passes, start_over_with_the_state_that_they_began_with_whatever_was_written_since) {
+  given_two_triggers_at_work();
+  const auto pass = a_pass(Pass_Scope::Mode::read_only);
+  const std::vector<std::string> before = texts_of(subscriptions());
+  const std::vector<std::string> detecting = texts_of(eta_cameras());
+  repository().triggers().delete_all_except({7});
+  add_subscription(10, "b", add_trigger(9));
+  clean_up();
+  pass->end();
+  EXPECT_FALSE(pass->changes().empty());
+  EXPECT_THAT(pass->pending_cameras(), ElementsAre(10));
+  foreign_program().execute("DELETE FROM subscription_trigger");
+  foreign_program().execute("DELETE FROM eta_camera_trigger");
+
+  pass->start_over();
+
+  EXPECT_EQ(texts_of(subscriptions()), before);
+  EXPECT_EQ(texts_of(eta_cameras()), detecting);
+  EXPECT_TRUE(find(8));
+  EXPECT_FALSE(find(9));
+  EXPECT_TRUE(pass->changes().empty());
+  EXPECT_THAT(pass->pending_cameras(), IsEmpty());
+}
+
+TEST_P(Passes, that_are_committed_cannot_start_over) {
+  const auto pass = a_pass();
+
+  EXPECT_THROW(pass->start_over(), std::logic_error);
+}
+
+TEST_P(Passes, with_a_fault_cannot_start_over) {
+  foreign_program().execute((database(), "DROP TABLE eta_camera_trigger"));
+  const auto pass = a_pass(Pass_Scope::Mode::read_only);
+  EXPECT_THROW(eta_cameras(), Database_Error);
+
+  EXPECT_THROW(pass->start_over(), Database_Error);
+}
+
 TEST_P(Passes, are_committed_by_the_clean_up_of_the_detection_records) {
   const auto pass = a_pass();
   add_subscription(10, "a", add_trigger(7));

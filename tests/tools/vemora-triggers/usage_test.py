@@ -3,7 +3,8 @@
 import os
 import unittest
 
-from tool_site import DONE, FAILED, LARGEST_ID, TOOL, WRONG_USAGE, Site, config, mapping, on_sqlite
+from tool_site import (CROSSED, DONE, FAILED, LARGEST_ID, TOOL, WRONG_USAGE, Site, config, mapping, on_sqlite,
+                       topic_source, trigger)
 
 WRONG = {
     "no command": ([], "A command is required"),
@@ -334,6 +335,21 @@ class Options(Site):
         self.assertRegex(outcome.err, rb"\A[0-9T:.-]+ \[info\] Trigger_Manager: Refreshing the trigger config\.\n\Z")
         self.assertEqual(self.run_tool("--database", self.behind.absent, "--log-level", "info", "refresh").status,
                          FAILED)
+
+    def test_the_log_of_a_pass_that_is_only_tried_says_that_nothing_is_stored(self):
+        self.init()
+        self.apply(config(trigger(7), trigger(8, scheduleIds=[2])))
+        self.write("other.json", config(trigger(7, topic_source(CROSSED))))
+        self.write("events", '{"camera": 10, "motion": true}')
+        for command in (["plan", "other.json"], ["explain", "7"], ["match", "--camera", "10", "--motion"],
+                        ["match", "--events", "events", "--against", "other.json"], ["show", "triggers"]):
+            with self.subTest(command):
+                outcome = self.run_tool("--log-level", "info", *command)
+                self.assertEqual(outcome.status, DONE)
+                lines = outcome.err.decode().splitlines()
+                self.assertTrue(lines)
+                for line in lines:
+                    self.assertRegex(line, r"\A[0-9T:.-]+ \[info\] Trigger_Manager \(nothing is stored\): ")
 
 
 if __name__ == "__main__":

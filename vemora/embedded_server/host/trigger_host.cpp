@@ -10,6 +10,7 @@
 #include "vemora/embedded_server/host/located_faults.h"
 #include "vemora/embedded_server/host/noting_parser.h"
 #include "vemora/embedded_server/host/stored_document.h"
+#include "vemora/embedded_server/logging/unstored_lines.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/site_reader.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
@@ -198,6 +199,7 @@ Pass_Outcome Trigger_Host::plan(const Json_Document& config, const Json_Document
 
 Pass_Outcome Trigger_Host::run_plan(const Json_Document& config, const Json_Document* mapping,
                                     const Plan_Observer& observer) {
+  const kuv::logging::Unstored_Lines lines;
   Pass_Scope pass(database_, server_id_, Pass_Scope::Mode::read_only);
   begin();
   const Given_Documents documents(config, mapping, pass);

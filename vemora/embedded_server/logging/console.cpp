@@ -36,9 +36,11 @@ void format(const boost::log::record_view& record, boost::log::formatting_ostrea
   if (time) {
     stream << boost::posix_time::to_iso_extended_string(*time) << ' ';
   }
+  const auto unstored = boost::log::extract<bool>("Unstored", record);
   const auto text = boost::log::extract<std::string>("Message", record);
   stream << '[' << (severity ? name_of(*severity) : "-") << "] "
-         << printable(channel ? *channel : std::string_view()) << ": "
+         << printable(channel ? *channel : std::string_view())
+         << (unstored && *unstored ? " (nothing is stored): " : ": ")
          << printable(text ? *text : std::string_view());
 }
 

@@ -88,6 +88,11 @@ class VEMORA_API Pass_Scope {
   /// False if it is not known what became of a commit: changes() may lack something then.
   bool changes_are_known() const;
 
+  /// In a mode that commits nothing: forgets what the pass did, so that another one can be run on
+  /// the same state, read in the same transaction. Throws the fault that sticks, and
+  /// std::logic_error in a mode that commits.
+  void start_over();
+
   /// What the pass wrote; complete once it is committed or ended.
   const Changes& changes() const;
 

@@ -27,6 +27,8 @@ class Listening_Changes {
     }
   }
 
+  bool empty() const { return rows_.empty(); }
+
   /// With the reasons why, in that site, nobody is told after a refresh.
   std::vector<Changed_Listening> explained_by(const Site_View& site) const {
     const Listeners after_refresh(site.refreshed(), site.resolver());
@@ -67,8 +69,8 @@ Compared_Counts compare_events(const std::shared_ptr<embedded_server::Database>&
   Compared_Counts compared;
   Listening_Changes gained;
   Listening_Changes lost;
+  Site_View site(database, server_id, &config, mapping);
   {
-    const Site_View site(database, server_id, &config, mapping);
     const Listeners before(site.stored(), site.resolver());
     const Listeners after(site.refreshed(), site.resolver());
     Event_Sorts sorts({&before, &after});
@@ -83,10 +85,13 @@ Compared_Counts compare_events(const std::shared_ptr<embedded_server::Database>&
       gained.add(told_after, told_before, event, count);
       lost.add(told_before, told_after, event, count);
     });
-    compared.lost = lost.explained_by(site);
   }
-  const Site_View as_stored(database, server_id);
-  compared.gained = gained.explained_by(as_stored);
+  compared.lost = lost.explained_by(site);
+  if (!gained.empty()) {
+    // The same state, not one that is read anew: another process may have written meanwhile.
+    site.turn_to_stored_documents();
+    compared.gained = gained.explained_by(site);
+  }
   return compared;
 }
 

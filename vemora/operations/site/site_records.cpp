@@ -23,8 +23,6 @@ Site_Records read_site_records(const std::shared_ptr<embedded_server::Database>&
       records.generic[record->id] = record->trigger_ids();
     } else if (record->onvif_topic) {
       records.topics[record->camera_id()][*record->onvif_topic] = record->trigger_ids();
-    } else {
-      records.has_damaged = true;
     }
   }
   for (const auto& record : embedded_server::read_eta_cameras(database)) {

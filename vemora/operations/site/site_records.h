@@ -21,15 +21,14 @@ struct Site_Records {
   std::map<std::uint64_t, std::map<std::string, Ids>> topics;  ///< by camera and topic
   std::map<std::uint64_t, Ids> generic;                        ///< by subscription without a camera
   std::map<std::uint64_t, Ids> detection;                      ///< by camera
-  bool has_damaged = false;  ///< a subscription with a camera and no topic, which fails every pass
 };
 
 inline bool holds(const Site_Records::Ids& ids, std::uint64_t id) {
   return std::binary_search(ids.begin(), ids.end(), id);
 }
 
-/// Joins the pass that is open on this thread. Damaged records are left out: nothing can match
-/// them.
+/// Joins the pass that is open on this thread. Damaged records, subscriptions with a camera and no
+/// topic, are left out: nothing can match them.
 Site_Records read_site_records(const std::shared_ptr<embedded_server::Database>& database);
 
 // Whether a trigger is told of something.

@@ -33,15 +33,24 @@ Site_View::Site_View(const std::shared_ptr<embedded_server::Database>& database,
       server_id_(server_id),
       scope_(database, server_id, embedded_server::Pass_Scope::Mode::read_only),
       repository_(make_repository(database)),
-      resolver_(std::make_shared<embedded_server::Inventory_Meta_Type_Resolver>()),
-      config_(document_to_read(config, scope_.documents().config, "configuration")),
-      mapping_(document_to_read(mapping, scope_.documents().mapping, "mapping")),
-      has_config_(config != nullptr || scope_.documents().config.has_value()) {
+      resolver_(std::make_shared<embedded_server::Inventory_Meta_Type_Resolver>()) {
+  take_documents(config, mapping);
   read_site();
-  // Last: from then on the site shows the refreshed records.
-  pass_ = run_unstored_pass(database_, server_id_, config_->value(), mapping_->value());
-  triggers_ = judged_triggers({*config_, *mapping_, pass_->schedules, pass_->triggers, true, false},
-                              here_.tags);
+  run_pass();  // last: from then on the repositories show the refreshed records
+}
+
+void Site_View::turn_to_stored_documents() {
+  triggers_.clear();
+  pass_.reset();
+  take_documents(nullptr, nullptr);
+  scope_.start_over();
+  run_pass();
+}
+
+void Site_View::take_documents(const Json_Document* config, const Json_Document* mapping) {
+  config_ = document_to_read(config, scope_.documents().config, "configuration");
+  mapping_ = document_to_read(mapping, scope_.documents().mapping, "mapping");
+  has_config_ = config != nullptr || scope_.documents().config.has_value();
 }
 
 void Site_View::read_site() {
@@ -59,6 +68,12 @@ void Site_View::read_site() {
     subscriptions_[record->id] = {record->name, record->tags};
   }
   stored_ = read_site_records(database_);
+}
+
+void Site_View::run_pass() {
+  pass_ = run_unstored_pass(database_, server_id_, config_->value(), mapping_->value());
+  triggers_ = judged_triggers({*config_, *mapping_, pass_->schedules, pass_->triggers, true, false},
+                              here_.tags);
 }
 
 std::set<Object_Search_Item> Site_View::objects_of(const trigger& record) const {

@@ -42,6 +42,11 @@ class Site_View {
             const embedded_server::Json_Document* config,
             const embedded_server::Json_Document* mapping);
 
+  /// From then on the same state with the stored documents, whatever it was shown with before. What
+  /// was asked of refreshed(), triggers(), errors() and mapping() is not valid any longer. Throws
+  /// Database_Error.
+  void turn_to_stored_documents();
+
   Repository& repository() const { return *repository_; }
   std::uint64_t server_id() const { return server_id_; }
   const server& here() const { return here_; }
@@ -68,7 +73,10 @@ class Site_View {
   Meta_Type_Resolver& resolver() const { return *resolver_; }
 
  private:
+  void take_documents(const embedded_server::Json_Document* config,
+                      const embedded_server::Json_Document* mapping);
   void read_site();
+  void run_pass();
 
   std::shared_ptr<embedded_server::Database> database_;
   std::uint64_t server_id_;
@@ -80,7 +88,7 @@ class Site_View {
   std::map<std::uint64_t, Generic_Subscription> subscriptions_;
   std::shared_ptr<const embedded_server::Json_Document> config_;
   std::shared_ptr<const embedded_server::Json_Document> mapping_;
-  bool has_config_;
+  bool has_config_ = false;
   Site_Records stored_;
   std::optional<Unstored_Pass> pass_;
   std::vector<Judged_Trigger> triggers_;

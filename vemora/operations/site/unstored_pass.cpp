@@ -6,7 +6,9 @@
 #include <utility>
 
 #include "vemora/embedded_server/host/services.h"
+#include "vemora/embedded_server/logging/unstored_lines.h"
 #include "vemora/embedded_server/persistent/database_error.h"
+#include "vemora/embedded_server/persistent/trial_repository.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -43,6 +45,13 @@ class Keeping_Parser : public Trigger_Parser {
   bool& is_done_;
 };
 
+/// Nobody is told of a pass that is not stored.
+class Deaf_Pusher : public Trigger_Notification_Pusher {
+ public:
+  void stop() override {}
+  void apply_trigger_state(Trigger_Config_State /*state*/) override {}
+};
+
 std::vector<std::string> texts_of(const std::vector<Directive_Config_Processing::Error>& errors) {
   std::vector<std::string> texts;
   texts.reserve(errors.size());
@@ -57,13 +66,14 @@ std::vector<std::string> texts_of(const std::vector<Directive_Config_Processing:
 Unstored_Pass run_unstored_pass(const std::shared_ptr<embedded_server::Database>& database,
                                 std::uint64_t server_id, const Json::Value& config,
                                 const Json::Value& mapping) {
+  const kuv::logging::Unstored_Lines lines;
   Unstored_Pass pass;
   bool is_parsed = false;
-  const std::shared_ptr<Repository> repository = make_repository(database);
+  const std::shared_ptr<Repository> repository = make_trial_repository(database);
   Vemora_Trigger_Manager manager(
       config, mapping, repository, std::make_shared<embedded_server::Recording_Capture_Manager>(),
       std::make_unique<Keeping_Parser>(repository, server_id, pass, is_parsed),
-      std::make_shared<embedded_server::Snapshot_Pusher>(),
+      std::make_shared<Deaf_Pusher>(),
       std::make_shared<embedded_server::Inventory_Meta_Type_Resolver>());
   Trigger_Config_State state;
   const bool success = manager.refresh_triggers(state);
@@ -72,13 +82,10 @@ Unstored_Pass run_unstored_pass(const std::shared_ptr<embedded_server::Database>
                                               : state.errors.front().message);
   }
   pass.records = read_site_records(database);  // throws again what the database threw in the pass
-  // For a damaged record a pass fails when all others are done, in its telling the pusher.
-  if (!success && !pass.records.has_damaged) {
+  if (!success) {
     throw Database_Error(state.errors.front().message);
   }
-  if (success) {
-    pass.errors = texts_of(state.errors);
-  }
+  pass.errors = texts_of(state.errors);
   return pass;
 }
 

@@ -19,7 +19,7 @@ struct Unstored_Pass {
   // What the parser made of the documents.
   Trigger_Mapping schedules;
   std::vector<Trigger_Config> triggers;
-  std::vector<std::string> errors;  ///< of single triggers; none where the pass failed
+  std::vector<std::string> errors;  ///< of single triggers
   Site_Records records;
 };
 

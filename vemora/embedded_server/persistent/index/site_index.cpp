@@ -108,6 +108,12 @@ Site_Index::Net_Changes Site_Index::settle() {
   return net;
 }
 
+void Site_Index::forget_changes() {
+  eta_cameras_.reset();
+  subscriptions_.reset();
+  triggers_.reset();
+}
+
 void Site_Index::save_ids() {
   if (subscriptions_) {
     subscriptions_->save_ids(database_);

@@ -67,6 +67,9 @@ class Site_Index {
   Net_Changes settle();
   void save_ids();
 
+  /// From now on it shows what the database holds again. What no pass changes stays in memory.
+  void forget_changes();
+
  private:
   struct Asked {
     bool triggers = false;

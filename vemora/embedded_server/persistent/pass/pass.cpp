@@ -240,6 +240,16 @@ void Pass::write(const Site_Index::Net_Changes& net, const Changes& changes) {
   }
 }
 
+void Pass::start_over() {
+  if (commits_changes()) {
+    throw std::logic_error("what is committed cannot be forgotten");
+  }
+  throw_if_faulty();
+  site_.forget_changes();
+  changes_ = {};
+  cameras_not_noted_.clear();
+}
+
 void Pass::end() {
   if (!fault_) {
     try {

@@ -72,6 +72,9 @@ class Pass {
   /// The same at the end of a single operation: a fault says what became of the commit.
   void commit_operation();
 
+  /// See Pass_Scope.
+  void start_over();
+
   /// Commits what a pass that failed had done until then. Throws when the database lost that.
   void end();
 

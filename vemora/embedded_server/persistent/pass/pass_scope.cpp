@@ -117,6 +117,10 @@ Kept Pass_Scope::kept() const noexcept {
   return pass.commit_not_known() ? Kept::not_known : Kept::nothing;
 }
 
+void Pass_Scope::start_over() {
+  state_->pass.start_over();
+}
+
 bool Pass_Scope::changes_are_known() const {
   return state_->pass.commit_not_known() != Commit_Not_Known::Known::nothing;
 }
