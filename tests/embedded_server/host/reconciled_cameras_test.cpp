@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <iostream>
 #include <stdexcept>
 
@@ -330,12 +329,10 @@ constexpr std::uint64_t histories_on_postgresql = 50;
 
 class Reconciled_Cameras : public testing::TestWithParam<Database_Engine> {
  protected:
-  /// As many as the environment says; PostgreSQL takes longer for each.
+  /// PostgreSQL takes longer for each.
   static std::uint64_t histories() {
-    if (const char* const wanted = std::getenv("HISTORIES")) {
-      return std::strtoull(wanted, nullptr, 10);
-    }
-    return GetParam().name == "sqlite" ? histories_on_sqlite : histories_on_postgresql;
+    return length_of_campaign(
+        "HISTORIES", GetParam().name == "sqlite" ? histories_on_sqlite : histories_on_postgresql);
   }
 
   Log_Capture log;

@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
 
 #include "system/passes/random_life.h"
@@ -129,10 +128,7 @@ class Random_History {
 
 class Random_Histories : public testing::TestWithParam<Database_Engine> {
  protected:
-  static std::uint64_t histories() {
-    const char* const wanted = std::getenv("HISTORY_CAMPAIGN");
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 15;
-  }
+  static std::uint64_t histories() { return length_of_campaign("HISTORY_CAMPAIGN", 15); }
 
   Log_Capture log;
 };

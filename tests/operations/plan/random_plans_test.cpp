@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -350,11 +349,7 @@ class Planned_Life {
 
 class Random_Plans : public testing::TestWithParam<Database_Engine> {
  protected:
-  /// As many as the environment says.
-  static std::uint64_t lives() {
-    const char* const wanted = std::getenv("PLANNED_LIVES");
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 50;
-  }
+  static std::uint64_t lives() { return length_of_campaign("PLANNED_LIVES", 50); }
 
   Log_Capture log;
 };

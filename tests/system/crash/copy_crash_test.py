@@ -6,12 +6,11 @@ repeating the command ends as an undisturbed run does.
 
 import os
 import shutil
-import signal
 import sqlite3
 import tempfile
 import unittest
 
-from crash_test import KILLER, Site, config_after, config_before, inventory
+from crash_test import Site, config_after, config_before, inventory
 
 
 class Copies(unittest.TestCase):
@@ -57,25 +56,16 @@ class Copies(unittest.TestCase):
 
     def kill_at_every_call(self, *command, check):
         """Runs the command on fresh copies of the template, killed at one call after the other, and checks each."""
-        counted = self.template.copy_to(next(self.copies))
-        count_file = self.of(counted, "count")
-        run = counted.start(*self.placed(counted, command), LD_PRELOAD=KILLER, COUNT_CALLS_IN=count_file)
-        self.assertEqual(run.wait(), 0)
-        with open(count_file, encoding="ascii") as file:
-            calls = int(file.read())
-        self.assertGreater(calls, 5)
         found = {}
-        for number in range(1, calls + 1):
-            site = self.template.copy_to(next(self.copies))
-            run = site.start(*self.placed(site, command), LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
-            self.assertEqual(run.wait(), -signal.SIGKILL, f"call {number} of {calls}")
-            with self.subTest(call=number):
+        for call, site in self.template.killed_at_every_call(
+                self.copies, lambda site: self.placed(site, command), least=6):
+            with self.subTest(call):
                 what = check(site)
                 found[what] = found.get(what, 0) + 1
                 site.run(*self.placed(site, command))
                 self.check_done(site)
             shutil.rmtree(site.folder)
-        print(f"{command}: {calls} calls: {found}")
+        print(f"{command}: {sum(found.values())} calls: {found}")
         return found
 
     def placed(self, site, command):

@@ -110,6 +110,23 @@ class Site:
         shutil.copytree(self.folder, folder)
         return Site(folder)
 
+    def killed_at_every_call(self, copies, command, least):
+        """Yields copies of this site, each with the command killed there at another call by which it writes or syncs a
+        file. `command` answers the words of the command for a copy, and `least` is how many calls there must be."""
+        counted = self.copy_to(next(copies))
+        count_file = os.path.join(counted.folder, "count")
+        status = counted.start(*command(counted), LD_PRELOAD=KILLER, COUNT_CALLS_IN=count_file).wait()
+        with open(count_file, encoding="ascii") as file:
+            calls = int(file.read())
+        if status != 0 or calls < least:
+            raise AssertionError(f"exit {status} after {calls} calls, of at least {least}")
+        for number in range(1, calls + 1):
+            site = self.copy_to(next(copies))
+            status = site.start(*command(site), LD_PRELOAD=KILLER, KILL_AT_CALL=str(number)).wait()
+            if status != -signal.SIGKILL:
+                raise AssertionError(f"call {number} of {calls}: exit {status}")
+            yield f"call {number} of {calls}", site
+
     def remains(self):
         """What the database holds: records, documents, cameras still to be reconciled."""
         connection = sqlite3.connect(self.database)
@@ -234,24 +251,12 @@ class Crash_Test(unittest.TestCase):
     def kill_at_every_call(self, check, **documents):
         """Applies the new configuration on fresh copies, killed at one call after the other, and checks each."""
         self.prepare(cameras=40, **documents)
-        counted = self.fresh_copy()
-        count_file = os.path.join(counted.folder, "count")
-        run = counted.start("apply", os.path.join(counted.folder, "after.json"),
-                            LD_PRELOAD=KILLER, COUNT_CALLS_IN=count_file)
-        self.assertEqual(run.wait(), 0)
-        with open(count_file, encoding="ascii") as file:
-            calls = int(file.read())
-        self.assertGreater(calls, 10)
-
         phases = {}
-        for number in range(1, calls + 1):
-            site = self.fresh_copy()
-            run = site.start("apply", os.path.join(site.folder, "after.json"),
-                             LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
-            self.assertEqual(run.wait(), -signal.SIGKILL, f"call {number} of {calls}")
+        for _call, site in self.template.killed_at_every_call(
+                self.copies, lambda site: ("apply", os.path.join(site.folder, "after.json")), least=11):
             phase = check(site)
             phases[phase] = phases.get(phase, 0) + 1
-        print(f"{calls} calls: {phases}")
+        print(f"{sum(phases.values())} calls: {phases}")
         self.assertGreater(phases.get("before the commit", 0), 0)
         self.assertGreater(phases.get("before the storing", 0), 0)
 

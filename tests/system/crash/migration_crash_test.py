@@ -6,12 +6,11 @@ repeating the command ends as an undisturbed run does.
 
 import os
 import shutil
-import signal
 import sqlite3
 import tempfile
 import unittest
 
-from crash_test import KILLER, Site
+from crash_test import Site
 
 OLDER_SITES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support", "older_sites")
 
@@ -58,26 +57,16 @@ class Migrations(unittest.TestCase):
         self.assertEqual({**before[2], "site": None}, {**after[2], "site": None})
         after[2].update(history)
 
-        counted = self.template.copy_to(next(self.copies))
-        count_file = os.path.join(counted.folder, "count")
-        self.assertEqual(counted.start(*self.command(counted), LD_PRELOAD=KILLER, COUNT_CALLS_IN=count_file).wait(), 0)
-        with open(count_file, encoding="ascii") as file:
-            calls = int(file.read())
-        self.assertGreater(calls, 10)
-
         found = {1: 0, 3: 0}
-        for number in range(1, calls + 1):
-            site = self.template.copy_to(next(self.copies))
-            run = site.start(*self.command(site), LD_PRELOAD=KILLER, KILL_AT_CALL=str(number))
-            self.assertEqual(run.wait(), -signal.SIGKILL, f"call {number} of {calls}")
-            with self.subTest(call=number):
+        for call, site in self.template.killed_at_every_call(self.copies, self.command, least=11):
+            with self.subTest(call):
                 state = self.state(site)
                 self.assertIn(state, (before, after))
                 found[state[0]] += 1
                 site.run(*self.command(site))
                 self.assertEqual(self.state(site), after)
             shutil.rmtree(site.folder)
-        print(f"{calls} calls: version 1 {found[1]} times, version 3 {found[3]} times")
+        print(f"{sum(found.values())} calls: version 1 {found[1]} times, version 3 {found[3]} times")
         self.assertGreater(min(found.values()), 0)
 
 

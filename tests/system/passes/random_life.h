@@ -2,12 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstdlib>
 #include <string>
 
 #include "system/passes/random_site.h"
 #include "system/passes/whole_pass_test.h"
 
 namespace kuv::test {
+
+/// How many lives a campaign has: as many as a variable of the environment says, if it is set.
+inline std::uint64_t length_of_campaign(const char* variable, std::uint64_t otherwise) {
+  const char* const wanted = std::getenv(variable);
+  return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : otherwise;
+}
 
 /// One pass after the other, until one fails: before some of them the site changes, before some the
 /// server starts anew.
