@@ -80,6 +80,33 @@ class Entries(History):
         self.assertEqual(self.passes(), [2, 1])
         self.assertEqual(self.last()["triggers"], {"created": [10], "changed": [8], "deleted": [9]})
 
+    def shown(self, columns, *arguments):
+        outcome = self.run_command(self.command("history", *arguments), env={**os.environ, "COLUMNS": str(columns)})
+        self.assertEqual((outcome.status, outcome.err), (DONE, b""))
+        return re.sub(r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d", "2026-11-22 04:00:00", outcome.text).replace(
+            f"{getpass.getuser()}@{socket.gethostname()}", "ann@gate1").splitlines()
+
+    def test_a_narrow_terminal_shows_what_fits_and_says_what_does_not(self):
+        self.apply(config(trigger(7), trigger(8, object_source())))
+        self.run_json("apply", self.write("config.json", config(trigger(7))), "--note", "nobody looks at persons at night")
+        whole = self.shown(200)
+        self.assertEqual(whole[0].split(), ["PASS", "BEGUN", "(UTC)", "BY", "COMMAND", "RESULT", "TRIGGERS",
+                                            "SUBSCRIPTIONS", "DETECTION", "RECONCILED", "NOTE"])
+        self.assertEqual(len(whole), 3)
+        narrow = self.shown(80)
+        self.assertEqual(narrow[0].split(), ["PASS", "BEGUN", "(UTC)", "BY", "COMMAND", "RESULT", "TRIGGERS", "NOTE"])
+        self.assertEqual(narrow[-1], "Not shown for lack of room: SUBSCRIPTIONS, DETECTION, RECONCILED")
+        self.assertLessEqual(max(map(len, narrow)), 80)
+
+    def test_a_narrow_terminal_breaks_no_id(self):
+        self.apply(config(*(trigger(number) for number in range(1000, 1030))))
+        lines = self.shown(40, "1")
+        begin = next(place for place, line in enumerate(lines) if line.startswith("Triggers created: "))
+        end = lines.index("Changed:")
+        self.assertEqual(" ".join(lines[begin:end]),
+                         "Triggers created: " + ", ".join(map(str, range(1000, 1030))))
+        self.assertLessEqual(max(map(len, lines[begin:end])), 40)
+
     def test_a_refresh_leaves_one_if_it_changes_something(self):
         self.apply(config(trigger(7)))
         self.init({"cameras": [camera(12, [MOTION])]})

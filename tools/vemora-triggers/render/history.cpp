@@ -25,6 +25,9 @@ using embedded_server::Past_Text;
 using embedded_server::printable;
 using Status = History_Entry::Status;
 
+const std::set<std::size_t> counts_of_records{6, 7,
+                                              8};  ///< columns that a single pass shows as well
+
 std::string time_of(const History_Entry& entry, const char* form) {
   std::tm parts{};
   const auto seconds = static_cast<std::time_t>(entry.at);
@@ -119,7 +122,7 @@ Row row_of(const History_Entry& entry) {
 
 void print_ids(const char* what, const std::set<std::uint64_t>& ids) {
   if (!ids.empty()) {
-    std::cout << fmt::format("{}: {}\n", what, fmt::join(ids, ", "));
+    print_folded(fmt::format("{}: {}", what, fmt::join(ids, ", ")));
   }
 }
 
@@ -196,7 +199,7 @@ void print_history(const Options& options, const std::vector<History_Entry>& ent
   }
   print_table({"PASS", "BEGUN (UTC)", "BY", "COMMAND", "RESULT", "TRIGGERS", "SUBSCRIPTIONS",
                "DETECTION", "RECONCILED", "NOTE"},
-              rows);
+              rows, counts_of_records);
 }
 
 void print_past_pass(const Options& options, const Past_Pass& past) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 #include <string_view>
+#include <utility>
 
 #include "vemora/embedded_server/texts/display_width.h"
 
@@ -60,27 +61,34 @@ std::size_t end_of_line(std::string_view text, std::size_t width) {
   return most == 0 ? text.size() : most;  // a character that is wider than the line
 }
 
-std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
+/// Takes a line off the beginning of a text.
+std::string take_line(std::string_view& text, std::size_t width) {
+  const std::size_t end = end_of_line(text, width);
+  std::string line(text.substr(0, end));
+  text.remove_prefix(end);
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  return line;
+}
+
+std::vector<std::string> lines_of_cell(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   do {
     if (lines.size() == most_lines) {
       lines.back() = embedded_server::shortened_to(lines.back() + " ...", width);
       break;
     }
-    const std::size_t end = end_of_line(text, width);
-    lines.emplace_back(text.substr(0, end));
-    text.remove_prefix(end);
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    lines.push_back(take_line(text, width));
   } while (!text.empty());
   return lines;
 }
 
 class Layout {
  public:
-  Layout(const Row& headings, const std::vector<Row>& rows, std::optional<std::size_t> width)
+  Layout(const Row& headings, const std::vector<Row>& rows, std::optional<std::size_t> width,
+         const std::set<std::size_t>& left_out)
       : is_limited_(width.has_value()) {
     for (std::size_t column = 0; column < headings.size(); ++column) {
-      if (!is_empty(rows, column)) {
+      if (!is_empty(rows, column) && left_out.count(column) == 0) {
         columns_.push_back(column);
         widths_.push_back(natural_width(headings, rows, column));
         const std::size_t heading = display_width(headings[column]);
@@ -92,14 +100,17 @@ class Layout {
       while (width && width_of(widths_) > *width && narrow(may_break_words)) {
       }
     }
+    fits_ = !width || width_of(widths_) <= *width;
   }
+
+  bool fits() const { return fits_; }
 
   void append(const Row& row, std::vector<std::string>& lines) const {
     std::vector<std::vector<std::string>> cells;
     std::size_t height = 0;
     for (std::size_t place = 0; place < columns_.size(); ++place) {
       const std::string& cell = row[columns_[place]];
-      cells.push_back(is_limited_ ? wrapped(cell, widths_[place]) : std::vector{cell});
+      cells.push_back(is_limited_ ? lines_of_cell(cell, widths_[place]) : std::vector{cell});
       height = std::max(height, cells.back().size());
     }
     for (std::size_t line = 0; line < height; ++line) {
@@ -151,22 +162,58 @@ class Layout {
   }
 
   bool is_limited_;
+  bool fits_ = true;
   std::vector<std::size_t> columns_;  ///< those that are shown
   std::vector<std::size_t> widths_;
   std::vector<std::size_t> least_;  ///< widths below which they are not narrowed
   std::vector<std::size_t> words_;  ///< below which words have to be broken
 };
 
-}  // namespace
-
-std::vector<std::string> lay_out_table(const Row& headings, const std::vector<Row>& rows,
-                                       std::optional<std::size_t> width) {
-  const Layout layout(headings, rows, width);
+std::vector<std::string> lines_of(const Layout& layout, const Row& headings,
+                                  const std::vector<Row>& rows) {
   std::vector<std::string> lines;
   layout.append(headings, lines);
   for (const Row& row : rows) {
     layout.append(row, lines);
   }
+  return lines;
+}
+
+/// Empty if none of the columns that are left out has any text.
+std::string missing_columns(const Row& headings, const std::vector<Row>& rows,
+                            const std::set<std::size_t>& left_out) {
+  std::string names;
+  for (const std::size_t column : left_out) {
+    if (!is_empty(rows, column)) {
+      names += (names.empty() ? "" : ", ") + headings[column];
+    }
+  }
+  return names.empty() ? names : "Not shown for lack of room: " + names;
+}
+
+}  // namespace
+
+std::vector<std::string> lay_out_table(const Row& headings, const std::vector<Row>& rows,
+                                       std::optional<std::size_t> width,
+                                       const std::set<std::size_t>& dispensable) {
+  const Layout whole(headings, rows, width, {});
+  const std::string missing = missing_columns(headings, rows, dispensable);
+  if (whole.fits() || missing.empty()) {
+    return lines_of(whole, headings, rows);
+  }
+  std::vector<std::string> lines =
+      lines_of(Layout(headings, rows, width, dispensable), headings, rows);
+  for (std::string& line : fold(missing, *width)) {
+    lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+std::vector<std::string> fold(std::string_view text, std::size_t width) {
+  std::vector<std::string> lines;
+  do {
+    lines.push_back(take_line(text, width));
+  } while (!text.empty());
   return lines;
 }
 

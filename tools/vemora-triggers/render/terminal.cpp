@@ -70,8 +70,16 @@ std::string in_red(const std::string& text) {
   return wants_color() ? "\x1b[31m" + text + "\x1b[0m" : text;
 }
 
-void print_table(const Row& headings, const std::vector<Row>& rows) {
-  for (const std::string& line : lay_out_table(headings, rows, terminal_width())) {
+void print_table(const Row& headings, const std::vector<Row>& rows,
+                 const std::set<std::size_t>& dispensable) {
+  for (const std::string& line : lay_out_table(headings, rows, terminal_width(), dispensable)) {
+    std::cout << line << '\n';
+  }
+}
+
+void print_folded(const std::string& text) {
+  const auto width = terminal_width();
+  for (const std::string& line : width ? fold(text, *width) : std::vector{text}) {
     std::cout << line << '\n';
   }
 }

@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstddef>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,8 +19,13 @@ void print_text(const std::string& text);
 /// The text in red if standard output is a terminal and NO_COLOR is not set.
 std::string in_red(const std::string& text);
 
-/// Prints rows under headings, so that they fit the terminal, or the width that COLUMNS names.
-void print_table(const Row& headings, const std::vector<Row>& rows);
+/// Prints rows under headings, so that they fit the terminal, or the width that COLUMNS names, if
+/// need be without the columns that are dispensable.
+void print_table(const Row& headings, const std::vector<Row>& rows,
+                 const std::set<std::size_t>& dispensable = {});
+
+/// Prints a line, or several where the terminal is narrower than the text.
+void print_folded(const std::string& text);
 
 /// Says on a terminal that the command waits for another process.
 void tell_of_wait() noexcept;
