@@ -10,9 +10,6 @@ if(VEMORA_SANITIZE)
   add_link_options(-fsanitize=${VEMORA_SANITIZE})
 endif()
 
-# What is installed finds its libraries beside it, wherever it was installed to.
-set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-
 # A shared library that shows only what is marked for it and knows all it needs.
 function(vemora_add_library name)
   add_library(${name} SHARED ${ARGN})

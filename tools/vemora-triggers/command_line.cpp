@@ -12,6 +12,7 @@
 
 #include "tools/vemora-triggers/commands/commands.h"
 #include "vemora/operations/warnings/nearest_name.h"
+#include "vemora/trigger_manager/version.h"
 
 namespace kuv::vemora::tools {
 namespace {
@@ -58,7 +59,7 @@ void add_global_options(CLI::App& app, Invocation& call) {
   app.fallthrough();
   app.footer(footer);
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-  app.set_version_flag("--version", std::string("vemora-triggers ") + VEMORA_VERSION);
+  app.set_version_flag("--version", std::string("vemora-triggers " VEMORA_VERSION_STRING));
   app.add_option("--database", call.options.database,
                  "The database: an SQLite file, or postgresql://USER@HOST/NAME?schema=SCHEMA")
       ->capture_default_str()
