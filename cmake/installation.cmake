@@ -86,4 +86,11 @@ if(VEMORA_BUILD_EMBEDDED_SERVER)
   install(TARGETS vemora-triggers RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 endif()
 
+# What servers test their implementations of the contracts with.
+if(TARGET vemora_testing)
+  vemora_install_libraries(testing ${CMAKE_INSTALL_LIBDIR} vemora_testing)
+  vemora_install_package(testing "Tests and test doubles for the contracts of the trigger manager"
+    "vemora_trigger_manager = ${PROJECT_VERSION}, gmock" "" "")
+endif()
+
 install(DIRECTORY schemas examples DESTINATION ${CMAKE_INSTALL_DATADIR}/vemora COMPONENT documentation)
