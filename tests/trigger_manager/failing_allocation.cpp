@@ -34,7 +34,8 @@ bool allocation_has_failed() {
 
 }  // namespace kuv::test
 
-void* operator new(std::size_t size) {
+// Where the compiler can see into one of them, it takes the others for a mismatch.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   void* const memory = allocate(size);
   if (memory == nullptr) {
     throw std::bad_alloc();
@@ -42,8 +43,6 @@ void* operator new(std::size_t size) {
   return memory;
 }
 
-// Where the compiler can see that one of them frees what the other took, it takes them for a
-// mismatch.
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
   std::free(memory);
 }
