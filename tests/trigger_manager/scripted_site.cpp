@@ -341,16 +341,29 @@ Scripted_Site::~Scripted_Site() {
 }
 
 std::unique_ptr<Trigger_Manager> Scripted_Site::a_manager(const Json::Value& stored_config,
-                                                          const Json::Value& stored_mapping) {
-  auto repository = std::make_shared<Repository>(
-      std::make_unique<Scripted_Cameras>(*this), std::make_unique<Scripted_Servers>(*this),
-      std::make_unique<Scripted_Categories>(*this), std::make_unique<Scripted_Subscriptions>(*this),
-      std::make_unique<Scripted_Triggers>(*this), std::make_unique<Scripted_Schedules>(*this),
-      std::make_unique<Scripted_ETA_Cameras>(*this));
+                                                          const Json::Value& stored_mapping,
+                                                          const std::set<std::string>& missing) {
+  const auto unless_missing = [&missing](const char* name, auto collaborator) {
+    return missing.count(name) == 0 ? std::move(collaborator) : nullptr;
+  };
+  const auto repository = std::make_shared<Repository>(
+      unless_missing("camera repository", std::make_unique<Scripted_Cameras>(*this)),
+      unless_missing("server repository", std::make_unique<Scripted_Servers>(*this)),
+      unless_missing("metadata event category repository",
+                     std::make_unique<Scripted_Categories>(*this)),
+      unless_missing("metadata event subscription repository",
+                     std::make_unique<Scripted_Subscriptions>(*this)),
+      unless_missing("trigger repository", std::make_unique<Scripted_Triggers>(*this)),
+      unless_missing("schedule repository", std::make_unique<Scripted_Schedules>(*this)),
+      unless_missing("ETA camera repository", std::make_unique<Scripted_ETA_Cameras>(*this)));
+  auto parser =
+      std::make_unique<Told_Parser>(*this, unless_missing("repository of the parser", repository));
   return std::make_unique<Vemora_Trigger_Manager>(
-      stored_config, stored_mapping, repository, std::make_shared<Scripted_Capture_Manager>(*this),
-      std::make_unique<Told_Parser>(*this, repository), std::make_shared<Scripted_Pusher>(*this),
-      std::make_shared<Scripted_Resolver>(*this));
+      stored_config, stored_mapping, unless_missing("repository", repository),
+      unless_missing("capture manager", std::make_shared<Scripted_Capture_Manager>(*this)),
+      unless_missing("parser", std::move(parser)),
+      unless_missing("notification pusher", std::make_shared<Scripted_Pusher>(*this)),
+      unless_missing("meta type resolver", std::make_shared<Scripted_Resolver>(*this)));
 }
 
 bool Scripted_Site::refuses(const std::string& call) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "support/stub_platform/stub_platform.h"
@@ -39,9 +40,11 @@ class Scripted_Site {
   static const Json::Value config;
   static const Json::Value mapping;
 
-  /// A manager of this site, with the real parser.
+  /// A manager of this site, with the real parser. It gets null pointers for what is missing, such
+  /// as "parser", "repository of the parser" or "trigger repository".
   std::unique_ptr<Trigger_Manager> a_manager(const Json::Value& stored_config,
-                                             const Json::Value& stored_mapping);
+                                             const Json::Value& stored_mapping,
+                                             const std::set<std::string>& missing = {});
 
   /// Whom calls are told from now on; nobody, when it is empty.
   void listen(Listener listener) { listener_ = std::move(listener); }

@@ -71,6 +71,68 @@ TEST_F(Trigger_Parser_Of_A_Server, looks_nothing_up_while_it_is_made) {
   EXPECT_THAT(fetched_schedules(), IsEmpty());
 }
 
+/// A parser without a repository, and what a sink hears of its documents.
+class Trigger_Parser_Without_A_Repository : public ::testing::Test {
+ protected:
+  struct Deaf_Sink : Fault_Sink {
+    bool take(Parser_Fault fault) override {
+      messages.push_back(fault.message);
+      return true;
+    }
+
+    std::vector<std::string> messages;
+  };
+
+  /// The error that says that there is no repository; empty if there is none.
+  template <class Parse>
+  static std::string missing_repository(Parse parse) {
+    try {
+      parse();
+      return "";
+    } catch (const Internal_Error<std::logic_error>& error) {
+      EXPECT_EQ(error.error_code, -2);
+      return error.what();
+    }
+  }
+
+  static constexpr const char* no_repository =
+      "The trigger parser was constructed without a repository";
+  const Log_Capture log;
+  Deaf_Sink sink;
+  Vemora_Trigger_Parser parser{nullptr, 9};
+};
+
+TEST_F(Trigger_Parser_Without_A_Repository, cannot_read_a_configuration) {
+  const Json::Value document = json(R"({"triggers": []})");
+  EXPECT_EQ(missing_repository([&] { parser.parse_trigger_configs(document, {}); }), no_repository);
+  EXPECT_EQ(missing_repository([&] { parser.parse_trigger_configs(document, {}, sink); }),
+            no_repository);
+  EXPECT_THAT(sink.messages, IsEmpty());
+}
+
+TEST_F(Trigger_Parser_Without_A_Repository, cannot_read_a_mapping_that_names_a_schedule) {
+  const Json::Value document =
+      json(R"({"triggerMapping": [{"triggerIds": [1], "scheduleIds": [2]}]})");
+  EXPECT_EQ(missing_repository([&] { parser.parse_trigger_mapping(document); }), no_repository);
+  EXPECT_EQ(missing_repository([&] { parser.parse_trigger_mapping(document, sink); }),
+            no_repository);
+  EXPECT_THAT(sink.messages, IsEmpty());
+}
+
+TEST_F(Trigger_Parser_Without_A_Repository, rejects_a_wrong_document_before_it_misses_one) {
+  EXPECT_THROW(parser.parse_trigger_configs(json("{}"), {}), Backend_Error<std::runtime_error>);
+  EXPECT_THROW(parser.parse_trigger_mapping(json("{}")), Backend_Error<std::runtime_error>);
+}
+
+TEST_F(Trigger_Parser_Without_A_Repository, reads_what_needs_none) {
+  const Json::Value mapping =
+      json(R"({"triggerMapping": [{"triggerIds": [1], "scheduleIds": []}]})");
+  EXPECT_THAT(parser.parse_trigger_mapping(mapping), ::testing::SizeIs(1));
+  EXPECT_THAT(parser.parse_trigger_mapping(mapping, sink), ::testing::SizeIs(1));
+  EXPECT_FALSE(parser.parse_config_properties(json("{}")).nack_delay);
+  EXPECT_FALSE(parser.parse_config_properties(json("{}"), sink).nack_delay);
+}
+
 TEST_F(Trigger_Parser_Of_A_Server, shares_the_repository_as_long_as_it_lives) {
   const long before = repository.use_count();
   {

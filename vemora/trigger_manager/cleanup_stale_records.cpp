@@ -1,3 +1,4 @@
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -7,12 +8,12 @@ namespace kuv::vemora {
 void Vemora_Trigger_Manager::cleanup_stale_records_() {
   if (state_.applied_triggers.empty()) {
     // A call of its own: an empty set of ids to keep could also be a mistake.
-    repository_->triggers().delete_all();
+    required(repository_).triggers().delete_all();
   } else {
-    repository_->triggers().delete_all_except(applied_trigger_ids_());
+    required(repository_).triggers().delete_all_except(applied_trigger_ids_());
   }
-  repository_->metadata_event_subscriptions().delete_stale();
-  repository_->eta_cameras().delete_stale();
+  required(repository_).metadata_event_subscriptions().delete_stale();
+  required(repository_).eta_cameras().delete_stale();
 }
 
 std::set<std::uint64_t> Vemora_Trigger_Manager::applied_trigger_ids_() const {

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "vemora/platform/records/supported_topics.h"
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -36,7 +37,8 @@ Vemora_Trigger_Manager::get_cameras_that_need_subscriptions_(const std::vector<s
                                                              const Camera_List& cameras) {
   std::map<std::string, Camera_List> cameras_by_topic;
   for (const std::string& topic : topics) {
-    Camera_List uncovered = repository_->cameras().get_cameras_needing_subscription(topic, cameras);
+    Camera_List uncovered =
+        required(repository_).cameras().get_cameras_needing_subscription(topic, cameras);
     if (!uncovered.empty()) {
       cameras_by_topic.try_emplace(topic, std::move(uncovered));
     }
@@ -62,7 +64,7 @@ void Vemora_Trigger_Manager::create_subscription_if_supported_(
               "Trigger {} | Creating subscription for camera {} with ONVIF topic {}",
               trigger_record->id, camera_record->id, topic);
   const auto subscription = make_subscription(trigger_record, topic, camera_record);
-  if (repository_->metadata_event_subscriptions().add(subscription)) {
+  if (required(repository_).metadata_event_subscriptions().add(subscription)) {
     cameras_to_reconcile_.insert(camera_record->id);
   } else {
     record_persistence_failure_("Failed to create subscription for trigger", *trigger_record,

@@ -1,3 +1,4 @@
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/search_items.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
@@ -5,7 +6,10 @@ namespace kuv::vemora {
 
 std::set<Object_Search_Item> Vemora_Trigger_Manager::expand_search_items_(
     const std::set<Object_Search_Item>& items) const {
-  return expand_search_items(items, *meta_type_resolver_);
+  if (items.empty()) {
+    return {};
+  }
+  return expand_search_items(items, required(meta_type_resolver_));
 }
 
 }  // namespace kuv::vemora

@@ -2,6 +2,7 @@
 
 #include "vemora/platform/errors/error_codes.h"
 #include "vemora/platform/errors/vemora_error.h"
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 #include "vemora/trigger_parser/strict_equality.h"
 
@@ -29,7 +30,7 @@ bool take_over(const Trigger_Config& config, trigger& record) {
 }  // namespace
 
 std::shared_ptr<trigger> Vemora_Trigger_Manager::get_trigger_record_(const Trigger_Config& config) {
-  std::shared_ptr<trigger> record = repository_->triggers().find_by_id(config.id);
+  std::shared_ptr<trigger> record = required(repository_).triggers().find_by_id(config.id);
   if (!is_active(config)) {
     return record;
   }
@@ -47,7 +48,7 @@ std::shared_ptr<trigger> Vemora_Trigger_Manager::create_trigger_record_(
   record->name = config.name;
   record->schedules = config.schedules;
   record->sources = config.sources;
-  if (!repository_->triggers().add(record)) {
+  if (!required(repository_).triggers().add(record)) {
     throw Internal_Error<std::runtime_error>("Failed to create trigger", error_codes::internal);
   }
   return record;
@@ -55,7 +56,7 @@ std::shared_ptr<trigger> Vemora_Trigger_Manager::create_trigger_record_(
 
 void Vemora_Trigger_Manager::update_trigger_record_(const std::shared_ptr<trigger>& record,
                                                     const Trigger_Config& config) {
-  if (take_over(config, *record) && !repository_->triggers().update(record)) {
+  if (take_over(config, *record) && !required(repository_).triggers().update(record)) {
     throw Internal_Error<std::runtime_error>("Failed to update trigger", error_codes::internal);
   }
 }

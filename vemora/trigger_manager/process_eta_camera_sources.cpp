@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "vemora/platform/records/record_comparator.h"
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -22,15 +23,15 @@ bool detects_motion(const std::set<Trigger_Source>& sources) {
 }
 
 /// The cameras that the sources watch, among the candidates; with no candidates, among all.
-Camera_Set watched_cameras(const std::set<Trigger_Source>& sources, Camera_Repository& cameras,
+Camera_Set watched_cameras(const std::set<Trigger_Source>& sources, Repository& repository,
                            const std::vector<std::shared_ptr<camera>>& candidates) {
   Camera_Set watched;
   if (detects_objects(sources)) {
-    const auto eligible = cameras.get_object_detection_cameras(candidates);
+    const auto eligible = repository.cameras().get_object_detection_cameras(candidates);
     watched.insert(eligible.begin(), eligible.end());
   }
   if (detects_motion(sources)) {
-    const auto eligible = cameras.get_motion_detection_cameras(candidates);
+    const auto eligible = repository.cameras().get_motion_detection_cameras(candidates);
     watched.insert(eligible.begin(), eligible.end());
   }
   return watched;
@@ -43,11 +44,12 @@ void Vemora_Trigger_Manager::process_eta_camera_sources_(const Trigger_Details& 
   ETA_Camera_Query query;
   query.trigger = details.trigger;
   if (selection && selection->empty()) {
-    remove_trigger_from_eta_camera_records_(details.trigger, repository_->eta_cameras().get(query));
+    remove_trigger_from_eta_camera_records_(details.trigger,
+                                            required(repository_).eta_cameras().get(query));
     return;
   }
 
-  const Camera_Set watched = watched_cameras(details.config.sources, repository_->cameras(),
+  const Camera_Set watched = watched_cameras(details.config.sources, required(repository_),
                                              selection.value_or(Camera_List()));
   for (const std::shared_ptr<camera>& camera_record : watched) {
     add_trigger_to_eta_camera_record_(details.trigger, camera_record);
@@ -55,12 +57,13 @@ void Vemora_Trigger_Manager::process_eta_camera_sources_(const Trigger_Details& 
 
   query.cameras.assign(watched.begin(), watched.end());
   query.cameras_match = ETA_Camera_Query::Cameras::outside;
-  remove_trigger_from_eta_camera_records_(details.trigger, repository_->eta_cameras().get(query));
+  remove_trigger_from_eta_camera_records_(details.trigger,
+                                          required(repository_).eta_cameras().get(query));
 }
 
 void Vemora_Trigger_Manager::add_trigger_to_eta_camera_record_(
     const std::shared_ptr<trigger>& trigger_record, const std::shared_ptr<camera>& camera_record) {
-  auto& eta_cameras = repository_->eta_cameras();
+  auto& eta_cameras = required(repository_).eta_cameras();
   std::shared_ptr<eta_camera> detection_map = eta_cameras.get_by_camera_id(camera_record->id);
   if (detection_map) {
     if (detection_map->add_trigger(trigger_record) && !eta_cameras.update(detection_map)) {
@@ -84,7 +87,7 @@ void Vemora_Trigger_Manager::remove_trigger_from_eta_camera_records_(
     const std::shared_ptr<trigger>& trigger_record, const ETA_Camera_List& detection_maps) {
   for (const std::shared_ptr<eta_camera>& detection_map : detection_maps) {
     detection_map->remove_trigger(trigger_record);
-    if (!repository_->eta_cameras().update(detection_map)) {
+    if (!required(repository_).eta_cameras().update(detection_map)) {
       record_persistence_failure_("Failed to remove trigger from object detection map",
                                   *trigger_record, *detection_map);
     }

@@ -1,3 +1,4 @@
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -16,7 +17,7 @@ bool has_generic_source(const std::set<Trigger_Source>& sources) {
 
 void Vemora_Trigger_Manager::process_generic_metadata_source_subscriptions_(
     const Trigger_Details& details) {
-  auto& subscriptions = repository_->metadata_event_subscriptions();
+  auto& subscriptions = required(repository_).metadata_event_subscriptions();
   Subscription_Query query;
   query.trigger = details.trigger;
   query.kind = Subscription_Query::Kind::generic;

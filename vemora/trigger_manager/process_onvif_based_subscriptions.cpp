@@ -1,3 +1,4 @@
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -10,7 +11,7 @@ using Subscription_Query =
 
 void Vemora_Trigger_Manager::process_onvif_based_subscriptions_(const Trigger_Details& details,
                                                                 const Camera_Selection& selection) {
-  auto& subscriptions = repository_->metadata_event_subscriptions();
+  auto& subscriptions = required(repository_).metadata_event_subscriptions();
   Subscription_Query query;
   query.trigger = details.trigger;
   if (selection && selection->empty()) {

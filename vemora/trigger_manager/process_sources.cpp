@@ -1,3 +1,4 @@
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -5,7 +6,8 @@ namespace kuv::vemora {
 void Vemora_Trigger_Manager::process_sources_(const Trigger_Details& details) {
   Camera_Selection selection;
   if (!details.config.tags.camera.empty()) {
-    selection = repository_->cameras().get_cameras_matching_tags(details.config.tags.camera);
+    selection =
+        required(repository_).cameras().get_cameras_matching_tags(details.config.tags.camera);
   }
   process_metadata_event_sources_(details, selection);
   process_eta_camera_sources_(details, selection);

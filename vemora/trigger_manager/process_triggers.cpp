@@ -5,6 +5,7 @@
 #include <exception>
 #include <utility>
 
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -18,11 +19,12 @@ Trigger_Config_State Vemora_Trigger_Manager::process_triggers_(const Json::Value
 
 Vemora_Trigger_Manager::Parsed_Config Vemora_Trigger_Manager::parse_triggers_(
     const Json::Value& config, const Json::Value& mapping) {
+  Trigger_Parser& parser = required(parser_);
   Parsed_Config parsed;
-  parsed.properties = parser_->parse_config_properties(config);
+  parsed.properties = parser.parse_config_properties(config);
   // The mapping first: an association that cannot be resolved makes a trigger inactive.
-  const Trigger_Mapping schedules_by_trigger = parser_->parse_trigger_mapping(mapping);
-  parsed.triggers = parser_->parse_trigger_configs(config, schedules_by_trigger);
+  const Trigger_Mapping schedules_by_trigger = parser.parse_trigger_mapping(mapping);
+  parsed.triggers = parser.parse_trigger_configs(config, schedules_by_trigger);
   return parsed;
 }
 

@@ -2,6 +2,7 @@
 #include <map>
 #include <vector>
 
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/search_items.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
@@ -38,13 +39,13 @@ void add_topics(std::map<std::uint64_t, std::vector<Delivery>>& deliveries_by_tr
 void Vemora_Trigger_Manager::sync_notification_pusher_() {
   collect_subscriptions_();
   collect_search_items_();
-  notification_pusher_->apply_trigger_state(state_);
+  required(notification_pusher_).apply_trigger_state(state_);
 }
 
 void Vemora_Trigger_Manager::collect_subscriptions_() {
   const std::set<std::uint64_t> nobody;  // with no live triggers every subscription is asked for
   const Subscription_List subscriptions =
-      repository_->metadata_event_subscriptions().get_stale(nobody);
+      required(repository_).metadata_event_subscriptions().get_stale(nobody);
   std::map<std::uint64_t, std::vector<Delivery>> deliveries_by_trigger;
   for (const auto& subscription : subscriptions) {
     if (!subscription->camera) {
@@ -68,7 +69,8 @@ void Vemora_Trigger_Manager::collect_subscriptions_() {
 }
 
 void Vemora_Trigger_Manager::collect_search_items_() {
-  for (const std::shared_ptr<eta_camera>& detection_map : repository_->eta_cameras().get_all()) {
+  for (const std::shared_ptr<eta_camera>& detection_map :
+       required(repository_).eta_cameras().get_all()) {
     const std::uint64_t camera_id = detection_map->camera_id();
     for (const std::shared_ptr<trigger>& record : detection_map->triggers) {
       // Assigned, not merged: if a camera ever had two detection records, the later one would

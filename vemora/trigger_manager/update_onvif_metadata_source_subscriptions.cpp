@@ -1,3 +1,4 @@
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -18,7 +19,7 @@ void Vemora_Trigger_Manager::update_onvif_metadata_source_subscriptions_if_neces
   query.kind = Subscription_Query::Kind::topic;
   add_trigger_to_subscriptions_(
       details.trigger,
-      repository_->metadata_event_subscriptions().Get_Matching_Subscriptions(query));
+      required(repository_).metadata_event_subscriptions().Get_Matching_Subscriptions(query));
 }
 
 }  // namespace kuv::vemora

@@ -1,5 +1,6 @@
 #include <exception>
 
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -7,7 +8,7 @@ namespace kuv::vemora {
 void Vemora_Trigger_Manager::update_streams_if_necessary_() {
   for (const std::uint64_t camera_id : cameras_to_reconcile_) {
     try {
-      capture_manager_->reconcile_metadata_stream(camera_id);
+      required(capture_manager_).reconcile_metadata_stream(camera_id);
     } catch (const std::exception& error) {
       logger_.log(kuv::logging::severity_level::error,
                   "Failed to reconcile metadata stream for camera {}: {}", camera_id, error.what());

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include "vemora/trigger_manager/collaborators.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -7,7 +8,7 @@ namespace kuv::vemora {
 /// The one place where a changed subscription is stored, so that no camera of one is forgotten.
 bool Vemora_Trigger_Manager::update_subscription_record_(
     const std::shared_ptr<metadata_event_subscription>& subscription) {
-  if (!repository_->metadata_event_subscriptions().update(subscription)) {
+  if (!required(repository_).metadata_event_subscriptions().update(subscription)) {
     return false;
   }
   if (subscription->camera) {

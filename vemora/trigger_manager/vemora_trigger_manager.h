@@ -39,7 +39,16 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
   /// document an object that holds one. Throws Json::LogicError when a document is neither null nor
   /// an object.
   ///
-  /// The parser is the manager's alone; the other collaborators are shared and must be there.
+  /// The parser is the manager's alone; the other collaborators are shared. A null one is taken,
+  /// and shows as Internal_Error<std::logic_error> with a text that names it, where it is needed
+  /// first:
+  ///  - the parser: in every pass, as a document that could not be read;
+  ///  - the repository, and each sub-repository of it: where a record is read or written; it costs
+  ///    the trigger that was being applied, and the pass from its clean-up on;
+  ///  - the capture manager: in a pass that changed a camera's subscriptions; as any failure to
+  ///    reconcile a stream it is logged, and the pass goes on;
+  ///  - the pusher: at the end of every pass, which fails;
+  ///  - the resolver: in a pass after which an object type is searched for, which fails.
   Vemora_Trigger_Manager(const Json::Value& config, const Json::Value& mapping,
                          std::shared_ptr<Repository> repository,
                          std::shared_ptr<capture::Manager> capture_manager,

@@ -4,6 +4,7 @@
 #include "vemora/platform/utils/json_elements.h"
 #include "vemora/trigger_parser/faults.h"
 #include "vemora/trigger_parser/parse_ids.h"
+#include "vemora/trigger_parser/required_repository.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::vemora {
@@ -84,7 +85,8 @@ std::optional<std::set<Trigger_Mapping_Entry>> Vemora_Trigger_Parser::parse_mapp
   }
   for (const std::uint64_t schedule_id :
        parse_ids(ids, "\"scheduleIds\" must be an array of unsigned integers.", faults)) {
-    std::shared_ptr<schedule> record = repository_->schedules().get_by_id(schedule_id);
+    std::shared_ptr<schedule> record =
+        required_repository(repository_).schedules().get_by_id(schedule_id);
     if (!record || !record->usable) {
       return std::nullopt;
     }

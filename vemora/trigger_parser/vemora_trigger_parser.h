@@ -26,8 +26,9 @@ class Faults;
 class VEMORA_API Vemora_Trigger_Parser : public Trigger_Parser {
  public:
   /// A parser for the server of that id. Looks nothing up: a null repository or an unknown id shows
-  /// when a document is parsed.
-  Vemora_Trigger_Parser(std::shared_ptr<Repository> repository, unsigned long server_id);
+  /// when a document is parsed, as Internal_Error<std::logic_error>: in every configuration, and
+  /// a null repository also in a mapping that names a schedule.
+  Vemora_Trigger_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id);
   ~Vemora_Trigger_Parser() override;
 
   Trigger_Mapping parse_trigger_mapping(const Json::Value& document) override;

@@ -5,6 +5,6 @@
 namespace kuv::vemora::error_codes {
 
 inline constexpr std::int32_t invalid_document = 0x3C000;  ///< a document failed validation
-inline constexpr std::int32_t internal = -2;  ///< the database does not hold what it should
+inline constexpr std::int32_t internal = -2;  ///< what the system relies on is not there
 
 }  // namespace kuv::vemora::error_codes

@@ -82,7 +82,8 @@ class VEMORA_API Vemora_Error<std::logic_error> : public std::logic_error,
   }
 };
 
-/// The database does not hold, or does not take, what the system relies on.
+/// The database does not hold, or does not take, what the system relies on; or the server does not
+/// keep to a contract: a collaborator is missing or calls back.
 template <class Standard>
 class Internal_Error;
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "vemora/platform/errors/required.h"
 #include "vemora/platform/export.h"
 #include "vemora/platform/repositories/camera_repository.h"
 #include "vemora/platform/repositories/eta_camera_repository.h"
@@ -19,7 +20,8 @@ namespace kuv::vemora {
 /// thread at a time, and assumes nothing about locks of theirs.
 class VEMORA_API Repository {
  public:
-  /// Takes the seven sub-repositories; none may be null.
+  /// Takes the seven sub-repositories. Null ones are taken too; who asks for one gets
+  /// Internal_Error<std::logic_error>, whose text names it.
   Repository(std::unique_ptr<Camera_Repository> cameras, std::unique_ptr<Server_Repository> servers,
              std::unique_ptr<Metadata_Event_Category_Repository> categories,
              std::unique_ptr<Metadata_Event_Subscription_Repository> subscriptions,
@@ -34,13 +36,31 @@ class VEMORA_API Repository {
         schedules_(std::move(schedules)),
         eta_cameras_(std::move(eta_cameras)) {}
 
-  Camera_Repository& cameras() { return *cameras_; }
-  Server_Repository& servers() { return *servers_; }
-  Metadata_Event_Category_Repository& metadata_event_categories() { return *categories_; }
-  Metadata_Event_Subscription_Repository& metadata_event_subscriptions() { return *subscriptions_; }
-  Trigger_Repository& triggers() { return *triggers_; }
-  Schedule_Repository& schedules() { return *schedules_; }
-  ETA_Camera_Repository& eta_cameras() { return *eta_cameras_; }
+  Camera_Repository& cameras() {
+    return required(cameras_, "The repository was constructed without a camera repository");
+  }
+  Server_Repository& servers() {
+    return required(servers_, "The repository was constructed without a server repository");
+  }
+  Metadata_Event_Category_Repository& metadata_event_categories() {
+    return required(categories_,
+                    "The repository was constructed without a metadata event category repository");
+  }
+  Metadata_Event_Subscription_Repository& metadata_event_subscriptions() {
+    return required(
+        subscriptions_,
+        "The repository was constructed without a metadata event subscription repository");
+  }
+  Trigger_Repository& triggers() {
+    return required(triggers_, "The repository was constructed without a trigger repository");
+  }
+  Schedule_Repository& schedules() {
+    return required(schedules_, "The repository was constructed without a schedule repository");
+  }
+  ETA_Camera_Repository& eta_cameras() {
+    return required(eta_cameras_,
+                    "The repository was constructed without an ETA camera repository");
+  }
 
  private:
   std::unique_ptr<Camera_Repository> cameras_;
