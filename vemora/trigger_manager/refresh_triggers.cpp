@@ -1,10 +1,10 @@
 #include <fmt/format.h>
 
-#include <boost/thread/lock_types.hpp>
 #include <exception>
 #include <utility>
 
 #include "vemora/trigger_manager/log_failed_operation.h"
+#include "vemora/trigger_manager/manager_lock.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -25,7 +25,7 @@ bool Vemora_Trigger_Manager::refresh_triggers(Trigger_Config_State& state) {
 }
 
 Vemora_Trigger_Manager::Refresh_Result Vemora_Trigger_Manager::refresh_triggers_() {
-  const boost::unique_lock<boost::shared_mutex> lock(mutex_);
+  const Pass_Lock lock(mutex_, "refresh_triggers");
   Refresh_Result result;
   try {
     logger_.log(kuv::logging::severity_level::info, "Refreshing the trigger config.");

@@ -20,7 +20,10 @@ namespace kuv::vemora {
 ///
 /// Every operation may be called from any thread. Passes never overlap; readers run together and
 /// wait for a running pass. What the manager calls (repository, capture manager, pusher, resolver)
-/// it calls on the caller's thread and under its lock: none of them may call back.
+/// it calls on the caller's thread and under its lock: none of them may call back, nor wait for a
+/// thread that does. The call would wait for its own pass forever. Builds without NDEBUG notice one
+/// on the thread of the pass, by any operation of the interface, and throw
+/// Internal_Error<std::logic_error> into the one that calls back.
 class VEMORA_API Trigger_Manager {
  public:
   virtual ~Trigger_Manager() = default;

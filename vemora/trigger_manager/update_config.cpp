@@ -1,10 +1,10 @@
 #include <fmt/format.h>
 
-#include <boost/thread/lock_types.hpp>
 #include <exception>
 #include <utility>
 
 #include "vemora/trigger_manager/log_failed_operation.h"
+#include "vemora/trigger_manager/manager_lock.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::vemora {
@@ -21,7 +21,7 @@ Result failure(kuv::logging::Source& logger, Error::Category category, std::stri
 }  // namespace
 
 Result Vemora_Trigger_Manager::update_config(const Json::Value& config) {
-  const boost::unique_lock<boost::shared_mutex> lock(mutex_);
+  const Pass_Lock lock(mutex_, "update_config");
   Parsed_Config parsed;
   try {
     parsed = parse_triggers_(config, trigger_mapping_);

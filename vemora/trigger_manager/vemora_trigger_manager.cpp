@@ -1,9 +1,9 @@
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
-#include <boost/thread/lock_types.hpp>
 #include <utility>
 
 #include "vemora/platform/utils/json.h"
+#include "vemora/trigger_manager/manager_lock.h"
 
 namespace kuv::vemora {
 
@@ -32,12 +32,12 @@ void Vemora_Trigger_Manager::initialize_() {
 }
 
 Json::Value Vemora_Trigger_Manager::get_config() {
-  const boost::shared_lock<boost::shared_mutex> lock(mutex_);
+  const Read_Lock lock(mutex_, "get_config");
   return config_;
 }
 
 Json::Value Vemora_Trigger_Manager::get_trigger_mapping() {
-  const boost::shared_lock<boost::shared_mutex> lock(mutex_);
+  const Read_Lock lock(mutex_, "get_trigger_mapping");
   return trigger_mapping_;
 }
 
