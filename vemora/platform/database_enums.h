@@ -8,7 +8,9 @@
 namespace kuv::vemora::Database_Enums {
 
 /// The enumerator that `name` stands for in documents; lower-case words joined by hyphens.
-/// Throws std::invalid_argument for a name that is none of them.
+/// Throws std::invalid_argument for a name that is none of them. The trigger manager asks with the
+/// name in lower case, and takes whatever is thrown to say that the name is unknown: the source is
+/// skipped then.
 template <class Enumeration>
 Enumeration convert(const std::string& name);
 

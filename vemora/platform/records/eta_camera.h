@@ -16,7 +16,7 @@ namespace kuv::vemora {
 
 /// The object-detection map of one camera: the triggers that need detection there.
 struct eta_camera {
-  /// The id of the camera. The link must be set.
+  /// The id of the camera, whether or not it is loaded. The link must be set.
   VEMORA_API std::uint64_t camera_id() const;
 
   /// Adds a trigger; true when it was not in the map yet. In memory only, until the record is
@@ -28,10 +28,12 @@ struct eta_camera {
 
   std::uint64_t id = 0;  ///< given by the repository when the record is added
   odb::lazy_shared_ptr<vemora::camera> camera;
-  /// Changed through add_trigger and remove_trigger alone.
+  /// Loaded, never null pointers. Changed through add_trigger and remove_trigger alone.
   std::set<std::shared_ptr<trigger>, ODB_Utils::Record_Comparator> triggers;
 
-  Trigger_Link_Changes link_changes;  ///< of the persistence library
+  /// Of the persistence library: noted by add_trigger and remove_trigger, cleared by the
+  /// repository.
+  Trigger_Link_Changes link_changes;
 };
 
 }  // namespace kuv::vemora

@@ -22,11 +22,12 @@ namespace kuv::vemora {
 ///  - a topic subscription has a camera and an ONVIF topic, and is the only one for that pair; the
 ///    trigger manager makes it and takes it away;
 ///  - a generic one has neither; it belongs to the site, and triggers only join and leave it.
+/// One with a camera and no topic is corrupt, and fails every pass that reads it.
 struct metadata_event_subscription {
-  /// The id of the camera. The link must be set.
+  /// The id of the camera, whether or not it is loaded. The link must be set.
   VEMORA_API std::uint64_t camera_id() const;
 
-  /// The ids of the triggers served, ascending.
+  /// The ids of the triggers served, ascending, whether or not they are loaded.
   VEMORA_API std::vector<std::uint64_t> trigger_ids() const;
 
   /// Adds a trigger; true when it was not served yet. In memory only, until the record is stored.
@@ -46,7 +47,9 @@ struct metadata_event_subscription {
   std::vector<odb::lazy_shared_ptr<vemora::camera>>
       camera_links;  ///< further cameras of a generic one
 
-  Trigger_Link_Changes link_changes;  ///< of the persistence library
+  /// Of the persistence library: noted by add_trigger and remove_trigger, cleared by the
+  /// repository.
+  Trigger_Link_Changes link_changes;
 };
 
 }  // namespace kuv::vemora

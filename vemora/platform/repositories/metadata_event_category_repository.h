@@ -8,7 +8,7 @@
 
 namespace kuv::vemora {
 
-/// The event categories of the site. Every operation may throw what the persistence library throws.
+/// The event categories of the site.
 class VEMORA_API Metadata_Event_Category_Repository {
  public:
   virtual ~Metadata_Event_Category_Repository() = default;

@@ -12,9 +12,12 @@
 
 namespace kuv::vemora {
 
-/// The subscriptions to metadata events. Every list comes in ascending order of record id. A bool
-/// answer is true when the record is stored and false when the database refused it; every operation
-/// may also throw what the persistence library throws.
+/// The subscriptions to metadata events. Every list comes in ascending order of record id, without
+/// duplicates and without null pointers.
+///
+/// A bool answer is true when the record is stored and false when the database refused it; queries
+/// answer what is stored from then on. A refusal costs the trigger this one record or change, and
+/// is reported. What an exception costs depends on the operation, see Repository.
 class VEMORA_API Metadata_Event_Subscription_Repository {
  public:
   using Subscription_List = std::vector<std::shared_ptr<metadata_event_subscription>>;
@@ -26,6 +29,7 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
       holding,  ///< the subscription serves `trigger`
       lacking,  ///< it does not
     };
+    /// What has a camera and no topic, or a topic and no camera, is corrupt and of neither kind.
     enum class Kind {
       any,
       topic,    ///< with a camera and an ONVIF topic
@@ -39,12 +43,12 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
     };
     enum class Tags {
       matching,      ///< a tag satisfies one of `tags`; with no terms every subscription does
-      not_matching,  ///< no tag does
+      not_matching,  ///< no tag does; with no terms no subscription is selected
     };
 
-    std::shared_ptr<vemora::trigger> trigger;  ///< null: held or lacked by anybody
-    std::vector<std::string> topics;
-    std::vector<std::shared_ptr<camera>> cameras;
+    std::shared_ptr<vemora::trigger> trigger;      ///< null: held or lacked by anybody
+    std::vector<std::string> topics;               ///< each compared whole, byte for byte
+    std::vector<std::shared_ptr<camera>> cameras;  ///< no null pointers
     std::set<ODB_Utils::Tag_Search_Term> tags;
 
     Trigger_Match trigger_match = Trigger_Match::holding;
@@ -55,13 +59,14 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
 
   virtual ~Metadata_Event_Subscription_Repository() = default;
 
-  /// Stores a new topic subscription with its triggers, and gives it an id. Refused when it has no
-  /// camera or no topic, when there is one for its camera and topic, and when its camera or one of
-  /// its triggers is not stored.
+  /// Stores a new topic subscription with its triggers, gives it an id and clears its link_changes.
+  /// The repository may keep the object. Refused when it has no camera or no topic, when there is
+  /// one for its camera and topic, and when its camera or one of its triggers is not stored.
   virtual bool add(const std::shared_ptr<metadata_event_subscription>& added) = 0;
 
   /// Stores the triggers that were added to or removed from a subscription since it was loaded or
-  /// last stored. Refused when the subscription, or a trigger added to it, is not stored.
+  /// last stored, and clears its link_changes. Also called for subscriptions that have not changed.
+  /// Refused when the subscription, or a trigger added to it, is not stored.
   virtual bool update(const std::shared_ptr<metadata_event_subscription>& changed) = 0;
 
   /// The subscriptions that satisfy everything that `params` ask for.
@@ -69,10 +74,13 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
       const Get_Matching_Subscriptions_Params& params) = 0;
 
   /// The topic subscriptions that hold none of `live_trigger_ids`: what delete_stale deletes once
-  /// every other trigger is gone. With no ids, every subscription of both kinds.
+  /// every other trigger is gone. With no ids, every subscription of both kinds, corrupt ones
+  /// included. Called before the clean-up, with the triggers that were applied, and after the last
+  /// write, with no ids. An exception fails the pass.
   virtual Subscription_List get_stale(const std::set<std::uint64_t>& live_trigger_ids) = 0;
 
-  /// Deletes the topic subscriptions that hold no trigger. Generic ones belong to the site.
+  /// Deletes the topic subscriptions that hold no trigger, those included that lost their last one
+  /// when it was deleted. Generic ones belong to the site. An exception fails the pass.
   virtual void delete_stale() = 0;
 };
 

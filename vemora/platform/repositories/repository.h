@@ -16,8 +16,29 @@
 namespace kuv::vemora {
 
 /// The database as the trigger manager sees it: one sub-repository for each kind of record, owned
-/// here and alive as long as this object. The trigger manager calls them under its own lock, one
-/// thread at a time, and assumes nothing about locks of theirs.
+/// here and alive as long as this object. What the contracts of all of them have in common:
+///
+/// Threads. They are called on the thread that called the trigger manager, one call at a time, and
+/// only as long as one of its operations runs. They must not call it back. It assumes nothing about
+/// locks of theirs.
+///
+/// Transactions. The trigger manager opens none: a server puts its own around the call. Each query
+/// answers what is stored together with what the same pass has written so far. The last write of a
+/// pass is ETA_Camera_Repository::delete_stale.
+///
+/// Faults. Every operation may throw. What it costs: while the documents are parsed (servers,
+/// schedules), the operation of the trigger manager fails before anything was written. While a
+/// trigger is processed (find_by_id, add, update, the queries), an exception derived from
+/// std::exception costs that trigger: it is reported as an error and not applied, so that the
+/// clean-up DELETES it with its links, and the pass goes on and succeeds. In the clean-up and after
+/// it (get_stale, the deletions, get_all), it fails the pass. Therefore, after a fault, every
+/// operation must keep throwing until the pass ends: otherwise, a fault that is over after one call
+/// costs a trigger that is in order. An exception that is not derived from std::exception always
+/// ends the operation.
+///
+/// Ownership. Records are shared. The repository may keep those that it is given, and may answer
+/// the same object each time or copies; the trigger manager compares records by id alone, changes
+/// records that were answered before it hands them to update, and keeps none beyond the pass.
 class VEMORA_API Repository {
  public:
   /// Takes the seven sub-repositories. Null ones are taken too; who asks for one gets

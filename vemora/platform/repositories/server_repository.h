@@ -8,12 +8,14 @@
 
 namespace kuv::vemora {
 
-/// The servers of the site. Every operation may throw what the persistence library throws.
+/// The servers of the site. Called while the documents are parsed: an exception fails the operation
+/// of the trigger manager, and nothing was written.
 class VEMORA_API Server_Repository {
  public:
   virtual ~Server_Repository() = default;
 
-  /// The server of that id as the database holds it now; null when there is none.
+  /// The server of that id as the database holds it now; null when there is none, which rejects
+  /// every configuration.
   virtual std::shared_ptr<server> get_by_id(std::uint64_t id) = 0;
 };
 

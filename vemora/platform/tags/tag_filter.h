@@ -17,7 +17,8 @@ inline bool satisfies(const Tag_Info& tag, const ODB_Utils::Tag_Search_Term& ter
 }
 
 /// Whether `tags` satisfy at least one of `terms`. An empty filter asks for nothing, so it refuses
-/// nothing: with no terms the answer is true.
+/// nothing: with no terms the answer is true. Called while the documents are parsed, with the tags
+/// of the server.
 VEMORA_API bool matches_any(const std::map<std::string, Tag_Info>& tags,
                             const std::set<ODB_Utils::Tag_Search_Term>& terms);
 
