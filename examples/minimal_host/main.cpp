@@ -32,6 +32,7 @@ using embedded_server::Pass_Scope;
 constexpr std::uint64_t our_server = 1;
 constexpr const char* motion = "tns1:VideoSource/MotionAlarm";
 
+//! [services]
 /// Would ask the camera for the events of its subscriptions.
 class Capture : public capture::Manager {
  public:
@@ -57,6 +58,7 @@ class Resolver : public Meta_Type_Resolver {
  public:
   std::vector<std::string> resolve(const std::vector<std::string>& types) override { return types; }
 };
+//! [services]
 
 Json::Value parse(const std::string& text) {
   Json::Value document;
@@ -70,6 +72,7 @@ void require(bool holds, const std::string& what) {
   }
 }
 
+//! [inventory]
 Inventory tiny_inventory() {
   Inventory site;
   server recorder;
@@ -87,7 +90,9 @@ Inventory tiny_inventory() {
   site.cameras.push_back(door);
   return site;
 }
+//! [inventory]
 
+//! [passes]
 const char* const configuration = R"({"triggers": [
   {"id": 7, "name": "somebody at the door", "tags": {"camera": {"door": null}}, "anyTime": true,
    "sources": [{"type": "onvif-metadata", "onvifTopic": "tns1:VideoSource/MotionAlarm"},
@@ -128,6 +133,7 @@ void run(const std::string& file) {
   require(capture_manager->reconciled == 1, "an unchanged site is left alone");
   std::cout << "trigger 7 listens to camera 10; the refresh changed nothing\n";
 }
+//! [passes]
 
 }  // namespace
 

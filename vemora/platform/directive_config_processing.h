@@ -8,6 +8,7 @@ namespace kuv::vemora::Directive_Config_Processing {
 
 /// One failure met while a document was processed.
 struct Error {
+  /// How far the document came.
   enum class Category : std::int32_t {
     /// The documents, or what they name, could not be read; nothing was applied.
     rejected_document = 0,
@@ -15,8 +16,8 @@ struct Error {
     failed_processing = 1,
   };
 
-  Category category = Category::rejected_document;
-  std::string message;  ///< for people, complete
+  Category category = Category::rejected_document;  ///< how far the document came
+  std::string message;                              ///< for people, complete
 };
 
 /// The outcome of handing over a new document.

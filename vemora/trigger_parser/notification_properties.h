@@ -9,6 +9,7 @@ namespace kuv::vemora {
 
 /// Timing of the trigger notifications; what is unset is left to the pusher's own defaults.
 struct Notification_Properties {
+  /// As wide as servers hold such times.
   using Milliseconds = std::chrono::duration<std::uint32_t, std::milli>;
 
   std::optional<Milliseconds> max_latency;      ///< a notification waits no longer than this

@@ -10,6 +10,7 @@ namespace kuv::vemora {
 
 /// One setting of "properties" in the configuration document.
 struct Notification_Setting {
+  /// What the setting becomes.
   using Milliseconds = Notification_Properties::Milliseconds;
 
   /// The product is taken in 32 bits and wraps: servers hold these settings as 32-bit milliseconds,
@@ -18,9 +19,9 @@ struct Notification_Setting {
     return Milliseconds(units * milliseconds_per_unit);
   }
 
-  const char* key;
-  std::uint32_t milliseconds_per_unit;
-  std::optional<Milliseconds> Notification_Properties::*member;
+  const char* key;                                               ///< in "properties"
+  std::uint32_t milliseconds_per_unit;                           ///< the key says the unit
+  std::optional<Milliseconds> Notification_Properties::*member;  ///< where it is held
 };
 
 /// In the order in which they are read.

@@ -35,16 +35,16 @@ enum class Activity_Duration_Mode : std::int32_t {
 
 /// How long an activity must last before a source fires.
 struct Activity_Duration {
-  Activity_Duration_Mode mode = Activity_Duration_Mode::object_presence;
-  std::chrono::microseconds min_duration{0};
-  std::chrono::microseconds dropout{0};  ///< an interruption up to this long is none
+  Activity_Duration_Mode mode = Activity_Duration_Mode::object_presence;  ///< what is measured
+  std::chrono::microseconds min_duration{0};  ///< the source fires after this time
+  std::chrono::microseconds dropout{0};       ///< an interruption up to this long is none
 };
 
 /// One thing that fires a trigger. Which optional fields are present follows from the type.
 struct Trigger_Source {
-  Trigger_Source_Type type = Trigger_Source_Type::onvif_metadata;
-  std::optional<std::string> onvif_topic;              ///< onvif_metadata: never empty
-  std::optional<Object_Search_Item> search_item;       ///< object_detection
+  Trigger_Source_Type type = Trigger_Source_Type::onvif_metadata;  ///< the kind of event
+  std::optional<std::string> onvif_topic;                          ///< onvif_metadata: never empty
+  std::optional<Object_Search_Item> search_item;                   ///< object_detection
   std::optional<Activity_Duration> activity_duration;  ///< object_detection, motion_detection
 
   /// Orders the sources of a trigger: by type, ONVIF sources by topic, object detection by object
@@ -80,27 +80,28 @@ struct Trigger_Config {
   /// Which servers, cameras and generic subscriptions the trigger is for; an empty filter is for
   /// all.
   struct Tags {
-    std::set<ODB_Utils::Tag_Search_Term> server;
-    std::set<ODB_Utils::Tag_Search_Term> camera;
-    std::set<ODB_Utils::Tag_Search_Term> event_subscription;
+    std::set<ODB_Utils::Tag_Search_Term> server;              ///< on which it is active
+    std::set<ODB_Utils::Tag_Search_Term> camera;              ///< which its sources are about
+    std::set<ODB_Utils::Tag_Search_Term> event_subscription;  ///< generic ones that it joins
   };
 
+  /// What the pusher receives with the trigger, and the library makes no use of.
   struct Options {
-    bool any_time = false;
+    bool any_time = false;  ///< "anyTime"
   };
 
   /// The topics of the ONVIF sources, sorted and without duplicates as the sources are. Throws
   /// std::bad_optional_access on an ONVIF source without a topic, which no parsed trigger has.
   VEMORA_API std::vector<std::string> all_source_topics() const;
 
-  std::uint64_t id = 0;
-  std::string name;
-  Tags tags;
+  std::uint64_t id = 0;                       ///< as it was configured; no two triggers share one
+  std::string name;                           ///< for people
+  Tags tags;                                  ///< what it is for
   std::set<Trigger_Source> sources;           ///< never empty in a parsed trigger
   std::set<Trigger_Mapping_Entry> schedules;  ///< in which the trigger is active
-  Options options;
-  bool matches_server = false;    ///< the server filter lets this server pass
-  bool schedule_invalid = false;  ///< a schedule that it refers to cannot be used
+  Options options;                            ///< for the pusher
+  bool matches_server = false;                ///< the server filter lets this server pass
+  bool schedule_invalid = false;              ///< a schedule that it refers to cannot be used
 };
 
 /// Whether the trigger is at work on this server; one that is not is taken off every record.

@@ -21,14 +21,16 @@ struct Trigger_Config_State {
 
   // The maps are by trigger id, those inside them by camera id.
 
+  /// The triggers that are active here and did not fail.
   std::map<std::uint64_t, Trigger_Config::Options> applied_triggers;
+  /// What cameras deliver.
   std::map<std::uint64_t, std::map<std::uint64_t, std::set<std::string>>> onvif_topics_by_trigger;
   std::vector<Directive_Config_Processing::Error> errors;  ///< in the order in which they happened
   std::map<std::uint64_t, std::set<std::uint64_t>> subscriptions_by_trigger;  ///< generic ones
   /// What object detection looks for, general names replaced by what they stand for.
   std::map<std::uint64_t, std::map<std::uint64_t, std::set<Object_Search_Item>>>
       search_items_by_trigger;
-  Notification_Properties properties;
+  Notification_Properties properties;  ///< of the configuration document
 };
 
 }  // namespace kuv::vemora

@@ -36,16 +36,17 @@ class VEMORA_API Vemora_Trigger_Parser : public Trigger_Parser {
                                                     const Trigger_Mapping& mapping) override;
   Notification_Properties parse_config_properties(const Json::Value& document) override;
 
-  // The same with a sink, which hears of every fault of the document as long as it wants to. After
-  // a fault the result must not be used. A configuration that is no object is a fault of its
-  // properties too. Errors of the database are thrown as without a sink, and so is
-  // std::bad_alloc.
-
+  /// The same with a sink, which hears of every fault of the document as long as it wants to. After
+  /// a fault the result must not be used. A configuration that is no object is a fault of its
+  /// properties too. Errors of the database are thrown as without a sink, and so is
+  /// std::bad_alloc.
+  ///@{
   Trigger_Mapping parse_trigger_mapping(const Json::Value& document, Fault_Sink& sink);
   std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
                                                     const Trigger_Mapping& mapping,
                                                     Fault_Sink& sink);
   Notification_Properties parse_config_properties(const Json::Value& document, Fault_Sink& sink);
+  ///@}
 
  private:
   Trigger_Mapping parse_trigger_mapping_(const Json::Value& document, Faults& faults);

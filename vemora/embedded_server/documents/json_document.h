@@ -20,11 +20,12 @@ constexpr std::size_t largest_document = std::size_t{512} << 20;
 /// Thrown for a document that cannot be read at all.
 class VEMORA_API Document_Error : public std::runtime_error {
  public:
+  /// `its_line` is the line of the document that the fault is in.
   explicit Document_Error(const Document_Fault& fault, std::string_view its_line = {})
       : std::runtime_error(fault.message), location(fault.location), line(its_line) {}
 
-  Location location;
-  std::string line;  ///< with the fault; empty if not known
+  Location location;  ///< of the fault
+  std::string line;   ///< with the fault; empty if not known
 };
 
 /// A JSON document with its text, so that it can be stored as it was written and faults found in it
@@ -40,7 +41,9 @@ class VEMORA_API Json_Document {
   static Json_Document read(const std::string& path, std::size_t limit = largest_document,
                             std::size_t most_values = default_most_values);
 
+  /// As it was written, byte for byte.
   const std::string& text() const { return text_; }
+  /// As it was read.
   const Json::Value& value() const { return value_; }
 
   /// The location where a value of this document begins.

@@ -14,6 +14,7 @@ namespace kuv::vemora::embedded_server {
 /// default. Each takes about 100 bytes of memory, however short it is in the document.
 constexpr std::size_t default_most_values = 20'000'000;
 
+/// What is not JSON, and where it begins.
 struct Grammar_Fault {
   std::string message;
   std::size_t offset = 0;

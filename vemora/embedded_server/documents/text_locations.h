@@ -26,8 +26,10 @@ struct Surroundings {
 /// which the object was constructed.
 class VEMORA_API Text_Locations {
  public:
+  /// Reads the text once. It is not kept.
   explicit Text_Locations(std::string_view text);
 
+  /// The line and the column of an offset in bytes.
   Location locate(std::string_view text, std::size_t offset) const;
 
   /// The same. Fast if the offset is soon after `last`, which becomes the position found.

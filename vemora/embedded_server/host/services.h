@@ -20,14 +20,17 @@ namespace kuv::vemora::embedded_server {
 /// without one, there is nothing to do.
 class VEMORA_API Recording_Capture_Manager : public capture::Manager {
  public:
+  /// Passes each call on to `target`, unless it is null.
   explicit Recording_Capture_Manager(std::shared_ptr<capture::Manager> target = nullptr);
 
   void reconcile_metadata_stream(std::uint64_t camera_id) override;
 
-  // Since the last forget().
+  /// The cameras since the last forget().
   const std::set<std::uint64_t>& asked_for() const { return asked_for_; }
-  const std::set<std::uint64_t>& reconciled() const { return reconciled_; }  ///< successfully
+  /// Those of them for which the target did not throw.
+  const std::set<std::uint64_t>& reconciled() const { return reconciled_; }
 
+  /// Begins anew.
   void forget();
 
   /// Until the next forget(), the target is not called.
@@ -43,6 +46,7 @@ class VEMORA_API Recording_Capture_Manager : public capture::Manager {
 /// Keeps the last state that it was given, once the other pusher, if there is one, has accepted it.
 class VEMORA_API Snapshot_Pusher : public Trigger_Notification_Pusher {
  public:
+  /// Passes each state on to `target`, unless it is null.
   explicit Snapshot_Pusher(std::shared_ptr<Trigger_Notification_Pusher> target = nullptr);
 
   void stop() override;
@@ -50,6 +54,7 @@ class VEMORA_API Snapshot_Pusher : public Trigger_Notification_Pusher {
 
   /// Nothing if none was accepted since the last forget().
   const std::optional<Trigger_Config_State>& state() const { return state_; }
+  /// Begins anew, without a state.
   void forget();
 
   /// Until the next forget(), the target receives no state.
@@ -66,6 +71,7 @@ class VEMORA_API Inventory_Meta_Type_Resolver : public Meta_Type_Resolver {
  public:
   Inventory_Meta_Type_Resolver() = default;
 
+  /// From now on, these are the general object types.
   void learn(Object_Types types) { types_ = std::move(types); }
 
   std::vector<std::string> resolve(const std::vector<std::string>& types) override;

@@ -33,6 +33,7 @@ namespace kuv::vemora::embedded_server {
 
 /// The outcome of one pass.
 struct Pass_Outcome {
+  /// How a pass ended.
   enum class Status {
     done,      ///< single triggers may have errors
     rejected,  ///< a document was rejected; nothing changed
@@ -84,6 +85,7 @@ struct Host_Services {
 /// exceptions of the services that are not derived from std::exception.
 class VEMORA_API Trigger_Host {
  public:
+  /// A host that runs its passes as the server `server_id`. Runs none yet.
   Trigger_Host(std::shared_ptr<Database> database, std::uint64_t server_id,
                Host_Services services = {});
 

@@ -15,12 +15,14 @@ struct Changes {
     std::uint64_t trigger_id = 0;
   };
 
+  /// What became of the records, or links, of one kind.
   template <class Item>
   struct Of {
     std::vector<Item> added;
     std::vector<Item> updated;  ///< only of triggers: all others are added or deleted
     std::vector<Item> deleted;
 
+    /// Nothing changed.
     bool empty() const { return added.empty() && updated.empty() && deleted.empty(); }
   };
 
@@ -31,6 +33,7 @@ struct Changes {
   Of<std::uint64_t> eta_cameras;
   Of<Link> eta_camera_links;
 
+  /// Nothing changed.
   bool empty() const {
     return triggers.empty() && subscriptions.empty() && subscription_links.empty() &&
            eta_cameras.empty() && eta_camera_links.empty();
@@ -39,10 +42,12 @@ struct Changes {
 
 /// How many records, or links, of each kind a pass has written and deleted.
 struct Change_Counts {
+  /// Of one kind; what was updated counts as written.
   struct Of {
     std::uint64_t written = 0;
     std::uint64_t deleted = 0;
 
+    /// Nothing changed.
     bool empty() const { return written == 0 && deleted == 0; }
   };
 
@@ -52,6 +57,7 @@ struct Change_Counts {
   Of detection;
   Of detection_links;
 
+  /// Nothing changed.
   bool empty() const {
     return triggers.empty() && subscriptions.empty() && subscription_links.empty() &&
            detection.empty() && detection_links.empty();

@@ -17,6 +17,7 @@ struct Site_Counts {
   std::uint64_t cameras = 0;
 };
 
+/// What a restore leaves.
 struct Restored_Site {
   Site_Counts counts;
   std::set<std::uint64_t> pending_cameras;  ///< to be reconciled by the next pass

@@ -20,6 +20,7 @@ class Engine;
 /// The database of one site. Shared by everything that works on it; may be used from any thread.
 class VEMORA_API Database : public std::enable_shared_from_this<Database> {
  public:
+  /// What to do where there is no site.
   using Open_Mode = embedded_server::Open_Mode;
 
   /// Opens the database at `location`: the path of an SQLite file, also written "sqlite:PATH", or
@@ -40,6 +41,7 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   /// The version of its tables as it was last seen; 0 where there is no site. Those of an older
   /// version than this library's are read as they are.
   std::int32_t schema_version() const noexcept { return schema_version_; }
+  /// For the persistence library itself: what schema_version() answers from now on.
   void note_schema_version(std::int32_t version) noexcept { schema_version_ = version; }
 
   /// The server that the database belongs to: the first one whose pass stored something, records or
@@ -52,6 +54,7 @@ class VEMORA_API Database : public std::enable_shared_from_this<Database> {
   /// What is stored of the last single operation that wrote, an inventory for one: for whoever has
   /// to tell it where something was thrown.
   Kept kept() const noexcept { return kept_; }
+  /// For the persistence library itself: what kept() answers from now on.
   void note_kept(Kept kept) noexcept { kept_ = kept; }
 
   /// What differs between the database engines. For the persistence library itself.

@@ -7,6 +7,7 @@ namespace kuv::vemora::embedded_server {
 
 /// How many records of a kind are about to be deleted, and of how many that are stored.
 struct Deletions {
+  /// Of one kind.
   struct Of {
     std::size_t deleted = 0;
     std::size_t stored = 0;
@@ -22,6 +23,7 @@ struct Deletions {
   Of generic_subscriptions;
   Of object_types;
 
+  /// Nothing is deleted.
   bool empty() const {
     return triggers.deleted + topic_subscriptions.deleted + cameras.deleted + servers.deleted +
                schedules.deleted + categories.deleted + generic_subscriptions.deleted +

@@ -27,6 +27,7 @@ struct Past_Text {
   std::optional<std::string> text;  ///< nothing if it was given up since
 };
 
+/// An entry of the history, with the texts that it names.
 struct Past_Pass {
   History_Entry entry;
   std::optional<std::vector<std::string>> errors;  ///< nothing if they were given up since

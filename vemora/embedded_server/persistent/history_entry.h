@@ -26,7 +26,9 @@ struct Pass_Ending {
   std::vector<std::string> errors;
 };
 
+/// A pass as the history has it.
 struct History_Entry {
+  /// How the pass ended.
   enum class Status : std::int32_t {
     cut_short = 0,  ///< its records are stored; how it ended, and its documents, were not
     done = 1,       ///< single triggers may have errors

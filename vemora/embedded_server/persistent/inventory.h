@@ -22,6 +22,7 @@ namespace kuv::vemora::embedded_server {
 
 /// What belongs to a site besides its triggers.
 struct Inventory {
+  /// A camera, with its capabilities as a text.
   struct Camera {
     std::uint64_t id = 0;
     std::string name;

@@ -38,8 +38,9 @@ struct Documents {
 /// To be used on one thread, and one at a time on it.
 class VEMORA_API Pass_Scope {
  public:
+  /// What becomes of what the pass does.
   enum class Mode {
-    commit,
+    commit,     ///< it is stored, with the last write of the pass
     roll_back,  ///< nothing is ever written; changes() says what would have been
     read_only,  ///< for readers that want one consistent state: waits for nobody, stores nothing
   };

@@ -16,10 +16,12 @@ namespace kuv::vemora::embedded_server {
 
 /// What a prune removes because the inventory does not name it. Every list ascends.
 struct Pruned_Records {
+  /// A record that is removed, or kept.
   struct Record {
     std::uint64_t id = 0;
     std::string name;
   };
+  /// A camera that is removed, with what depends on it.
   struct Camera : Record {
     std::size_t topic_subscriptions = 0;  ///< removed with it
     bool has_detection = false;           ///< its detection record is removed with it

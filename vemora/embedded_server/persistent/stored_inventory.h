@@ -11,6 +11,7 @@ namespace kuv::vemora::embedded_server {
 // What the database holds of a site besides its triggers. Each of these joins the pass that is open
 // on its thread, or reads one consistent state of its own, and throws Database_Error.
 
+/// How many records of each kind a site has.
 struct Inventory_Counts {
   std::uint64_t servers = 0;
   std::uint64_t cameras = 0;

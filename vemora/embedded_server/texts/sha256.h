@@ -13,6 +13,7 @@ namespace kuv::vemora::embedded_server {
 /// The digest SHA-256 (FIPS 180-4) of bytes that come piece by piece.
 class VEMORA_API SHA256 {
  public:
+  /// The next piece.
   void add(std::string_view bytes);
 
   /// The digest as 64 hexadecimal digits. Nothing can be added after it.

@@ -15,6 +15,7 @@ namespace kuv::vemora::operations {
 /// What is stored of a trigger, and why. A reason with the code "not-refreshed" says that a refresh
 /// would change what is stored.
 struct Explanation {
+  /// What became of the trigger.
   enum class State {
     active,          ///< configured, and its record is stored
     inactive,        ///< configured, and no record is stored
@@ -23,12 +24,14 @@ struct Explanation {
     not_configured,  ///< not in the stored configuration
   };
 
+  /// One of the trigger's topics on one camera.
   struct Topic {
     std::string topic;
     bool subscribed = false;
     Reasons reasons;
   };
 
+  /// What the trigger does on one camera.
   struct Camera {
     std::uint64_t id = 0;
     std::optional<std::string> name;  ///< nothing where records name a camera that is gone

@@ -11,6 +11,7 @@
 
 namespace kuv::vemora::operations {
 
+/// How many there are, and the first of them.
 struct Inactive_Triggers {
   std::size_t count = 0;
   std::vector<Explanation> first;  ///< without cameras and subscriptions

@@ -7,6 +7,7 @@ namespace kuv::vemora::operations {
 
 /// Something that a camera or a generic subscription reports.
 struct Event {
+  /// What is reported.
   enum class Kind {
     topic,         ///< `text` is the topic
     object,        ///< `text` is the type of the object

@@ -20,11 +20,12 @@ namespace kuv::vemora::operations {
 /// Events that cannot be read, or a line that is no event.
 class VEMORA_API Event_Error : public std::runtime_error {
  public:
+  /// `its_line` is the text of the line that the fault is in.
   explicit Event_Error(const embedded_server::Document_Fault& fault, std::string its_line = {})
       : std::runtime_error(fault.message), location(fault.location), line(std::move(its_line)) {}
 
-  embedded_server::Location location;
-  std::string line;  ///< the text of the line, as far as it is known
+  embedded_server::Location location;  ///< of the fault
+  std::string line;                    ///< the text of the line, as far as it is known
 };
 
 /// Reads events from a file, a JSON object a line: {"camera": 10, "topic": "..."},

@@ -18,6 +18,7 @@ namespace kuv::vemora::operations {
 
 /// Who is told of an event. Schedules and durations are not judged.
 struct Match {
+  /// A trigger, as people know it.
   struct Trigger {
     std::uint64_t id = 0;
     std::string name;
@@ -58,6 +59,7 @@ struct Changed_Listening {
   Reasons reasons;  ///< why it is not told with the others
 };
 
+/// What becomes of many events, and what would with other documents.
 struct Compared_Counts {
   Event_Counts counts;                    ///< as stored
   std::vector<Changed_Listening> gained;  ///< told with the new documents only

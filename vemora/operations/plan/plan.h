@@ -23,6 +23,7 @@ enum class Planned_Action { creation, change, deletion };
 /// Ascending.
 using Planned_Ids = std::vector<std::uint64_t>;
 
+/// What a pass would do to a trigger record.
 struct Planned_Trigger {
   Planned_Action action;
   std::uint64_t id = 0;
@@ -36,6 +37,7 @@ struct Planned_Links {
   std::optional<Planned_Ids> after;   ///< nothing for one that is deleted
 };
 
+/// What a pass would do to a subscription.
 struct Planned_Subscription {
   Planned_Action action;
   std::optional<std::uint64_t> id;  ///< nothing before it is created
@@ -45,6 +47,7 @@ struct Planned_Subscription {
   Planned_Links triggers;
 };
 
+/// What a pass would do to a detection record.
 struct Planned_Detection {
   Planned_Action action;
   std::optional<std::uint64_t> id;  ///< nothing before it is created
@@ -58,6 +61,7 @@ struct Planned_Camera {
   Tag_Map tags;
 };
 
+/// What a pass would do, all of it.
 struct VEMORA_API Plan {
   embedded_server::Pass_Outcome outcome;
 

@@ -31,6 +31,7 @@ class VEMORA_API Plan_File_Error : public std::runtime_error {
 /// know.
 class VEMORA_API Plan_File {
  public:
+  /// Neither reads nor writes anything yet.
   explicit Plan_File(std::string path);
 
   /// Throws Plan_File_Error if something is there that is no plan: it is never replaced.

@@ -13,6 +13,7 @@ namespace kuv::vemora::operations {
 /// one that differs least, by a letter in three at most, or that has the wrong one in it.
 class VEMORA_API Nearest_Name {
  public:
+  /// The name that is known to be wrong; it is not copied.
   explicit Nearest_Name(std::string_view wrong) : wrong_(wrong) {}
 
   /// Returns how many letters it compared.
@@ -31,7 +32,9 @@ class VEMORA_API Nearest_Name {
 /// be found: as many as take a fraction of a second.
 class Comparison_Budget {
  public:
+  /// Nothing may be compared any more.
   bool is_spent() const { return left_ == 0; }
+  /// Takes note of what was compared.
   void spend(std::size_t letters) { left_ -= std::min(left_, letters); }
 
  private:

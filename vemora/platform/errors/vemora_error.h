@@ -34,7 +34,9 @@ class VEMORA_API Vemora_Error<std::exception> {
   /// A signed 32-bit number that others can only read.
   class Code {
    public:
+    /// Copied with its error.
     Code(const Code&) = default;
+    /// The number.
     operator std::int32_t() const { return value_; }
 
    private:
@@ -47,12 +49,14 @@ class VEMORA_API Vemora_Error<std::exception> {
   };
 
   Vemora_Error() = default;
+  /// Errors are copied when they are thrown and caught.
   Vemora_Error(const Vemora_Error&) = default;
   virtual ~Vemora_Error() = default;
 
   Code error_code;  ///< one of `error_codes`
 
  protected:
+  /// For the whole errors alone.
   Vemora_Error& operator=(const Vemora_Error&) = default;
 
  private:
@@ -64,19 +68,23 @@ class VEMORA_API Vemora_Error<std::exception> {
   void set_code_(std::int32_t code) { error_code.value_ = code; }
 };
 
+/// An error of the family that is a std::runtime_error.
 template <>
 class VEMORA_API Vemora_Error<std::runtime_error> : public std::runtime_error,
                                                     public virtual Vemora_Error<std::exception> {
  public:
+  /// `message` becomes what(); `code` is one of `error_codes`.
   Vemora_Error(const std::string& message, std::int32_t code) : std::runtime_error(message) {
     set_code_(code);
   }
 };
 
+/// An error of the family that is a std::logic_error.
 template <>
 class VEMORA_API Vemora_Error<std::logic_error> : public std::logic_error,
                                                   public virtual Vemora_Error<std::exception> {
  public:
+  /// `message` becomes what(); `code` is one of `error_codes`.
   Vemora_Error(const std::string& message, std::int32_t code) : std::logic_error(message) {
     set_code_(code);
   }
@@ -87,14 +95,17 @@ class VEMORA_API Vemora_Error<std::logic_error> : public std::logic_error,
 template <class Standard>
 class Internal_Error;
 
+/// What handlers of this kind catch.
 template <>
 class VEMORA_API Internal_Error<std::exception> : public virtual Vemora_Error<std::exception> {
  public:
   Internal_Error() = default;
+  /// Errors are copied when they are thrown and caught.
   Internal_Error(const Internal_Error&) = default;
   ~Internal_Error() override = default;
 
  protected:
+  /// For the whole errors alone.
   Internal_Error& operator=(const Internal_Error&) = default;
 };
 
@@ -116,14 +127,17 @@ class VEMORA_API Internal_Error<std::logic_error> : public Vemora_Error<std::log
 template <class Standard>
 class Backend_Error;
 
+/// What handlers of this kind catch.
 template <>
 class VEMORA_API Backend_Error<std::exception> : public virtual Vemora_Error<std::exception> {
  public:
   Backend_Error() = default;
+  /// Errors are copied when they are thrown and caught.
   Backend_Error(const Backend_Error&) = default;
   ~Backend_Error() override = default;
 
  protected:
+  /// For the whole errors alone.
   Backend_Error& operator=(const Backend_Error&) = default;
 };
 

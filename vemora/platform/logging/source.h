@@ -26,7 +26,9 @@ namespace kuv::logging {
 /// by the core's threads meanwhile.
 class Source {
  public:
+  /// Knows the channel, and adds the severity to each record.
   using Logger = boost::log::sources::severity_channel_logger<severity_level, std::string>;
+  /// The scope text, guarded by a lock of its own.
   using Scope = boost::log::attributes::mutable_constant<std::string, boost::shared_mutex,
                                                          boost::unique_lock<boost::shared_mutex>,
                                                          boost::shared_lock<boost::shared_mutex>>;

@@ -11,8 +11,8 @@ namespace kuv::vemora {
 
 /// One camera of the site. The trigger manager reads it and never writes it.
 struct camera {
-  std::uint64_t id = 0;
-  std::string name;
+  std::uint64_t id = 0;              ///< identity of the record
+  std::string name;                  ///< for people
   Tag_Map tags;                      ///< matched by the camera filters of triggers
   bool object_detection = false;     ///< takes part in object detection
   bool motion_detection = false;     ///< takes part in motion detection

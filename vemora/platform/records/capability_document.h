@@ -11,11 +11,14 @@ namespace kuv::vemora {
 /// kept from then on. Copies share the tree. Not thread-safe, as records are not.
 class Capability_Document {
  public:
+  /// Its child keys may hold dots and slashes: a topic is one key.
   using Tree = boost::property_tree::ptree;
+  /// Fetches the tree; may throw.
   using Loader = std::function<std::shared_ptr<const Tree>()>;
 
   /// A camera that says nothing: an empty tree.
   Capability_Document() = default;
+  /// A tree that is there already.
   explicit Capability_Document(std::shared_ptr<const Tree> tree) : tree_(std::move(tree)) {}
   /// `loader` is called once, at the first look; what it throws reaches the looker, and the next
   /// look calls it again. A null answer is an empty tree.

@@ -27,7 +27,7 @@ struct eta_camera {
   VEMORA_API bool remove_trigger(const std::shared_ptr<trigger>& removed);
 
   std::uint64_t id = 0;  ///< given by the repository when the record is added
-  odb::lazy_shared_ptr<vemora::camera> camera;
+  odb::lazy_shared_ptr<vemora::camera> camera;  ///< always set
   /// Loaded, never null pointers. Changed through add_trigger and remove_trigger alone.
   std::set<std::shared_ptr<trigger>, ODB_Utils::Record_Comparator> triggers;
 

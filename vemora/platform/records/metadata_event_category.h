@@ -7,8 +7,8 @@ namespace kuv::vemora {
 
 /// A category that generic metadata events are filed under.
 struct metadata_event_category {
-  std::uint64_t id = 0;
-  std::string name;
+  std::uint64_t id = 0;  ///< identity of the record
+  std::string name;      ///< for people
 };
 
 }  // namespace kuv::vemora

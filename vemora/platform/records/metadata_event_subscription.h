@@ -39,8 +39,8 @@ struct metadata_event_subscription {
   std::uint64_t id = 0;  ///< given by the repository when the record is added
   std::string name;      ///< of a topic subscription, the topic
   odb::lazy_shared_ptr<metadata_event_category> category;  ///< of a generic one, perhaps
-  std::optional<std::string> onvif_topic;
-  odb::lazy_shared_ptr<vemora::camera> camera;
+  std::optional<std::string> onvif_topic;       ///< of a topic subscription; compared whole
+  odb::lazy_shared_ptr<vemora::camera> camera;  ///< of a topic subscription
   /// Ascending by id; changed through add_trigger and remove_trigger alone.
   std::vector<odb::lazy_shared_ptr<trigger>> trigger_links;
   std::set<Tag_Entry> tags;  ///< matched by the event-subscription filters of triggers

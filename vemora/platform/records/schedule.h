@@ -9,9 +9,9 @@ namespace kuv::vemora {
 
 /// When something is active. Triggers refer to schedules; the trigger manager never writes one.
 struct schedule {
-  std::uint64_t id = 0;
-  std::string name;
-  bool usable = false;  ///< false: a trigger that refers to it is inactive
+  std::uint64_t id = 0;  ///< identity of the record
+  std::string name;      ///< for people
+  bool usable = false;   ///< false: a trigger that refers to it is inactive
 };
 
 }  // namespace kuv::vemora

@@ -9,9 +9,9 @@ namespace kuv::vemora {
 
 /// One video-management server of the site.
 struct server {
-  std::uint64_t id = 0;
-  std::string name;
-  Tag_Map tags;  ///< matched by the server filters of triggers
+  std::uint64_t id = 0;  ///< identity of the record
+  std::string name;      ///< for people
+  Tag_Map tags;          ///< matched by the server filters of triggers
 };
 
 }  // namespace kuv::vemora

@@ -11,7 +11,7 @@ namespace kuv::vemora {
 /// The stored form of one configured trigger.
 struct trigger {
   std::uint64_t id = 0;  ///< the trigger's id in the configuration; identity of the record
-  std::string name;
+  std::string name;      ///< as it was configured
   std::set<Trigger_Mapping_Entry> schedules;  ///< when it is active; never null pointers
   std::set<Trigger_Source> sources;           ///< what fires it
 };

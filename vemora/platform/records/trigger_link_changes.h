@@ -11,8 +11,8 @@ namespace kuv::vemora {
 /// repositories clear it when they have stored the record; the trigger manager neither reads nor
 /// writes it. A server that stores all links of a record leaves it empty.
 struct Trigger_Link_Changes {
-  std::vector<std::uint64_t> added;
-  std::vector<std::uint64_t> removed;
+  std::vector<std::uint64_t> added;    ///< ids of triggers
+  std::vector<std::uint64_t> removed;  ///< ids of triggers
 };
 
 }  // namespace kuv::vemora

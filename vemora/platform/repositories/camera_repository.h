@@ -16,6 +16,7 @@ namespace kuv::vemora {
 /// that trigger, see Repository.
 class VEMORA_API Camera_Repository {
  public:
+  /// No pointer in it is null.
   using Camera_List = std::vector<std::shared_ptr<camera>>;
 
   virtual ~Camera_Repository() = default;

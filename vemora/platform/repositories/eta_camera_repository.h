@@ -18,10 +18,12 @@ namespace kuv::vemora {
 /// is reported. What an exception costs depends on the operation, see Repository.
 class VEMORA_API ETA_Camera_Repository {
  public:
+  /// No pointer in it is null.
   using Record_List = std::vector<std::shared_ptr<eta_camera>>;
 
   /// What get looks for. With nothing but `trigger` set: every record that holds it.
   struct Get_Params {
+    /// How `cameras` are meant.
     enum class Cameras {
       matching,  ///< of one of `cameras`; an empty list restricts nothing
       outside,   ///< of none of `cameras`; an empty list excludes nothing
@@ -30,7 +32,7 @@ class VEMORA_API ETA_Camera_Repository {
     std::shared_ptr<vemora::trigger> trigger;      ///< null: whatever the record holds
     std::vector<std::shared_ptr<camera>> cameras;  ///< no null pointers
 
-    Cameras cameras_match = Cameras::matching;
+    Cameras cameras_match = Cameras::matching;  ///< how `cameras` are meant
   };
 
   virtual ~ETA_Camera_Repository() = default;

@@ -20,27 +20,31 @@ namespace kuv::vemora {
 /// is reported. What an exception costs depends on the operation, see Repository.
 class VEMORA_API Metadata_Event_Subscription_Repository {
  public:
+  /// No pointer in it is null.
   using Subscription_List = std::vector<std::shared_ptr<metadata_event_subscription>>;
 
   /// What Get_Matching_Subscriptions looks for. With nothing but `trigger` set: every subscription
   /// that holds it, of both kinds.
   struct Get_Matching_Subscriptions_Params {
+    /// How `trigger` is meant.
     enum class Trigger_Match {
       holding,  ///< the subscription serves `trigger`
       lacking,  ///< it does not
     };
     /// What has a camera and no topic, or a topic and no camera, is corrupt and of neither kind.
     enum class Kind {
-      any,
+      any,      ///< whatever it has or lacks
       topic,    ///< with a camera and an ONVIF topic
       generic,  ///< with neither
     };
+    /// How `topics` and `cameras` are meant.
     enum class Topics_And_Cameras {
       matching,  ///< on one of `topics` and on one of `cameras`; an empty list restricts nothing
       /// Everything but what lies inside, whatever it has or lacks. Inside is what is on one of
       /// `topics` and, where there are any `cameras`, on one of them; so with no topics nothing is.
       outside,
     };
+    /// How `tags` are meant.
     enum class Tags {
       matching,      ///< a tag satisfies one of `tags`; with no terms every subscription does
       not_matching,  ///< no tag does; with no terms no subscription is selected
@@ -49,12 +53,12 @@ class VEMORA_API Metadata_Event_Subscription_Repository {
     std::shared_ptr<vemora::trigger> trigger;      ///< null: held or lacked by anybody
     std::vector<std::string> topics;               ///< each compared whole, byte for byte
     std::vector<std::shared_ptr<camera>> cameras;  ///< no null pointers
-    std::set<ODB_Utils::Tag_Search_Term> tags;
+    std::set<ODB_Utils::Tag_Search_Term> tags;     ///< see `tags_match`
 
-    Trigger_Match trigger_match = Trigger_Match::holding;
-    Kind kind = Kind::any;
-    Topics_And_Cameras topics_and_cameras = Topics_And_Cameras::matching;
-    Tags tags_match = Tags::matching;
+    Trigger_Match trigger_match = Trigger_Match::holding;  ///< how `trigger` is meant
+    Kind kind = Kind::any;                                 ///< which kind of subscription
+    Topics_And_Cameras topics_and_cameras = Topics_And_Cameras::matching;  ///< how both are meant
+    Tags tags_match = Tags::matching;                                      ///< how `tags` are meant
   };
 
   virtual ~Metadata_Event_Subscription_Repository() = default;

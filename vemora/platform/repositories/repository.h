@@ -57,6 +57,8 @@ class VEMORA_API Repository {
         schedules_(std::move(schedules)),
         eta_cameras_(std::move(eta_cameras)) {}
 
+  /// The one for that kind of record.
+  ///@{
   Camera_Repository& cameras() {
     return required(cameras_, "The repository was constructed without a camera repository");
   }
@@ -82,6 +84,7 @@ class VEMORA_API Repository {
     return required(eta_cameras_,
                     "The repository was constructed without an ETA camera repository");
   }
+  ///@}
 
  private:
   std::unique_ptr<Camera_Repository> cameras_;

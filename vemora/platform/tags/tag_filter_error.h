@@ -17,9 +17,10 @@ namespace kuv::vemora {
 /// another error is understood as well; then no more is known than which filter it is about.
 class VEMORA_API Tag_Filter_Error : public Backend_Error<std::runtime_error> {
  public:
+  /// One thing that is wrong.
   struct Fault {
-    std::string message;
-    std::size_t offset;  ///< of the wrong value in its text (Json::Value::getOffsetStart)
+    std::string message;  ///< for people
+    std::size_t offset;   ///< of the wrong value in its text (Json::Value::getOffsetStart)
   };
 
   /// At least one, in the order of the filter; the first one's message is what the error says.
@@ -27,6 +28,7 @@ class VEMORA_API Tag_Filter_Error : public Backend_Error<std::runtime_error> {
       : Backend_Error<std::runtime_error>(faults.at(0).message, error_codes::invalid_document),
         faults_(std::make_shared<const std::vector<Fault>>(std::move(faults))) {}
 
+  /// All that is wrong, in the order of the filter.
   const std::vector<Fault>& faults() const { return *faults_; }
 
  private:

@@ -10,22 +10,27 @@ namespace kuv::utils {
 /// takes as long as there are elements, however large the indexes are.
 class Json_Elements {
  public:
+  /// One element and its place.
   struct Element {
-    Json::ArrayIndex index;
+    Json::ArrayIndex index;    ///< in the array
     const Json::Value& value;  ///< Json::Value::nullSingleton() where nothing was assigned
   };
 
+  /// What a loop over the elements needs, and no more.
   class Iterator {
    public:
+    /// At the element `assigned`, or at the one that was never assigned before it.
     Iterator(Json::Value::const_iterator assigned, Json::Value::const_iterator end)
         : assigned_(assigned), end_(end) {
       look();
     }
 
+    /// The element.
     Element operator*() const {
       return {index_, is_assigned_ ? *assigned_ : Json::Value::nullSingleton()};
     }
 
+    /// To the next element.
     Iterator& operator++() {
       if (is_assigned_) {
         ++assigned_;
@@ -37,6 +42,7 @@ class Json_Elements {
       return *this;
     }
 
+    /// Whether there are elements left, compared with end().
     bool operator!=(const Iterator& other) const { return assigned_ != other.assigned_; }
 
    private:
@@ -51,7 +57,9 @@ class Json_Elements {
   /// The array must stay as it is as long as the walk goes on.
   explicit Json_Elements(const Json::Value& array) : array_(array) {}
 
+  /// At the first element.
   Iterator begin() const { return {array_.begin(), array_.end()}; }
+  /// Behind the last element.
   Iterator end() const { return {array_.end(), array_.end()}; }
 
  private:
