@@ -27,11 +27,8 @@ def loaded(program):
 
 
 def faults_of(paths, ours, own):
-    def below(folder):
-        return [path for path in paths if path.startswith(os.path.realpath(folder) + os.sep)]
-
-    from_own = below(own)
-    from_us = [path for path in below(ours) if path not in from_own]
+    from_own = [path for path in paths if os.path.dirname(path) == os.path.realpath(own)]
+    from_us = [path for path in paths if path.startswith(os.path.realpath(ours) + os.sep) and path not in from_own]
     if [os.path.basename(path).split(".so")[0] + ".so" for path in from_us] != [PRODUCT]:
         yield "loads of ours, and not the product alone: " + " ".join(from_us)
     if len(from_own) != 4:
