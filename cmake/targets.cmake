@@ -24,6 +24,19 @@ function(vemora_add_library name)
   endif()
 endfunction()
 
+# What the library shows is named in exports.map beside it, which scripts/write-exports keeps: what its public headers
+# declare, and nothing else. A VERSIONED library has the project's version in its file's name and in its symbols; one
+# without can be replaced by a server's own of the same name (docs/abi.md).
+function(vemora_export name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "VERSIONED" "" "")
+  set(exports "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
+  target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}")
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS "${exports}")
+  if(arg_VERSIONED)
+    set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  endif()
+endfunction()
+
 # What such a library is made of.
 function(vemora_add_objects name)
   add_library(${name} OBJECT ${ARGN})
