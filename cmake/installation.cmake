@@ -71,16 +71,19 @@ if(VEMORA_BUILD_EMBEDDED_SERVER)
   vemora_search_installed_libraries(${CMAKE_INSTALL_FULL_BINDIR} vemora-triggers)
 
   # All four, whether or not the program calls them.
-  list(TRANSFORM platform PREPEND "-l" OUTPUT_VARIABLE loaded)
-  list(JOIN loaded "," loaded)
-  set(searched "-Wl,-rpath,\${platformlibdir} ")
-  if(full_platform_libdir STREQUAL CMAKE_INSTALL_FULL_LIBDIR)
-    set(searched)
+  list(TRANSFORM platform PREPEND "-l" OUTPUT_VARIABLE linked)
+  list(JOIN linked "," linked)
+  if(VEMORA_STATIC_EMBEDDED_SERVER)
+    # The product is named before the libraries whose functions it calls, since the linker takes those that it misses.
+    set(linked "-Wl,-lvemora_trigger_manager,${linked} -lvemora_texts -lodb-sqlite -lsqlite3 -lodb-pgsql -lpq -lodb")
+  else()
+    set(linked "-lvemora_texts -Wl,--push-state,--no-as-needed,${linked},--pop-state")
+    if(NOT full_platform_libdir STREQUAL CMAKE_INSTALL_FULL_LIBDIR)
+      string(PREPEND linked "-Wl,-rpath,\${platformlibdir} ")
+    endif()
   endif()
   vemora_install_package(embedded_server "A complete server for the trigger manager, on SQLite or PostgreSQL"
-    "vemora_trigger_manager = ${PROJECT_VERSION}" ""
-    "-lvemora_embedded_server -lvemora_texts -L\${platformlibdir} ${searched}\
--Wl,--push-state,--no-as-needed,${loaded},--pop-state")
+    "vemora_trigger_manager = ${PROJECT_VERSION}" "" "-L\${platformlibdir} -lvemora_embedded_server ${linked}")
   vemora_install_package(operations "What operators ask of a site of the embedded server"
     "vemora_embedded_server = ${PROJECT_VERSION}" "" "-lvemora_operations")
   install(TARGETS vemora-triggers RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)

@@ -10,11 +10,17 @@ if(VEMORA_SANITIZE)
   add_link_options(-fsanitize=${VEMORA_SANITIZE})
 endif()
 
-# A shared library that shows only what is marked for it and knows all it needs.
+# A shared library that shows only what is marked for it and knows all it needs. Of a static embedded server, the
+# product alone is one: it is what servers load.
 function(vemora_add_library name)
-  add_library(${name} SHARED ${ARGN})
+  if(VEMORA_STATIC_EMBEDDED_SERVER AND NOT name STREQUAL "vemora_trigger_manager")
+    add_library(${name} STATIC ${ARGN})
+  else()
+    add_library(${name} SHARED ${ARGN})
+  endif()
   add_library(vemora::${name} ALIAS ${name})
   set_target_properties(${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
     CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
