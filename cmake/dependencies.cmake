@@ -12,3 +12,15 @@ if(VEMORA_BUILD_EMBEDDED_SERVER)
   find_library(ODB_SQLITE_LIBRARY odb-sqlite REQUIRED)
   find_library(ODB_PGSQL_LIBRARY odb-pgsql REQUIRED)
 endif()
+
+# What tests of servers are made of has headers of GoogleTest in its own.
+find_package(GTest QUIET)
+set(offer_testing OFF)
+if(PROJECT_IS_TOP_LEVEL AND GTest_FOUND)
+  set(offer_testing ON)
+endif()
+option(VEMORA_BUILD_TESTING_SUPPORT
+       "Offer the contract suite, the mocks and the in-memory repository (they need GoogleTest)" ${offer_testing})
+if(VEMORA_BUILD_TESTING_SUPPORT)
+  find_package(GTest REQUIRED)
+endif()

@@ -9,14 +9,14 @@
 
 #include "support/json.h"
 #include "support/log_capture.h"
-#include "support/mocks/repositories/mock_repository.h"
-#include "support/mocks/services/mock_capture_manager.h"
-#include "support/mocks/services/mock_meta_type_resolver.h"
-#include "support/mocks/services/mock_trigger_notification_pusher.h"
-#include "support/mocks/trigger_parser/mock_trigger_parser.h"
 #include "trigger_manager/builders.h"
 #include "trigger_manager/printers.h"
 #include "trigger_manager/queries.h"
+#include "vemora/testing/mocks/mock_capture_manager.h"
+#include "vemora/testing/mocks/mock_meta_type_resolver.h"
+#include "vemora/testing/mocks/mock_repository.h"
+#include "vemora/testing/mocks/mock_trigger_notification_pusher.h"
+#include "vemora/testing/mocks/mock_trigger_parser.h"
 #include "vemora/trigger_manager/vemora_trigger_manager.h"
 
 namespace kuv::test {

@@ -9,9 +9,9 @@
 
 #include "embedded_server/persistent/database_test.h"
 #include "support/log_capture.h"
-#include "support/mocks/services/mock_capture_manager.h"
-#include "support/mocks/services/mock_trigger_notification_pusher.h"
 #include "vemora/embedded_server/host/trigger_host.h"
+#include "vemora/testing/mocks/mock_capture_manager.h"
+#include "vemora/testing/mocks/mock_trigger_notification_pusher.h"
 
 namespace kuv::test {
 namespace {

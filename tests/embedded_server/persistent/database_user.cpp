@@ -7,10 +7,10 @@
 #include <sstream>
 #include <string>
 
-#include "support/record_texts.h"
 #include "vemora/embedded_server/persistent/database.h"
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/pass_scope.h"
+#include "vemora/testing/builders/record_texts.h"
 
 namespace {
 

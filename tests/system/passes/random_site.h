@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "support/random_draws.h"
 #include "support/site_builder.h"
 #include "system/passes/pass_model.h"
+#include "vemora/testing/builders/random_draws.h"
 
 namespace kuv::test {
 

@@ -5,14 +5,14 @@
 #include <memory>
 #include <utility>
 
-#include "support/mocks/repositories/mock_camera_repository.h"
-#include "support/mocks/repositories/mock_eta_camera_repository.h"
-#include "support/mocks/repositories/mock_metadata_event_category_repository.h"
-#include "support/mocks/repositories/mock_metadata_event_subscription_repository.h"
-#include "support/mocks/repositories/mock_schedule_repository.h"
-#include "support/mocks/repositories/mock_server_repository.h"
-#include "support/mocks/repositories/mock_trigger_repository.h"
 #include "vemora/platform/repositories/repository.h"
+#include "vemora/testing/mocks/mock_camera_repository.h"
+#include "vemora/testing/mocks/mock_eta_camera_repository.h"
+#include "vemora/testing/mocks/mock_metadata_event_category_repository.h"
+#include "vemora/testing/mocks/mock_metadata_event_subscription_repository.h"
+#include "vemora/testing/mocks/mock_schedule_repository.h"
+#include "vemora/testing/mocks/mock_server_repository.h"
+#include "vemora/testing/mocks/mock_trigger_repository.h"
 
 namespace kuv::test {
 

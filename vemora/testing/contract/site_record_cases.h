@@ -1,21 +1,18 @@
-#include "embedded_server/persistent/database_test.h"
+#pragma once
+
+#include "vemora/platform/records/supported_topics.h"
+#include "vemora/testing/contract/repository_contract_test.h"
 
 namespace kuv::test {
-namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-using Terms = std::set<ODB_Utils::Tag_Search_Term>;
-using Cameras = std::vector<std::shared_ptr<camera>>;
-
-class Site_Records_Contract : public Contract_Test {
+class Site_Records_Contract : public Repository_Contract_Test {
  protected:
-  std::vector<std::uint64_t> matching(const Terms& terms) {
-    return ids_of(cameras().get_cameras_matching_tags(terms));
-  }
+  using Terms = std::set<ODB_Utils::Tag_Search_Term>;
+  using Cameras = Camera_Repository::Camera_List;
 
-  Cameras cameras_of_ids(std::initializer_list<std::uint64_t> ids) {
+  Ids matching(const Terms& terms) { return ids_of(cameras().get_cameras_matching_tags(terms)); }
+
+  static Cameras cameras_of_ids(std::initializer_list<std::uint64_t> ids) {
     Cameras list;
     for (const std::uint64_t id : ids) {
       list.push_back(camera_of_id(id));
@@ -23,9 +20,6 @@ class Site_Records_Contract : public Contract_Test {
     return list;
   }
 };
-
-INSTANTIATE_TEST_SUITE_P(Engines, Site_Records_Contract, testing::ValuesIn(contracts()),
-                         name_of_contract);
 
 TEST_P(Site_Records_Contract, answer_cameras_with_all_that_they_carry) {
   site.given_camera(10)
@@ -36,9 +30,10 @@ TEST_P(Site_Records_Contract, answer_cameras_with_all_that_they_carry) {
       .detecting_objects();
   site.given_camera(11).detecting_motion();
 
-  EXPECT_THAT(texts_of(cameras().get_cameras_matching_tags({})),
-              ElementsAre("camera 10 \"gate 'north'\" objects tags [empty= indoor site=north]",
-                          "camera 11 \"camera\" motion tags []"));
+  EXPECT_THAT(
+      texts_of(cameras().get_cameras_matching_tags({})),
+      testing::ElementsAre("camera 10 \"gate 'north'\" objects tags [empty= indoor site=north]",
+                           "camera 11 \"camera\" motion tags []"));
 }
 
 TEST_P(Site_Records_Contract, match_camera_tags_by_name_and_by_value) {
@@ -49,14 +44,14 @@ TEST_P(Site_Records_Contract, match_camera_tags_by_name_and_by_value) {
   site.given_camera(5).with_tag("Site", "north");
   site.given_camera(6);
 
-  EXPECT_THAT(matching({{"site", std::nullopt}}), ElementsAre(1, 2, 3, 4));
-  EXPECT_THAT(matching({{"site", "north"}}), ElementsAre(1));
-  EXPECT_THAT(matching({{"site", ""}}), ElementsAre(4));
-  EXPECT_THAT(matching({{"site", "North"}}), IsEmpty());
-  EXPECT_THAT(matching({{"other", std::nullopt}}), IsEmpty());
+  EXPECT_THAT(matching({{"site", std::nullopt}}), testing::ElementsAre(1, 2, 3, 4));
+  EXPECT_THAT(matching({{"site", "north"}}), testing::ElementsAre(1));
+  EXPECT_THAT(matching({{"site", ""}}), testing::ElementsAre(4));
+  EXPECT_THAT(matching({{"site", "North"}}), testing::IsEmpty());
+  EXPECT_THAT(matching({{"other", std::nullopt}}), testing::IsEmpty());
   EXPECT_THAT(matching({{"site", "south"}, {"Site", std::nullopt}, {"site", "north"}}),
-              ElementsAre(1, 2, 5));
-  EXPECT_THAT(matching({}), ElementsAre(1, 2, 3, 4, 5, 6));
+              testing::ElementsAre(1, 2, 5));
+  EXPECT_THAT(matching({}), testing::ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
 TEST_P(Site_Records_Contract, order_cameras_by_unsigned_id) {
@@ -64,7 +59,8 @@ TEST_P(Site_Records_Contract, order_cameras_by_unsigned_id) {
        {largest_id, std::uint64_t{0}, first_unsigned_id, std::uint64_t{3}, largest_signed_id}) {
     site.given_camera(id).with_tag("all").detecting_objects().detecting_motion();
   }
-  const auto in_order = ElementsAre(0, 3, largest_signed_id, first_unsigned_id, largest_id);
+  const auto in_order =
+      testing::ElementsAre(0, 3, largest_signed_id, first_unsigned_id, largest_id);
 
   EXPECT_THAT(matching({}), in_order);
   EXPECT_THAT(matching({{"all", std::nullopt}}), in_order);
@@ -80,7 +76,7 @@ TEST_P(Site_Records_Contract, answer_each_camera_once_however_often_it_is_named)
 
   EXPECT_THAT(ids_of(cameras().get_object_detection_cameras(
                   cameras_of_ids({largest_id, 2, 1, largest_id, 2}))),
-              ElementsAre(1, 2, largest_id));
+              testing::ElementsAre(1, 2, largest_id));
 }
 
 TEST_P(Site_Records_Contract, tell_which_cameras_take_part_in_detection) {
@@ -89,13 +85,13 @@ TEST_P(Site_Records_Contract, tell_which_cameras_take_part_in_detection) {
   site.given_camera(3).detecting_objects().detecting_motion();
   site.given_camera(4);
 
-  EXPECT_THAT(ids_of(cameras().get_object_detection_cameras({})), ElementsAre(1, 3));
-  EXPECT_THAT(ids_of(cameras().get_motion_detection_cameras({})), ElementsAre(2, 3));
+  EXPECT_THAT(ids_of(cameras().get_object_detection_cameras({})), testing::ElementsAre(1, 3));
+  EXPECT_THAT(ids_of(cameras().get_motion_detection_cameras({})), testing::ElementsAre(2, 3));
   EXPECT_THAT(ids_of(cameras().get_object_detection_cameras(cameras_of_ids({1, 2, 4}))),
-              ElementsAre(1));
+              testing::ElementsAre(1));
   EXPECT_THAT(ids_of(cameras().get_motion_detection_cameras(cameras_of_ids({1, 2, 4}))),
-              ElementsAre(2));
-  EXPECT_THAT(cameras().get_object_detection_cameras(cameras_of_ids({2, 4})), IsEmpty());
+              testing::ElementsAre(2));
+  EXPECT_THAT(cameras().get_object_detection_cameras(cameras_of_ids({2, 4})), testing::IsEmpty());
 }
 
 TEST_P(Site_Records_Contract, tell_which_cameras_need_a_subscription) {
@@ -107,49 +103,57 @@ TEST_P(Site_Records_Contract, tell_which_cameras_need_a_subscription) {
   given_topic_subscription(2, "a.b/c", {7});
 
   now_and_after_reopening([this] {
-    EXPECT_THAT(ids_of(cameras().get_cameras_needing_subscription("a.b/c", {})), ElementsAre(1, 3));
+    EXPECT_THAT(ids_of(cameras().get_cameras_needing_subscription("a.b/c", {})),
+                testing::ElementsAre(1, 3));
     EXPECT_THAT(ids_of(cameras().get_cameras_needing_subscription("a.b/c", cameras_of_ids({2, 3}))),
-                ElementsAre(3));
+                testing::ElementsAre(3));
     EXPECT_THAT(cameras().get_cameras_needing_subscription("a.b/c", cameras_of_ids({2})),
-                IsEmpty());
-    EXPECT_THAT(ids_of(cameras().get_cameras_needing_subscription("a", {})), ElementsAre(1, 2, 3));
+                testing::IsEmpty());
+    EXPECT_THAT(ids_of(cameras().get_cameras_needing_subscription("a", {})),
+                testing::ElementsAre(1, 2, 3));
   });
 }
 
-TEST_P(Site_Records_Contract, read_capabilities_in_a_pass_and_after_it) {
-  site.given_camera(1).with_topic("tns1:VideoSource/MotionAlarm").with_topic("a.b/c");
-  site.given_camera(2);
-  site.given_camera(3).with_capabilities(R"({"Model": "X", "List": ["one", "two"]})");
-  const auto path = "Metadata.Mode.capabilities.On.TopicFilter.capabilities";
+TEST_P(Site_Records_Contract, name_only_cameras_that_are_stored) {
+  site.given_camera(1).detecting_objects().detecting_motion();
 
-  const auto in_the_pass = cameras().get_cameras_matching_tags({});
-  const auto& topics = in_the_pass.at(0)->capabilities.tree().get_child(path);
-  EXPECT_EQ(topics.size(), 2U);
-  EXPECT_EQ(topics.count("a.b/c"), 1U);
-  EXPECT_EQ(topics.count("tns1:VideoSource/MotionAlarm"), 1U);
-  EXPECT_TRUE(in_the_pass.at(1)->capabilities.tree().empty());
-
-  const auto kept = cameras().get_cameras_matching_tags({}).at(2);
-  reopen();
-  EXPECT_EQ(kept->capabilities.tree().get<std::string>("Model"), "X");
-  EXPECT_EQ(kept->capabilities.tree().get_child("List").size(), 2U);
+  const Cameras named = cameras_of_ids({2, 1});
+  EXPECT_THAT(ids_of(cameras().get_object_detection_cameras(named)), testing::ElementsAre(1));
+  EXPECT_THAT(ids_of(cameras().get_motion_detection_cameras(named)), testing::ElementsAre(1));
+  EXPECT_THAT(ids_of(cameras().get_cameras_needing_subscription("a", named)),
+              testing::ElementsAre(1));
 }
 
-TEST_P(Site_Records_Contract, read_the_latest_capabilities_of_a_camera) {
-  site.given_camera(1).with_capabilities(R"({"Model": "old"})");
-  site.given_camera(2).with_capabilities(R"({"Model": "old"})");
-  site.given_camera(3).with_capabilities(R"({"Model": "old"})");
-  ASSERT_EQ(matching({}).size(), 3U);
-  reopen();
-  site.given_camera(2).with_capabilities(R"({"Model": "new"})");
-  site.given_camera(3).with_capabilities("");
-  site.store_in(database());
+TEST_P(Site_Records_Contract, answer_nothing_of_an_empty_site) {
+  EXPECT_THAT(cameras().get_cameras_matching_tags({}), testing::IsEmpty());
+  EXPECT_THAT(cameras().get_object_detection_cameras({}), testing::IsEmpty());
+  EXPECT_THAT(cameras().get_motion_detection_cameras({}), testing::IsEmpty());
+  EXPECT_THAT(cameras().get_cameras_needing_subscription("a", {}), testing::IsEmpty());
+  EXPECT_EQ(repository().servers().get_by_id(1), nullptr);
+  EXPECT_EQ(repository().schedules().get_by_id(1), nullptr);
+  EXPECT_EQ(repository().metadata_event_categories().find_by_name(""), nullptr);
+  EXPECT_EQ(triggers().find_by_id(1), nullptr);
+  EXPECT_EQ(eta_cameras().get_by_camera_id(1), nullptr);
+  EXPECT_THAT(all_eta_cameras(), testing::IsEmpty());
+  EXPECT_THAT(all_subscriptions(), testing::IsEmpty());
+  triggers().delete_all();
+  subscriptions().delete_stale();
+  eta_cameras().delete_stale();
+}
+
+TEST_P(Site_Records_Contract, tell_the_topics_that_a_camera_can_send) {
+  site.given_camera(1).with_topic("tns1:VideoSource/MotionAlarm").with_topic("a.b/c");
+  site.given_camera(2);
 
   const auto found = cameras().get_cameras_matching_tags({});
 
-  EXPECT_EQ(found.at(0)->capabilities.tree().get<std::string>("Model"), "old");
-  EXPECT_EQ(found.at(1)->capabilities.tree().get<std::string>("Model"), "new");
-  EXPECT_TRUE(found.at(2)->capabilities.tree().empty());
+  ASSERT_EQ(found.size(), 2U);
+  const auto& topics = supported_topics(*found[0]);
+  EXPECT_EQ(topics.size(), 2U);
+  EXPECT_TRUE(is_supported(topics, "a.b/c"));
+  EXPECT_TRUE(is_supported(topics, "tns1:VideoSource/MotionAlarm"));
+  EXPECT_FALSE(is_supported(topics, "tns1:VideoSource"));
+  EXPECT_TRUE(supported_topics(*found[1]).empty());
 }
 
 TEST_P(Site_Records_Contract, find_servers_with_their_tags) {
@@ -162,7 +166,9 @@ TEST_P(Site_Records_Contract, find_servers_with_their_tags) {
   EXPECT_EQ(found->id, largest_id);
   EXPECT_EQ(found->name, "head office");
   EXPECT_EQ(found->tags, (Tag_Map{{"indoor", {}}, {"site", {"north"}}}));
-  EXPECT_EQ(repository().servers().get_by_id(0)->name, "zero");
+  const auto zero = repository().servers().get_by_id(0);
+  ASSERT_NE(zero, nullptr);
+  EXPECT_EQ(zero->name, "zero");
   EXPECT_EQ(repository().servers().get_by_id(1), nullptr);
 }
 
@@ -185,7 +191,7 @@ TEST_P(Site_Records_Contract, find_schedules_usable_or_not) {
 TEST_P(Site_Records_Contract, find_categories_by_their_whole_name) {
   site.given_category(largest_id, "access control");
   const std::string with_zero("zero\0inside", 11);
-  if (engine().takes_any_bytes) {
+  if (GetParam().stores_any_bytes) {
     site.given_category(2, with_zero);
   }
 
@@ -197,24 +203,7 @@ TEST_P(Site_Records_Contract, find_categories_by_their_whole_name) {
   EXPECT_EQ(repository().metadata_event_categories().find_by_name("Access control"), nullptr);
   EXPECT_EQ(repository().metadata_event_categories().find_by_name("zero"), nullptr);
   EXPECT_EQ(repository().metadata_event_categories().find_by_name(with_zero) != nullptr,
-            engine().takes_any_bytes);
+            GetParam().stores_any_bytes);
 }
 
-TEST_P(Site_Records_Contract, keep_the_triggers_of_a_generic_subscription_that_is_stored_again) {
-  site.given_generic_subscription(100).named("door").with_tag("door", "main");
-  const auto joining = given_trigger(7);
-  const auto generic = subscription_of_id(100);
-  generic->add_trigger(joining);
-  ASSERT_TRUE(subscriptions().update(generic));
-  reopen();
-
-  site.given_generic_subscription(100).named("gate").without_tag("door").with_tag("gate");
-  site.store_in(database());
-
-  EXPECT_THAT(all_subscriptions(),
-              ElementsAre("subscription 100 \"gate\" camera none topic none category none "
-                          "tags [gate] cameras [] triggers [7]"));
-}
-
-}  // namespace
 }  // namespace kuv::test

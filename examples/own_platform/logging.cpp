@@ -1,0 +1,14 @@
+// The server's logging library.
+
+#include "vemora/platform/logging/source.h"
+
+namespace kuv::logging {
+
+void Source::init_(const std::string& channel, const std::string& scope) {
+  channel_ = channel;
+  scope_ = scope;
+  logger_->channel(channel);
+  attribute_.set(scope);
+}
+
+}  // namespace kuv::logging

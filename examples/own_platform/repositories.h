@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+#include "store.h"
+#include "vemora/platform/repositories/repository.h"
+
+namespace own_platform {
+
+/// This server's repositories over its store, which they share.
+std::shared_ptr<kuv::vemora::Repository> make_repository(const std::shared_ptr<Store>& store);
+
+}  // namespace own_platform

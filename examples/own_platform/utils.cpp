@@ -1,0 +1,13 @@
+// The server's library of small helpers.
+
+#include "vemora/platform/utils/json.h"
+
+namespace kuv::utils {
+
+void set_json_value_if_null(Json::Value& target, const Json::Value& fallback) {
+  if (target.isNull()) {
+    target = fallback;
+  }
+}
+
+}  // namespace kuv::utils
