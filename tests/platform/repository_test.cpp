@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "support/mocks/repositories/mock_repository.h"
 #include "vemora/platform/errors/vemora_error.h"
+#include "vemora/testing/mocks/mock_repository.h"
 
 namespace kuv::test {
 namespace {
