@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Counts instructions with valgrind, and prints them as a JSON object.
 
     count_instructions.py calls REPEATED_CALLS

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Makes a pass of each kind over a site, each in a call of counted_pass, so that their instructions
 // can be counted: see benchmarks/count_instructions.py. Prints the name of the site.
 //

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "benchmarks/heap_meter.h"
 
 #include <malloc.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Parsing, beside the JSON library reading the same text.
 #include <benchmark/benchmark.h>
 #include <json/reader.h>

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """How long `match --events` takes for many events, with and without `--against`, beside reading the same file line by
 line with the JSON library, and how much memory.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Reads a file line by line with the JSON library, and does nothing with it: what any reader of
 // events has to do.
 

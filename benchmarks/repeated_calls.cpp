@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Makes the same calls as often as it is told to, so that the instructions of one can be counted
 // from the difference of two runs: see scripts/bench.
 //

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Writes what the benchmarks measured into the documentation, or prints the tables.
 
     report.py pages SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json MATCH.json FOLDER

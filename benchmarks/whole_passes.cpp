@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Times whole passes beside their floors, and prints a JSON array of figures: see scripts/bench.
 //
 //     whole_passes FOLDER|URL-PREFIX REPETITIONS [SIZE...]

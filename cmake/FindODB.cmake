@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 # The runtime of ODB: ODB::odb, of the one version whose headers `vemora/platform/odb_runtime.h` knows. Installed
 # beside our package file, since our headers include it.
 include(FindPackageHandleStandardArgs)

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 find_package(jsoncpp REQUIRED)
 find_package(fmt 9 REQUIRED)
 find_package(Boost 1.74 REQUIRED COMPONENTS thread log date_time)

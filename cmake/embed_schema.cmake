@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 # Writes the numbered schema steps of an engine into a header: cmake -DSTEPS=... -DNAME=... -DOUTPUT=...
 string(REPLACE "," ";" STEPS "${STEPS}")
 list(LENGTH STEPS count)

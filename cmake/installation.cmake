@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 # What other projects need: libraries, the headers that the libraries name as public, a CMake package
 # and pkg-config files. All of it comes in components, each of which can be installed and found by itself.
 include(CMakePackageConfigHelpers)

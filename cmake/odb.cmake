@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 # odb_generate(TARGET HEADER...): has the ODB compiler write the database code for mapping headers
 # and builds it into the target. Generated code is included as "NAME-odb.h".
 function(odb_generate target)

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 # The same sources give the same bytes in every folder; scripts/check-reproducible builds in two. Builds for debugging
 # keep the paths: debuggers find the sources by them. Included behind the build options.
 

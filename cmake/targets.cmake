@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 # What every target of ours is built with.
 add_library(vemora_build_options INTERFACE)
 target_compile_features(vemora_build_options INTERFACE cxx_std_17)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Parses 20,000 mutants of valid documents and checks what becomes of them.
 //
 //   vemora_mutant_run [SEED]         all mutants of a seed; fails when a check does

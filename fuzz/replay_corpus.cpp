@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Runs the fuzz target once on every file of a folder, as a fuzzer does before it starts.
 //
 //   vemora_replay_corpus FOLDER

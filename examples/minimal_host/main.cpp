@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The smallest server that runs triggers: it implements the three services of the trigger manager,
 // keeps its records in the embedded database, and runs two passes. Run it in an empty folder.
 

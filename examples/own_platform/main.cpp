@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // A server without the embedded one: its four platform libraries, its repositories and its services
 // are its own. It runs two passes. Run it in an empty folder.
 

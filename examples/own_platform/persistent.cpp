@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The functions that the trigger manager expects in the server's persistence library: those of the
 // records, the names of source types, and tag filters.
 

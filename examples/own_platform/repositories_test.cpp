@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The repositories of this server, tested by the suite that comes with the product.
 
 #include "repositories.h"

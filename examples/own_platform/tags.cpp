@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The server's library of tags. Its filters have one value for each tag, or none.
 
 #include <stdexcept>

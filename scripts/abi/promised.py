@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """What the libraries promise to show: what their public headers declare, and what goes with it."""
 
 import os

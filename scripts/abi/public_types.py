@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The types of the public headers as a compiler lays them out, in a library made for that.
 
 The debug information of a library describes what the library itself uses. Which slots an interface has that only the

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Compares the classes that servers are compiled against with what their layout must be.
 
     check_layout.py EXPECTED LIBRARY...          fails where a class differs, or is not to be found

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A library shows what its version script names, each symbol in the version where the script has it, and nothing else.
 
     exported_symbols.py VERSION_SCRIPT LIBRARY

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The values that a library takes from its platform's headers are set once it is loaded.
 
     load_time_values.py LIBRARY

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The libraries that the trigger manager loads are the server's own and what both agree on.
 
 A database, or anything else that only one server has, must not come along with it.

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """What a server's own platform libraries have to supply: the symbols that the product leaves undefined.
 
     platform_symbols.py LIST LIBRARY    the library leaves undefined what the list names, neither more nor less

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "vemora/platform/services/capture_manager.h"
 #include "vemora/platform/services/meta_type_resolver.h"
 #include "vemora/platform/services/trigger_notification_pusher.h"

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The page that says what a server supplies names what the product needs: the symbols, by library.
 
     symbols_page.py PAGE PRODUCT LIBRARY...           the section between the markers is what the libraries say

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """What the report of the benchmarks writes, and that the pages in docs/ quote the figures of one run."""
 
 import json

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A server loads the product and platform libraries of its own, and nothing else of ours.
 
     loaded_libraries.py OURS OWN PROGRAM    of the folder OURS it loads the product alone, and four libraries from OWN

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The contract suite fails on every fault that is planted in the in-memory repository, by the test that is about it.
 
     contract_suite_catches_test.py PROGRAM    the tests of contract_suite_test.cpp

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The contract suite on the in-memory repository, and on one with each planted fault. The latter
 // has to fail, so that ctest runs it through contract_suite_catches_test.py.
 

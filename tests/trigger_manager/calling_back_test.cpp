@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Builds without self-checks do not look: there, the calls of these tests wait for themselves.
 #ifndef NDEBUG
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Rewords every sentence of a C++ source: reword_messages.py SOURCE RESULT
 
 What the program does stays the same, and so do the holes of format strings. Log lines, names of keys and what stands in

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #pragma once
 
 // Must be included before every other header of ODB. One ODB header has throw(...) exception

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #pragma once
 
 // The tests of what vemora/platform/ says of the repositories, for whoever implements them. Written

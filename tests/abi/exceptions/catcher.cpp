@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Catches what thrower.cpp throws, by every type that a handler may name. Each of the two is built
 // with a compiler of its own.
 

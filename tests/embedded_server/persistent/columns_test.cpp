@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "vemora/platform/odb_runtime.h"
 
 // The columns of a table stand in the mapping and in the schema's numbered steps. Here both, and

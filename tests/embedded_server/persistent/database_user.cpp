@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // A process that works on a database as it is told on standard input: database_user LOCATION
 // WAIT_MS.
 

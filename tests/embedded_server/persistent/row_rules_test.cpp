@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The rules that rows obey (the CHECK constraints of the schema) are the database's own: whoever
 // writes, a row that breaks one is refused. Each rule has a row here that breaks it and no other.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // What explain costs where a trigger has very many sources.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // What is said of a trigger as a whole, and of the places where it listens or does not.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Random histories with rollbacks: as long as cameras can report what they could, the records after
 // a rollback are those that a fresh site gets from the same documents.
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Why a trigger is not told of an event, as `match` says it of one event.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The keys that the published schemas name and those that the parser reads are the same.
 
 #include "vemora/operations/warnings/document_keys.h"

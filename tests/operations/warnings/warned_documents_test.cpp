@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // The judge of a host: when it is asked, and what it makes of hostile documents.
 
 #include <fmt/format.h>

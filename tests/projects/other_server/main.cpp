@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Runs two passes on this server's own libraries and repositories. Started with all symbols looked
 // up at once, it shows that the four libraries are all that the product needs.
 #include <exception>

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """How tests reach the PostgreSQL that runs for them: the one that ctest starts (CLUSTER), or another."""
 
 import os

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "support/stub_platform/camera_link.h"
 
 #include <odb/database.hxx>

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "support/stub_platform/stub_platform.h"
 #include "vemora/platform/tags/tags_json_converter.h"
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Kills `vemora-triggers restore` and `backup` at every call by which they write or sync a file.
 
 Each time the site is the one before or the one of the backup, whole, and never a mix; so is the backup; and

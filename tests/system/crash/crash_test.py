@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Kills `vemora-triggers apply` and looks at what is left.
 
 At every call by which it writes or syncs a file, and at random moments of a pass that takes a while:

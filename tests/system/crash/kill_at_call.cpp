@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Preloaded into the tool by the crash tests: counts the calls by which it writes files and brings
 // them to the disk, and kills the process at one of them, as an impatient administrator would. What
 // was written stays, which a power cut would not grant: see tests/system/faults/power_cut_test.py.

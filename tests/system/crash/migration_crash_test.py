@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Kills `vemora-triggers` at every call by which it writes or syncs a file while it brings an older site up to date.
 
 Each time the tables are those of the older version or those of today, whole, with every row as it was; and

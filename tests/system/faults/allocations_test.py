@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """One allocation fails, at every point of the tool's commands: it never aborts, what it says is true of what is
 stored, and the same command ends, repeated, where an undisturbed run ends.
 

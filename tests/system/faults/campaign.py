@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Runs commands of the tool with a fault at one point after the other, and has each judged."""
 
 import collections

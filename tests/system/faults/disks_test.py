@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The disk fails or is full, at every call by which the tool's commands open, write, sync, cut or map a file: what
 they say is true of what is stored, and the same command, repeated on a sound disk, ends where an undisturbed run ends.
 

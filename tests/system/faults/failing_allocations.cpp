@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Counts what the process allocates, and lets an allocation fail where the plan says so.
 
 #include <dlfcn.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Counts the calls by which the process opens, changes and maps files, and lets one fail where the
 // plan says so.
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Runs the tool from the start of main as often as wanted, with faults: the preloaded library does the work."""
 
 import collections

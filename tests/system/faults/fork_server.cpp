@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
+
 // Preloaded into a program: stops it at the start of main and runs it from there as often as it is
 // asked to, each time in a process of its own, so that a run costs no loading of libraries.
 //

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The power goes off during an apply: at every call that writes, cuts or syncs a file of the database, with what was
 not synced by then there, gone, or there in part and in whatever order. The site is as before the pass or as
 committed, as committed and stored where the tool had said that it is done, and the same apply, repeated, ends where

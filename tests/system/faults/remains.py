@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """What a database holds, whatever its ids that a pass gives out, and whether it fits together."""
 
 import collections

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """The documents of the site that faults are tried on: small, with something of every kind."""
 
 MOTION = "tns1:VideoSource/MotionAlarm"

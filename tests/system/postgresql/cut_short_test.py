@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """An apply over PostgreSQL that is cut short at each answer of the server: the tool killed, or the line cut."""
 
 import collections

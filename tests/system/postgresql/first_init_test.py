@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A site that is made while other processes look at its schema: none of them sees half of it, or spoils it."""
 
 import subprocess

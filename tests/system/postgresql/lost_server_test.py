@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Takes PostgreSQL away in the middle of an apply and looks at what is left.
 
 Killed, restarted, or cut off by the network: each time a clear error, no half of a pass, and repeating the

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """An older site's tables are brought up to date beside other processes, and cut short at answers of the server.
 
     MIGRATION_STRIDE=1   at every answer (default: at each eighth, and at all around the one that keeps the new tables)

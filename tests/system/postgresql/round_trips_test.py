@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """How often a pass waits for the network: not once more for more cameras, triggers or links."""
 
 import unittest

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A server that replicates synchronously, and whose standby does not answer: what is committed here may be lost."""
 
 import json

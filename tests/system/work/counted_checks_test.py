@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """check: its work grows with the document and no faster, whatever is wrong with it. Instructions are counted, by
 valgrind, and not time: those of a document of twice the size, less those of one of the size, are twice as many when the
 sizes double.

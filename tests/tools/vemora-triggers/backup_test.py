@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """backup and restore: what they copy, what they refuse, and what they leave alone."""
 
 import fcntl

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Bounds of what the tool takes in: what lies at one passes, what lies beyond is told in whole."""
 
 import unittest

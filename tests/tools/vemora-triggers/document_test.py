@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """check: which documents are refused, with which text and place; documents that cannot be read at all."""
 
 import json

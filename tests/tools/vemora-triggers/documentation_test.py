@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """What the documentation shows is what happens: its commands are typed as they stand, in the order of the page."""
 
 import json

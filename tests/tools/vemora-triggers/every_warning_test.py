@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Each warning, where it is due: code, place of the very value, text; and where none is due."""
 
 import unittest

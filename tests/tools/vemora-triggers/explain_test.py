@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """explain: why a trigger is or is not active, and where it listens. What it says of random sites, damaged ones among
 them, is judged by a plain model (site_model.py).
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A pass that would delete most of a site is refused, unless it is told that this is meant."""
 
 import json

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """history, diff and rollback: what passes leave in the history, and the way back."""
 
 import datetime

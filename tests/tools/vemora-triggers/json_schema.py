@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Checks documents against the JSON Schemas of this repository.
 
 Knows the keywords that they use and refuses any other, so that no rule is passed over in silence.

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """match: which triggers an event is told to, and many. What it says of random sites, damaged ones among them, is judged
 by a plain model (site_model.py).
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Tables of an older version: whoever writes something brings them up to date with it, and nobody else."""
 
 import json

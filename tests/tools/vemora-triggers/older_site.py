@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Databases that earlier versions made, with all that a site can hold.
 
 `older_sites/VERSION` holds the database of each engine as that version left it (one camera's stream was yet to

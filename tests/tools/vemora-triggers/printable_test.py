@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """What people read: tables, faults, complaints and the log, with names in them that would spoil a terminal."""
 
 import os

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """show: the JSON forms to the letter, and tables for people that no name can spoil."""
 
 import fcntl

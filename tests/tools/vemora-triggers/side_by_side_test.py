@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """Many commands at the same time on one database: none of them fails, and the records end as those of one.
 
 Each round has a fresh database, which several `init`s make at the same time.

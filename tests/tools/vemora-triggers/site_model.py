@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A site as its documents mean it: what each trigger is told of, why not, and what a refresh would change.
 
 It knows nothing of the programs: the site is an inventory, the documents are the ones that were applied, and the

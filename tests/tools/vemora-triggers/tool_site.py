@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+# SPDX-License-Identifier: GPL-2.0-only
 """A site in a temporary folder, and `vemora-triggers` as a process on it.
 
     ENGINE=postgresql   the same tests over PostgreSQL: a schema each in the cluster that ctest starts

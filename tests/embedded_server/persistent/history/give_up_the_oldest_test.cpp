@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "vemora/platform/odb_runtime.h"
 
 #include "vemora/embedded_server/persistent/history/give_up_the_oldest.h"

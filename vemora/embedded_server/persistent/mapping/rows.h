@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #pragma once
 
 // The rows that are no records of their own. Links are keyed by both ends and carry no position, so

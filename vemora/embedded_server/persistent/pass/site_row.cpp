@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "vemora/embedded_server/persistent/pass/site_row.h"
 
 #include <odb/database.hxx>

@@ -1,3 +1,5 @@
+// SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
+// SPDX-License-Identifier: GPL-2.0-only
 #include "vemora/platform/repositories/metadata_event_category_repository.h"
 
 #include "records-odb.h"
