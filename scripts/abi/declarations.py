@@ -43,6 +43,9 @@ class Declaration:
     symbols: list
 
 
+FOR_TESTS = "vemora_testing"  # compiled with the tests that use it: no library shows anything of it
+
+
 def library_headers(root):
     """The public headers of each library, as the CMakeLists.txt name them."""
     headers = {}
@@ -50,6 +53,8 @@ def library_headers(root):
         with open(path, encoding="utf-8") as file:
             listed = re.findall(r"vemora_public_headers\(\s*(\S+)\s+(?:PUBLIC|INTERFACE)\s+([^)]*)\)", file.read())
         for library, names in listed:
+            if library == FOR_TESTS:
+                continue
             folder = os.path.relpath(os.path.dirname(path), root)
             headers.setdefault(library, []).extend(os.path.join(folder, name) for name in names.split())
     return headers
