@@ -20,7 +20,7 @@ namespace {
 using testing::IsEmpty;
 
 /// What comes of a missing collaborator.
-enum class Outcome {
+enum class Cost {
   nothing,     ///< no pass needs it
   is_logged,   ///< for each camera whose stream was to be reconciled
   fails_some,  ///< of the triggers, which are reported; the pass goes on
@@ -30,7 +30,7 @@ enum class Outcome {
 
 struct Missing {
   std::string name;
-  Outcome outcome;
+  Cost cost;
   std::string text;
 };
 
@@ -38,29 +38,29 @@ void PrintTo(const Missing& missing, std::ostream* stream) {
   *stream << missing.name;
 }
 
-const Missing table[] = {
-    {"parser", Outcome::rejects, "The trigger manager was constructed without a parser"},
-    {"repository of the parser", Outcome::rejects,
+const Missing every_one[] = {
+    {"parser", Cost::rejects, "The trigger manager was constructed without a parser"},
+    {"repository of the parser", Cost::rejects,
      "The trigger parser was constructed without a repository"},
-    {"schedule repository", Outcome::rejects,
+    {"schedule repository", Cost::rejects,
      "The repository was constructed without a schedule repository"},
-    {"server repository", Outcome::rejects,
+    {"server repository", Cost::rejects,
      "The repository was constructed without a server repository"},
-    {"repository", Outcome::fails_pass, "The trigger manager was constructed without a repository"},
-    {"trigger repository", Outcome::fails_pass,
+    {"repository", Cost::fails_pass, "The trigger manager was constructed without a repository"},
+    {"trigger repository", Cost::fails_pass,
      "The repository was constructed without a trigger repository"},
-    {"camera repository", Outcome::fails_some,
+    {"camera repository", Cost::fails_some,
      "The repository was constructed without a camera repository"},
-    {"metadata event subscription repository", Outcome::fails_pass,
+    {"metadata event subscription repository", Cost::fails_pass,
      "The repository was constructed without a metadata event subscription repository"},
-    {"ETA camera repository", Outcome::fails_pass,
+    {"ETA camera repository", Cost::fails_pass,
      "The repository was constructed without an ETA camera repository"},
-    {"metadata event category repository", Outcome::nothing, ""},
-    {"capture manager", Outcome::is_logged,
+    {"metadata event category repository", Cost::nothing, ""},
+    {"capture manager", Cost::is_logged,
      "The trigger manager was constructed without a capture manager"},
-    {"meta type resolver", Outcome::fails_pass,
+    {"meta type resolver", Cost::fails_pass,
      "The trigger manager was constructed without a meta type resolver"},
-    {"notification pusher", Outcome::fails_pass,
+    {"notification pusher", Cost::fails_pass,
      "The trigger manager was constructed without a notification pusher"},
 };
 
@@ -72,13 +72,13 @@ Json::Value named(Json::Value document, const char* note) {
 class Missing_Collaborator : public testing::TestWithParam<Missing> {
  protected:
   bool fails() const {
-    return GetParam().outcome == Outcome::rejects || GetParam().outcome == Outcome::fails_pass;
+    return GetParam().cost == Cost::rejects || GetParam().cost == Cost::fails_pass;
   }
 
   /// Those of a pass that ran to its end.
   std::vector<Error> errors_of_triggers() const {
     std::vector<Error> errors;
-    if (GetParam().outcome == Outcome::fails_some) {
+    if (GetParam().cost == Cost::fails_some) {
       for (const int trigger : {7, 10}) {  // the ones with a camera filter or a topic
         errors.push_back(failed_processing(
             fmt::format("Trigger {}: Failed to process config ({}).", trigger, GetParam().text)));
@@ -124,11 +124,11 @@ class Missing_Collaborator : public testing::TestWithParam<Missing> {
 TEST_P(Missing_Collaborator, is_named_by_update_config) {
   const Result result = manager->update_config(new_config);
 
-  if (GetParam().outcome == Outcome::rejects) {
+  if (GetParam().cost == Cost::rejects) {
     EXPECT_EQ(
         result,
         (Result{false, {rejected_document("Failed to parse trigger config: " + GetParam().text)}}));
-  } else if (GetParam().outcome == Outcome::fails_pass) {
+  } else if (GetParam().cost == Cost::fails_pass) {
     EXPECT_EQ(result,
               (Result{false,
                       {failed_processing("Failed to update trigger config: " + GetParam().text)}}));
@@ -192,7 +192,7 @@ TEST_P(Missing_Collaborator, changes_no_call_before_it_is_needed) {
 
   const auto [missed, there] =
       std::mismatch(calls.begin(), calls.end(), calls_with_all.begin(), calls_with_all.end());
-  if (GetParam().outcome == Outcome::nothing) {
+  if (GetParam().cost == Cost::nothing) {
     EXPECT_EQ(calls, calls_with_all);
   } else if (missed != calls.end()) {
     EXPECT_EQ(*missed, "log Trigger_Manager of severity 5") << "in place of " << *there;
@@ -201,7 +201,7 @@ TEST_P(Missing_Collaborator, changes_no_call_before_it_is_needed) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Missing_Collaborator, testing::ValuesIn(table), [](const auto& info) {
+INSTANTIATE_TEST_SUITE_P(Of, Missing_Collaborator, testing::ValuesIn(every_one), [](const auto& info) {
   std::string name = info.param.name;
   std::replace(name.begin(), name.end(), ' ', '_');
   return name;
