@@ -17,17 +17,17 @@ namespace {
 
 using Answer = Scripted_Site::Answer;
 
-struct Operation {
+struct Called_Back {
   const char* name;
   const char* name_of_the_function;
   void (*run)(Trigger_Manager&);
 };
 
-void PrintTo(const Operation& operation, std::ostream* stream) {
-  *stream << operation.name;
+void PrintTo(const Called_Back& called, std::ostream* stream) {
+  *stream << called.name;
 }
 
-const Operation operations[] = {
+const Called_Back all_called_back[] = {
     {"update_config", "update_config",
      [](Trigger_Manager& manager) { manager.update_config(Scripted_Site::config); }},
     {"update_trigger_mapping", "update_trigger_mapping",
@@ -44,16 +44,16 @@ const Operation operations[] = {
      [](Trigger_Manager& manager) { manager.get_trigger_mapping(); }},
 };
 
-std::string found_out(const Operation& operation) {
-  return std::string(operation.name_of_the_function) +
+std::string found_out(const Called_Back& called) {
+  return std::string(called.name_of_the_function) +
          " was called by what the trigger manager calls during its pass; without the checks of "
          "debug builds it would wait for itself forever";
 }
 
 /// What the operation throws when it is found out; empty when it does not throw.
-std::string error_of(const Operation& operation, Trigger_Manager& manager) {
+std::string error_of(const Called_Back& called, Trigger_Manager& manager) {
   try {
-    operation.run(manager);
+    called.run(manager);
     return "";
   } catch (const Internal_Error<std::logic_error>& error) {
     EXPECT_EQ(error.error_code, -2);
@@ -61,7 +61,7 @@ std::string error_of(const Operation& operation, Trigger_Manager& manager) {
   }
 }
 
-class Calling_Back : public testing::TestWithParam<Operation> {
+class Calling_Back : public testing::TestWithParam<Called_Back> {
  protected:
   std::unique_ptr<Trigger_Manager> a_manager() {
     return site.a_manager(Scripted_Site::config, Scripted_Site::mapping);
@@ -83,7 +83,7 @@ class Calling_Back : public testing::TestWithParam<Operation> {
 };
 
 TEST_P(Calling_Back, is_found_out_in_every_call_of_every_operation) {
-  for (const Operation& running : operations) {
+  for (const Called_Back& running : all_called_back) {
     std::size_t calls = 0;
     site.listen([&](const std::string& call) {
       ++calls;
@@ -195,7 +195,7 @@ TEST_P(Calling_Back, is_not_what_another_thread_does_meanwhile) {
   EXPECT_EQ(error, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(By, Calling_Back, testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(By, Calling_Back, testing::ValuesIn(all_called_back),
                          [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -201,11 +201,12 @@ TEST_P(Missing_Collaborator, changes_no_call_before_it_is_needed) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Missing_Collaborator, testing::ValuesIn(every_one), [](const auto& info) {
-  std::string name = info.param.name;
-  std::replace(name.begin(), name.end(), ' ', '_');
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Of, Missing_Collaborator, testing::ValuesIn(every_one),
+                         [](const auto& info) {
+                           std::string name = info.param.name;
+                           std::replace(name.begin(), name.end(), ' ', '_');
+                           return name;
+                         });
 
 class Collaborators_That_No_Pass_Needs : public testing::Test {
  protected:
