@@ -24,13 +24,15 @@ def named_by(script):
 
 
 def shown_by(library):
-    """What nm says without the versions themselves, which are symbols too."""
+    """What nm says without the versions themselves, which are symbols too, and without local symbols: the linker leaves
+    some in the table, and nobody outside can be linked with them."""
     lines = subprocess.run(["nm", "--dynamic", "--defined-only", "--with-symbol-versions", library], check=True,
                            capture_output=True, text=True).stdout.splitlines()
     symbols = {}
     for kind, symbol in (line.split()[-2:] for line in lines):
         name, _, version = symbol.partition("@")
-        if kind != "A":
+        is_local = kind.islower() and kind not in "iuvw"
+        if kind != "A" and not is_local:
             symbols[name] = version.lstrip("@")
     return symbols
 
