@@ -100,7 +100,7 @@ def file_of(library, folder):
     """The library as it was built or installed somewhere below the folder."""
     found = sorted(glob(f"{folder}/**/{library.file}", recursive=True))
     # The tests build libraries of these names too.
-    found = [each for each in found if "/tests/" not in os.path.relpath(each, folder)] or found
+    found = [each for each in found if "tests" not in os.path.relpath(each, folder).split(os.sep)] or found
     if not found:
         raise SystemExit(f"{library.file} is nowhere below {folder}: build first, with scripts/build")
     return found[0]
