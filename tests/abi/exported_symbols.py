@@ -24,15 +24,13 @@ def named_by(script):
 
 
 def shown_by(library):
-    """What nm says without the versions themselves, which are symbols too, and without local symbols: the linker leaves
-    some in the table, and nobody outside can be linked with them."""
+    """What nm says without the versions themselves, which are symbols too."""
     lines = subprocess.run(["nm", "--dynamic", "--defined-only", "--with-symbol-versions", library], check=True,
                            capture_output=True, text=True).stdout.splitlines()
     symbols = {}
     for kind, symbol in (line.split()[-2:] for line in lines):
         name, _, version = symbol.partition("@")
-        is_local = kind.islower() and kind not in "iuvw"
-        if kind != "A" and not is_local:
+        if kind != "A":
             symbols[name] = version.lstrip("@")
     return symbols
 
