@@ -34,8 +34,10 @@ class Headers:
 
 
 def read_headers(root):
+    """Of the libraries with a version script, and of the contracts."""
     include = os.path.realpath(root)
-    of_library = declarations.library_headers(include)
+    names = {library.name for library in exports.libraries(include)} | {CONTRACTS}
+    of_library = {name: listed for name, listed in declarations.library_headers(include).items() if name in names}
     unit = declarations.parse(include, sorted(sum(of_library.values(), [])), declarations.flags_of_dependencies())
     return Headers(of_library,
                    list(declarations.declarations(unit, include)),
