@@ -19,7 +19,8 @@ import random
 import subprocess
 import sys
 import tempfile
-import time
+
+import processes
 
 CAMERAS, TRIGGERS, AREAS = 5000, 1000, 100
 TOPICS = [f"tns1:RuleEngine/Rule{number}/Motion" for number in range(10)]
@@ -66,18 +67,8 @@ def write_events(path, count):
 
 def measured(*command):
     """The times in seconds, the most memory in bytes, and standard output."""
-    seconds, memory, out = [], 0, ""
-    for _ in range(REPETITIONS):
-        start = time.monotonic()
-        with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as process:
-            out = process.stdout.read()
-            _, status, usage = os.wait4(process.pid, 0)
-            process.returncode = os.waitstatus_to_exitcode(status)
-        if process.returncode != 0:
-            sys.exit(f"{command} answers {process.returncode}")
-        seconds.append(time.monotonic() - start)
-        memory = max(memory, usage.ru_maxrss << 10)
-    return {"seconds": seconds, "memory": memory}, out
+    runs = [processes.measured(command) for _ in range(REPETITIONS)]
+    return {"seconds": [seconds for seconds, _, _ in runs], "memory": max(memory for _, memory, _ in runs)}, runs[-1][2]
 
 
 def measure(build, count):
