@@ -18,6 +18,7 @@ import statistics
 import sys
 
 import match_events
+import plot as plots
 
 BEGIN, END = "<!-- figures begin -->", "<!-- figures end -->"
 MILLION = "1000000 links"
@@ -142,25 +143,17 @@ def targets(figures, library, instructions, match):
 
 
 def plot(figures):
-    """Seconds by links, both axes logarithmic: points of the passes and of their floors."""
-    points = []
-    for scenario, color in (("first apply", "#b03a2e"), ("unchanged refresh", "#1f618d")):
-        for key, fill in (("seconds", color), ("floor", "none")):
-            for figure in figures:
-                first = find(figures, figure["site"], "first apply")
-                if figure["scenario"] == scenario and median(figure, key) and first and first.get("links"):
-                    points.append((first["links"], median(figure, key), color, fill))
-    x = lambda links: 60 + (math.log10(links) - 3.5) * 150
-    y = lambda seconds: 330 - (math.log10(seconds) + 3) * 75
-    marks = [f'<circle cx="{x(links):.1f}" cy="{y(seconds):.1f}" r="4" stroke="{color}" fill="{fill}"/>'
-             for links, seconds, color, fill in points]
-    axes = [f'<text x="{x(10 ** power):.0f}" y="350" text-anchor="middle">10^{power}</text>' for power in (4, 5, 6, 7)]
-    axes += [f'<text x="50" y="{y(10 ** power) + 4:.0f}" text-anchor="end">{10.0 ** power:g} s</text>'
-             for power in (-3, -2, -1, 0, 1)]
-    legend = ('<text x="70" y="20" fill="#b03a2e">first apply</text><text x="160" y="20" fill="#1f618d">unchanged refresh'
-              '</text><text x="300" y="20">filled: a pass, open: its floor; by links</text>')
-    return ('<svg xmlns="http://www.w3.org/2000/svg" width="640" height="370" font-family="sans-serif" font-size="12">'
-            '<rect width="640" height="370" fill="white"/>' + legend + "".join(axes) + "".join(marks) + "</svg>\n")
+    """The passes of the sites that grow by links alone, and of the sites S, M and L."""
+    points = {}
+    for figure in figures:
+        dense = figure["site"].endswith(" links")
+        if dense or figure["site"] in SITES:
+            links = find(figures, figure["site"], "first apply")["links"]
+            for key in ("seconds", "floor"):
+                if (seconds := median(figure, key)) is not None:
+                    kind = (plots.DENSE if dense else plots.MIXED, figure["scenario"], key)
+                    points.setdefault(kind, []).append((links, seconds))
+    return plots.draw(points)
 
 
 def run_note(sqlite):

@@ -9,6 +9,7 @@ import shutil
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
 sys.path.insert(0, os.path.join(ROOT, "benchmarks"))
@@ -75,7 +76,14 @@ class Written_Pages(unittest.TestCase):
         self.assertIn(["site S", "first apply", "0.300", "0.150", "2.00", "29.96", "3", "0", "0", "0"], rows_of(page))
         self.assertIn(["site S", "first apply", "0.750", "0.375", "2.00", "74.89", "3", "0", "0", "0", "75"],
                       rows_of(page))
-        self.assertIn("<circle", read(self.folder, "performance.svg"))
+
+    def test_the_picture_shows_each_pass_and_its_floor_and_names_its_axes(self):
+        picture = xml.etree.ElementTree.fromstring(read(self.folder, "performance.svg"))
+        texts = {"".join(text.itertext()).strip() for text in picture.iter("{http://www.w3.org/2000/svg}text")}
+        self.assertLessEqual({"links (a trigger and a record that it uses)", "seconds"}, texts)
+        self.assertEqual({text for text in texts if "site" in text}, {
+            f"{what}, {place}" for what in ("first apply", "unchanged refresh", "its floor")
+            for place in ("dense sites", "sites S, M and L")})
 
 
 class Committed_Pages(unittest.TestCase):
