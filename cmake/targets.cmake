@@ -12,6 +12,12 @@ if(VEMORA_SANITIZE)
   add_link_options(-fsanitize=${VEMORA_SANITIZE})
 endif()
 
+# Programs of position-independent code are asked for, and not left to the compiler.
+if(CMAKE_POSITION_INDEPENDENT_CODE)
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
+endif()
+
 # A shared library that shows only what is marked for it and knows all it needs. Of a static embedded server, the
 # product alone is one: it is what servers load.
 function(vemora_add_library name)
