@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
 # SPDX-License-Identifier: GPL-2.0-only
-"""Counts instructions with valgrind, and prints them as a JSON object.
+"""Counts the instructions of calls and passes with valgrind, and prints them as a JSON object.
 
     count_instructions.py calls REPEATED_CALLS
     count_instructions.py passes COUNTED_PASSES SIZE...
@@ -46,7 +46,8 @@ def count_passes(program, *sizes):
             options = [f"--callgrind-out-file={folder}/out", "--toggle-collect=counted_pass", "--dump-after=counted_pass"]
             done = count(options, [program, os.path.join(folder, "site.db"), size])
             dumps = [f"{folder}/out.{number}" for number in range(1, len(PASSES) + 1)]
-            counted[done.stdout.strip()] = {name: instructions_of_dump(dump) for name, dump in zip(PASSES, dumps)}
+            site = json.loads(done.stdout)["site"]
+            counted[site] = {name: instructions_of_dump(dump) for name, dump in zip(PASSES, dumps)}
         print(f"{size}: counted", file=sys.stderr)
     return counted
 
