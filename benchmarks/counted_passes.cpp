@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-2.0-only
 
 // Makes a pass of each kind over a site, each in a call of counted_pass, so that their instructions
-// can be counted: see benchmarks/count_instructions.py. Prints the name of the site, and of each pass
-// how many statements it ran on SQLite and how many round trips it made to PostgreSQL.
+// can be counted: see benchmarks/count_instructions.py. Prints the name of the site, and of each
+// pass how many statements it ran on SQLite and how many round trips it made to PostgreSQL.
 //
 //     counted_passes DATABASE SIZE
 
