@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "vemora/embedded_server/documents/json_grammar.h"
+#include "vemora/embedded_server/documents/json_tree.h"
 #include "vemora/embedded_server/documents/read_file.h"
 #include "vemora/embedded_server/documents/text_encoding.h"
 #include "vemora/embedded_server/texts/characters.h"
@@ -56,14 +58,12 @@ std::string_view line_of(std::string_view text, const Text_Locations& locations,
   return found;
 }
 
-Json::Value parse(const std::string& text, const Text_Locations& locations,
-                  std::size_t most_values) {
+/// Decides about a text that was not read in one pass: finds what is wrong with it, and where.
+Json::Value parse_carefully(const std::string& text, const Text_Locations& locations,
+                            std::size_t most_values) {
   const auto reject = [&](const Document_Fault& fault) {
     throw Document_Error(fault, line_of(text, locations, fault.location.line));
   };
-  if (const std::string_view encoding = wide_encoding(text); !encoding.empty()) {
-    throw Document_Error({fmt::format("The file is {}; save it as UTF-8.", encoding), {}});
-  }
   if (const auto fault = find_grammar_fault(text, most_values)) {
     reject({fault->message, locations.locate(text, fault->offset)});
   }
@@ -77,6 +77,37 @@ Json::Value parse(const std::string& text, const Text_Locations& locations,
     reject(fault_in_report(report, text, locations));
   }
   return value;
+}
+
+/// Whether a text has so many separators that it may have more values than that. A text with too
+/// many is refused before memory is used for any.
+bool may_exceed(std::string_view text, std::size_t most_values) {
+  constexpr std::size_t stride = 64;
+  std::size_t values = 1;
+  if (text.size() / 2 < most_values) {  // of each two bytes, one separates values
+    return false;
+  }
+  for (std::size_t begin = 0; begin < text.size(); begin += stride) {
+    const std::string_view block = text.substr(begin, stride);
+    unsigned char separators = 0;
+    for (const char letter : block) {
+      separators += letter == ',' || letter == '[' || letter == '{' ? 1 : 0;
+    }
+    values += separators;
+  }
+  return values > most_values;
+}
+
+Json::Value parse(const std::string& text, const Text_Locations& locations,
+                  std::size_t most_values) {
+  if (const std::string_view encoding = wide_encoding(text); !encoding.empty()) {
+    throw Document_Error({fmt::format("The file is {}; save it as UTF-8.", encoding), {}});
+  }
+  std::optional<Json::Value> tree;
+  if (!may_exceed(text, most_values)) {
+    tree = read_json_tree(text, most_values);
+  }
+  return tree ? *std::move(tree) : parse_carefully(text, locations, most_values);
 }
 
 }  // namespace

@@ -23,9 +23,9 @@ struct Grammar_Fault {
 };
 
 /// The first fault of a text that is not JSON (RFC 8259) with an object or an array at the root;
-/// nothing if there is none. A text is checked before it is read, because the JSON reader accepts
-/// numbers, escapes and comments that are not JSON. More than `most_values` values are a fault too,
-/// found before memory is used for any. Duplicate keys are not detected here.
+/// nothing if there is none. A text is checked before Json::CharReader reads it, because that
+/// accepts numbers, escapes and comments that are not JSON. More than `most_values` values are a
+/// fault too, found before memory is used for any. Duplicate keys are not detected here.
 VEMORA_API std::optional<Grammar_Fault> find_grammar_fault(
     std::string_view text, std::size_t most_values = default_most_values);
 

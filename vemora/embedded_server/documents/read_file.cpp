@@ -4,8 +4,10 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <vector>
@@ -41,6 +43,13 @@ class Input {
 
   const std::string& name() const { return name_; }
 
+  /// In bytes; 0 if that is not known before it is read.
+  std::size_t size() const {
+    struct stat status {};
+    const bool is_known = ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+    return is_known ? static_cast<std::size_t>(status.st_size) : 0;
+  }
+
   /// Returns the number of bytes read; 0 at the end of the file.
   std::size_t read(char* buffer, std::size_t size) {
     ssize_t count = 0;
@@ -65,6 +74,7 @@ std::string read_file(const std::string& path, std::size_t limit) {
   Input input(path);
   std::vector<char> buffer(64 << 10);
   std::string text;
+  text.reserve(std::min(input.size(), limit));
   while (const std::size_t count = input.read(buffer.data(), buffer.size())) {
     text.append(buffer.data(), count);
     if (text.size() > limit) {
