@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tools/vemora-triggers/heap/heap.h"
+
 namespace {
 
 std::atomic<bool> counting{false};
@@ -82,7 +84,7 @@ std::size_t Heap_Meter::peak() const {
 }
 
 void settle_heap() {
-  malloc_trim(0);
+  vemora::tools::trim_heap();
 }
 
 }  // namespace kuv::benchmarks

@@ -8,7 +8,7 @@
 
 #include "benchmarks/empty_repositories.h"
 #include "benchmarks/heap_meter.h"
-#include "vemora/embedded_server/host/process_heap.h"
+#include "tools/vemora-triggers/heap/heap.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
 namespace kuv::benchmarks {
@@ -105,7 +105,7 @@ BENCHMARK(parse_trigger_configs)->Unit(benchmark::kMillisecond);
 }  // namespace kuv::benchmarks
 
 int main(int count, char** arguments) {
-  kuv::vemora::embedded_server::suit_heap_to_passes();
+  kuv::vemora::tools::set_up_heap();
   benchmark::Initialize(&count, arguments);
   benchmark::RunSpecifiedBenchmarks();
 }

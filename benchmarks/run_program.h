@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vemora/embedded_server/host/process_heap.h"
+#include "tools/vemora-triggers/heap/heap.h"
 #include "vemora/embedded_server/logging/console.h"
 
 namespace kuv::benchmarks {
@@ -19,7 +19,7 @@ inline int run_program(std::string_view name, int count, char** arguments,
                        int (*run)(const std::vector<std::string>&)) {
   try {
     kuv::logging::log_to(std::cerr, std::nullopt);
-    vemora::embedded_server::suit_heap_to_passes();
+    vemora::tools::set_up_heap();
     return run({arguments + 1, arguments + count});
   } catch (const std::exception& fault) {
     std::cerr << name << ": " << fault.what() << '\n';

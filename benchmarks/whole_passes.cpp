@@ -14,10 +14,10 @@
 #include <iostream>
 #include <vector>
 
-#include "benchmarks/floor.h"
+#include "benchmarks/floor_of_place.h"
+#include "benchmarks/floor_process.h"
 #include "benchmarks/heap_meter.h"
 #include "benchmarks/pass_runner.h"
-#include "benchmarks/postgresql_floor.h"
 #include "benchmarks/refused_text.h"
 #include "benchmarks/run_program.h"
 #include "benchmarks/site_generator.h"
@@ -25,7 +25,8 @@
 namespace kuv::benchmarks {
 namespace {
 
-/// One scenario on one site: every repetition's time, with the floor's taken right after it.
+/// One scenario on one site: every repetition's time, with the floor's taken right after it, with
+/// the C library's allocator and with the one of the passes.
 struct Figure {
   Json::Value json;
 
@@ -34,6 +35,7 @@ struct Figure {
     json["scenario"] = scenario;
     json["seconds"] = Json::Value(Json::arrayValue);
     json["floor"] = Json::Value(Json::arrayValue);
+    json["floorWithSameAllocator"] = Json::Value(Json::arrayValue);
   }
 
   void add(const Measured_Pass& pass, Measuring measuring) {
@@ -54,7 +56,7 @@ class Place {
  public:
   explicit Place(std::string argument) : argument_(std::move(argument)) {}
 
-  bool is_postgresql() const { return argument_.rfind("postgresql://", 0) == 0; }
+  bool is_postgresql() const { return floor_.is_postgresql(); }
 
   /// A fresh database.
   std::string next() {
@@ -74,18 +76,13 @@ class Place {
     }
   }
 
-  double write_floor(const Plain_Rows& rows) const {
-    return is_postgresql() ? write_postgresql_floor(argument_ + "bench_floor", rows)
-                           : benchmarks::write_floor(argument_ + "/floor.db", rows);
-  }
-
-  double read_floor(vemora::Trigger_Config_State& state) const {
-    return is_postgresql() ? read_postgresql_floor(argument_ + "bench_floor", state)
-                           : benchmarks::read_floor(argument_ + "/floor.db", state);
-  }
+  const Floor_Place& floor() const { return floor_; }
+  Floor_Process& floor_with_c_library() { return floor_with_c_library_; }
 
  private:
   std::string argument_;
+  Floor_Place floor_{argument_};
+  Floor_Process floor_with_c_library_{argument_};
   int count_ = 0;
 };
 
@@ -143,8 +140,10 @@ class Site_Run {
         rows_ = read_plain_rows(runner_->database());
         figure.json["links"] = static_cast<Json::UInt64>(rows_.subscription_links.size() +
                                                          rows_.detection_links.size());
+        place_.floor_with_c_library().take_rows(location_);
       } else {
-        figure.json["floor"].append(place_.write_floor(rows_));
+        figure.json["floor"].append(place_.floor_with_c_library().write());
+        figure.json["floorWithSameAllocator"].append(place_.floor().write(rows_));
       }
       return pass;
     });
@@ -154,14 +153,16 @@ class Site_Run {
     Figure figure(size_.name, "unchanged refresh");
     repeat(figure, [&](Measuring measuring) {
       const Measured_Pass pass = runner_->refresh(measuring);
+      const double floor = place_.floor_with_c_library().read();
       vemora::Trigger_Config_State state;
-      const double floor = place_.read_floor(state);
+      const double floor_with_same_allocator = place_.floor().read(state);
       if (measuring == Measuring::heap) {
         const Heap_Meter meter;
         const vemora::Trigger_Config_State copy = state;
         figure.json["snapshotHeap"] = static_cast<Json::UInt64>(meter.now());
       } else {
         figure.json["floor"].append(floor);
+        figure.json["floorWithSameAllocator"].append(floor_with_same_allocator);
       }
       return pass;
     });

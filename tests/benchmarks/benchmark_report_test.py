@@ -25,6 +25,7 @@ def read(*path):
 def figures(site, links, first_apply):
     """What whole_passes prints of a site whose later passes take a tenth of the first apply."""
     return [{"site": site, "scenario": scenario, "links": links, "seconds": [seconds], "floor": [seconds / 2],
+             "floorWithSameAllocator": [seconds / 4],
              "peakHeap": 3 << 20, "snapshotHeap": 2 << 20, "linksWritten": 0, "linksDeleted": 0, "errors": 0,
              "roundTrips": 75}
             for scenario, seconds in zip(report.GROWING, (first_apply, first_apply / 10, first_apply / 10))]
@@ -73,9 +74,13 @@ class Written_Pages(unittest.TestCase):
                        "7.00"], rows_of(page))
         self.assertIn(["memory of match --events beyond the site", "200 MiB", "", "10 MiB"], rows_of(page))
         self.assertIn(["memory of match --events --against beyond the site", "200 MiB", "", "110 MiB"], rows_of(page))
-        self.assertIn(["site S", "first apply", "0.300", "0.150", "2.00", "29.96", "3", "0", "0", "0"], rows_of(page))
-        self.assertIn(["site S", "first apply", "0.750", "0.375", "2.00", "74.89", "3", "0", "0", "0", "75"],
+        self.assertIn(["site S", "first apply", "0.300", "0.150", "2.00", "4.00", "29.96", "3", "0", "0", "0"], rows_of(page))
+        self.assertIn(["site S", "first apply", "0.750", "0.375", "2.00", "4.00", "74.89", "3", "0", "0", "0", "75"],
                       rows_of(page))
+        for name in ("first apply", "unchanged refresh"):
+            [[_, _, _, measured]] = [row for row in rows_of(page) if row[0] == f"{name} : floor"]
+            [[_, _, _, same]] = [row for row in rows_of(page) if row[0] == f"{name} : floor with the same allocator"]
+            self.assertEqual((measured, same), ("2.00", "4.00"))
 
     def test_the_picture_shows_each_pass_and_its_floor_and_names_its_axes(self):
         picture = xml.etree.ElementTree.fromstring(read(self.folder, "performance.svg"))

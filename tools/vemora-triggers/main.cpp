@@ -13,6 +13,7 @@
 
 #include "tools/vemora-triggers/command_line.h"
 #include "tools/vemora-triggers/commands/input.h"
+#include "tools/vemora-triggers/heap/heap.h"
 #include "tools/vemora-triggers/process/outcome_output.h"
 #include "tools/vemora-triggers/process/standard_streams.h"
 #include "tools/vemora-triggers/process/stored_note.h"
@@ -20,7 +21,6 @@
 #include "tools/vemora-triggers/render/out_of_memory.h"
 #include "tools/vemora-triggers/render/pass.h"
 #include "tools/vemora-triggers/render/terminal.h"
-#include "vemora/embedded_server/host/process_heap.h"
 #include "vemora/embedded_server/logging/console.h"
 #include "vemora/embedded_server/persistent/long_wait.h"
 
@@ -165,7 +165,7 @@ int main(int count, char** arguments) {
   using namespace kuv::vemora::tools;
   occupy_missing_standard_streams();
   kuv::vemora::embedded_server::on_long_wait(&tell_of_wait);
-  kuv::vemora::embedded_server::suit_heap_to_passes();
+  set_up_heap();
   for (const int signal : {SIGPIPE, SIGXFSZ}) {
     std::signal(signal, SIG_IGN);  // a failing write is reported like any other failure
   }
