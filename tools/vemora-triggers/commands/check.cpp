@@ -13,7 +13,8 @@ namespace kuv::vemora::tools {
 
 Exit_Status check(const Options& options, const std::string& config_path,
                   const std::string& mapping_path) {
-  const Trigger_Documents documents(options, config_path, mapping_path);
+  const Trigger_Documents& documents =
+      Trigger_Documents::read_for_good(options, config_path, mapping_path);
   const auto database = embedded_server::Database::open(options.database);
   embedded_server::Trigger_Host host(
       database, options.server_id,

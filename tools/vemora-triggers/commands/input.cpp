@@ -3,6 +3,7 @@
 #include "tools/vemora-triggers/commands/input.h"
 
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace kuv::vemora::tools {
@@ -87,6 +88,14 @@ Trigger_Documents::Trigger_Documents(std::string config_path, Json_Document conf
       mapping_path_(std::move(mapping_path)),
       config_(std::move(config)),
       mapping_(std::move(mapping)) {}
+
+const Trigger_Documents& Trigger_Documents::read_for_good(const Options& options,
+                                                          const std::string& config_path,
+                                                          const std::string& mapping_path) {
+  static auto* const read = new std::vector<std::unique_ptr<Trigger_Documents>>;
+  read->push_back(std::make_unique<Trigger_Documents>(options, config_path, mapping_path));
+  return *read->back();
+}
 
 Located_Fault Trigger_Documents::locate(const embedded_server::Check_Fault& found) const {
   const bool in_config = found.document == "config";

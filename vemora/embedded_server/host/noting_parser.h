@@ -16,25 +16,32 @@ namespace kuv::vemora::embedded_server {
 using Judge_Parsed =
     std::function<void(const Trigger_Mapping& schedules, const std::vector<Trigger_Config>&)>;
 
+/// The documents of a pass as they are to be parsed.
+struct Parsed_Documents {
+  const Json::Value& config;
+  const Json::Value& mapping;
+};
+
 /// The parser of a pass. It throws what the parser throws, and records the fault with its location.
 /// What is parsed without a fault is passed to a function.
+///
+/// It parses the documents that it is constructed with, and not what the manager has: a manager
+/// keeps copies of its documents, and a large one takes as long to copy as to parse.
 class Noting_Parser : public Trigger_Parser {
  public:
-  /// Appends faults to `faults`, which must outlive the parser. If a mapping is given, this
-  /// document is parsed, not what the manager made of it: the manager adds what is missing, and in
-  /// a new document nothing may be missing.
+  /// The documents must outlive the parser.
   Noting_Parser(std::shared_ptr<Repository> repository, std::uint64_t server_id,
-                const Json_Document& config, const Json_Document* mapping,
-                std::vector<Check_Fault>& faults, Judge_Parsed judge);
+                const Parsed_Documents& documents, Located_Faults in_config,
+                Located_Faults in_mapping, Judge_Parsed judge);
 
-  Trigger_Mapping parse_trigger_mapping(const Json::Value& document) override;
-  std::vector<Trigger_Config> parse_trigger_configs(const Json::Value& document,
+  Trigger_Mapping parse_trigger_mapping(const Json::Value&) override;
+  std::vector<Trigger_Config> parse_trigger_configs(const Json::Value&,
                                                     const Trigger_Mapping& mapping) override;
-  Notification_Properties parse_config_properties(const Json::Value& document) override;
+  Notification_Properties parse_config_properties(const Json::Value&) override;
 
  private:
   Vemora_Trigger_Parser parser_;
-  const Json_Document* mapping_;
+  Parsed_Documents documents_;
   Located_Faults in_config_;
   Located_Faults in_mapping_;
   Judge_Parsed judge_;

@@ -38,12 +38,14 @@ void require_within_limits(const Object_Types& types) {
   }
 }
 
-/// The document as a new manager would complete it: a missing list is an empty one.
-Json::Value with_default(Json::Value document, const char* key) {
-  if (document.isObject() && document[key].isNull()) {
-    document[key] = Json::Value(Json::arrayValue);
+/// The document as a new manager would complete it, if its list is missing: with an empty one.
+std::optional<Json::Value> completed(const Json::Value& document, const char* key) {
+  if (!document.isObject() || !document[key].isNull()) {
+    return std::nullopt;
   }
-  return document;
+  std::optional<Json::Value> copy(document);
+  (*copy)[key] = Json::Value(Json::arrayValue);
+  return copy;
 }
 
 bool is_corrupt(const metadata_event_subscription& record) {
@@ -115,6 +117,7 @@ struct Trigger_Host::Given_Documents {
     if (new_mapping == nullptr) {
       stored_mapping = std::make_shared<Json_Document>(
           read_stored_document(pass.documents().mapping, "mapping"));
+      completed_mapping = completed(stored_mapping->value(), "triggerMapping");
     }
   }
 
@@ -128,15 +131,26 @@ struct Trigger_Host::Given_Documents {
     return new_mapping != nullptr ? *new_mapping : *stored_mapping;
   }
 
+  // What is to be parsed. In a new document nothing may be missing.
+  const Json::Value& parsed_config() const {
+    return completed_config ? *completed_config : config.value();
+  }
+  const Json::Value& parsed_mapping() const {
+    return completed_mapping ? *completed_mapping : mapping().value();
+  }
+
   std::shared_ptr<const Json_Document> stored_config;  ///< null if a new one is given
   std::shared_ptr<const Json_Document> stored_mapping;
   const Json_Document& config;
   const Json_Document* new_mapping;
+  std::optional<Json::Value> completed_config;  ///< if something is missing in the stored one
+  std::optional<Json::Value> completed_mapping;
 
  private:
   Given_Documents(std::shared_ptr<const Json_Document> stored, const Pass_Scope& pass)
       : Given_Documents(*stored, nullptr, pass) {
     stored_config = std::move(stored);
+    completed_config = completed(stored_config->value(), "triggers");
   }
 };
 
@@ -258,16 +272,12 @@ void Trigger_Host::watch_deletions(Pass_Scope& pass, Pass_Outcome& outcome) {
 
 void Trigger_Host::update_config(Pass_Scope& pass, const Given_Documents& documents,
                                  std::vector<Check_Fault>& faults, Pass_Outcome& outcome) {
-  const Json::Value& schedules = documents.mapping().value();
-  // The stored configuration is about to be replaced, so it does not matter if it is damaged.
-  const auto before = find_stored_document(pass.documents().config);
-  // A manager can only be constructed with objects. The parser rejects a mapping that is not one.
-  const Json::Value empty(Json::objectValue);
+  // The parser has the documents; the manager would only copy them.
+  const Json::Value nothing(Json::objectValue);
   const auto manager =
-      make_manager(before ? before->value() : empty, schedules.isObject() ? schedules : empty,
-                   make_parser(pass, documents, faults, outcome));
+      make_manager(nothing, nothing, make_parser(pass, documents, faults, outcome));
   try {
-    Directive_Config_Processing::Result result = manager->update_config(documents.config.value());
+    Directive_Config_Processing::Result result = manager->update_config(nothing);
     outcome.status = status_of(result);
     outcome.errors = std::move(result.errors);
   } catch (const Rejected_For_Warnings&) {
@@ -294,8 +304,10 @@ Pass_Outcome Trigger_Host::refresh() {
 void Trigger_Host::refresh(Pass_Scope& pass, const Given_Documents& documents,
                            Pass_Outcome& outcome) {
   std::vector<Check_Fault> ignored;
-  const auto manager = make_manager(documents.config.value(), documents.mapping().value(),
-                                    make_parser(pass, documents, ignored, outcome));
+  // The parser has the documents; the manager would only copy them.
+  const Json::Value nothing(Json::objectValue);
+  const auto manager =
+      make_manager(nothing, nothing, make_parser(pass, documents, ignored, outcome));
   try {
     Trigger_Config_State state;
     outcome.status = manager->refresh_triggers(state) ? Status::done : Status::failed;
@@ -322,10 +334,8 @@ std::vector<Check_Fault> Trigger_Host::check(const Json_Document& config,
   Located_Faults in_mapping("mapping", mapping, Located_Faults::Wanted::all, found);
   Vemora_Trigger_Parser parser(repository_, server_id_);
   parser.parse_config_properties(config.value(), in_config);
-  const Trigger_Mapping schedules = parser.parse_trigger_mapping(
-      mapping != nullptr ? mapping->value()
-                         : with_default(documents.mapping().value(), "triggerMapping"),
-      in_mapping);
+  const Trigger_Mapping schedules =
+      parser.parse_trigger_mapping(documents.parsed_mapping(), in_mapping);
   if (config.value().isObject()) {  // if not, this was reported with the properties
     const std::vector<Trigger_Config> triggers =
         parser.parse_trigger_configs(config.value(), schedules, in_config);
@@ -357,8 +367,12 @@ std::unique_ptr<Trigger_Parser> Trigger_Host::make_parser(const Pass_Scope& pass
       throw Rejected_For_Warnings();
     }
   };
-  return std::make_unique<Noting_Parser>(repository_, server_id_, documents.config,
-                                         documents.new_mapping, faults, judge_parsed);
+  return std::make_unique<Noting_Parser>(
+      repository_, server_id_,
+      Parsed_Documents{documents.parsed_config(), documents.parsed_mapping()},
+      Located_Faults("config", &documents.config, Located_Faults::Wanted::first, faults),
+      Located_Faults("mapping", documents.new_mapping, Located_Faults::Wanted::first, faults),
+      judge_parsed);
 }
 
 std::vector<Document_Warning> Trigger_Host::judge(const Given_Documents& documents,

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <odb/database.hxx>
 #include <string>
+#include <string_view>
 
 #include "rows-odb.h"
 #include "vemora/embedded_server/persistent/database_error.h"
@@ -15,17 +15,21 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
+/// As one block of memory: iterators would be copied byte by byte.
+std::string_view text_of(const rows::Document& row) {
+  return {row.text.data(), row.text.size()};
+}
+
 std::optional<std::string> load_document(odb::database& database, const std::string& kind) {
   rows::Document row;
-  return database.find(kind, row)
-             ? std::make_optional<std::string>(row.text.begin(), row.text.end())
-             : std::nullopt;
+  return database.find(kind, row) ? std::make_optional<std::string>(text_of(row)) : std::nullopt;
 }
 
 /// Whether storing it would change nothing.
 bool is_stored(odb::database& database, const std::string& kind,
                const std::optional<std::string>& text) {
-  return !text || load_document(database, kind) == text;
+  rows::Document row;
+  return !text || (database.find(kind, row) && text_of(row) == *text);
 }
 
 void store_document(odb::database& database, const std::string& kind,
@@ -35,7 +39,7 @@ void store_document(odb::database& database, const std::string& kind,
   }
   rows::Document row;
   const bool exists = database.find(kind, row);
-  if (exists && std::equal(row.text.begin(), row.text.end(), text->begin(), text->end())) {
+  if (exists && text_of(row) == *text) {
     return;
   }
   row.kind = kind;
