@@ -2,11 +2,14 @@
 # SPDX-License-Identifier: GPL-2.0-only
 """Writes what the benchmarks measured into the documentation, or prints the tables.
 
-    report.py pages SQLITE.json POSTGRESQL.json LIBRARY.json CALLS.json PASSES.json MATCH.json FOLDER
-        writes FOLDER/performance-figures.md and FOLDER/performance.svg, and the figures that FOLDER/performance.md
-        quotes, between its two markers
-    report.py tables SQLITE.json POSTGRESQL.json PASSES.json
+    report.py pages RUN FOLDER
+        writes FOLDER/performance-figures.md and FOLDER/performance.svg, and what FOLDER/performance.md quotes, between
+        its markers
+    report.py tables RUN
         prints the tables of growth and of both engines
+
+RUN is the folder of what was measured: sqlite.json and postgresql.json by whole_passes, passes.json and calls.json by
+count_instructions.py; for the pages also library.json, match.json and documents.json by the programs of these names.
 """
 
 import datetime
@@ -19,8 +22,8 @@ import sys
 
 import match_events
 import plot as plots
+import whole_documents
 
-BEGIN, END = "<!-- figures begin -->", "<!-- figures end -->"
 MILLION = "1000000 links"
 SAME = "floorWithSameAllocator"  # a floor with the allocator of the passes; the other one has the C library's
 
@@ -109,39 +112,75 @@ def library_median(library, name):
                  if entry["name"] == f"{name}_median" or (entry["name"] == name and "aggregate_name" not in entry)), None)
 
 
-def targets(figures, library, instructions, match):
-    """The figures that were promised, each as a ratio within this run."""
-    lines = ["| figure | must | aim | measured |", "|---|---|---|---|"]
+def document_targets(library, documents):
+    yield ("parsing 100,000 triggers : the JSON library reading the text", 0.28, 0.2,
+           ratio(library_median(library, "parse_trigger_configs"), library_median(library, "json_library_reads_the_text")))
+    megabytes = f"{documents['triggers']:,} triggers ({documents['bytes'] / 1e6:.0f} MB)"
+    for name, other, words, must, aim in (("check", "reading", "the JSON library reading the text", 0.9, 0.6),
+                                          ("refresh", "reading", "the JSON library reading the text", 1.8, 1.2),
+                                          ("check", "rules", "promtool check rules", 0.12, 0.08)):
+        times = whole_documents.times_as_long(documents, name, other)
+        yield f"{name} of {megabytes}, whole process : {words}", must, aim, times and f"{times:.2f}"
 
-    def line(name, must, aim, value):
-        lines.append(f"| {name} | {must} | {aim} | {value or 'not measured'} |")
 
-    line("parsing 100,000 triggers : the JSON library reading the text", 0.5, 0.25,
-         ratio(library_median(library, "parse_trigger_configs"), library_median(library, "json_library_reads_the_text")))
-    first = find(figures, MILLION, "first apply")
-    refresh = find(figures, MILLION, "unchanged refresh")
-    changed = find(figures, MILLION, "one trigger changed")
+def pass_targets(figures):
+    first, refresh, changed = (find(figures, MILLION, scenario) for scenario in GROWING)
     if first and refresh and changed:
         for name, figure, must, aim in (("first apply", first, 1.5, 1.2), ("unchanged refresh", refresh, 1.6, 1.2)):
-            line(f"{name} : floor", must, aim, paired_ratio(figure))
-            line(f"{name} : floor with the same allocator", "report", "", paired_ratio(figure, SAME))
-        line("changing one trigger of 1,000 : unchanged refresh", 1.06, 1.02, paired_ratio(changed))
-        line("peak heap of a pass : one state snapshot", 2.3, 2, ratio(refresh["peakHeap"], refresh["snapshotHeap"]))
+            yield f"{name} : floor", must, aim, paired_ratio(figure)
+            yield f"{name} : floor with the same allocator", "report", "", paired_ratio(figure, SAME)
+        yield "changing one trigger of 1,000 : unchanged refresh", 1.06, 1.02, paired_ratio(changed)
+        yield "peak heap of a pass : one state snapshot", 2.3, 2, ratio(refresh["peakHeap"], refresh["snapshotHeap"])
+    for site, words, must, aim in (("1 cameras, 10000 triggers, 1 topics", "one subscription with 10,000 triggers", 4.5, 2),
+                                   *((site, site, 2.3, 1.6) for site in ("site S", "site M", "site L"))):
+        if refresh := find(figures, site, "unchanged refresh"):
+            yield f"{words}, unchanged refresh : floor", must, aim, paired_ratio(refresh)
     for scenario in ("first apply", "unchanged refresh"):
         small, large = find(figures, "10000 links", scenario), find(figures, MILLION, scenario)
         if small and large:
             own, floor = (ratio(median(large, key) / 100, median(small, key)) for key in ("seconds", "floor"))
-            line(f"time per link at 10^6 : at 10^4, {scenario}", 1.5, 1.1, f"{own} (its floor: {floor})")
+            yield f"time per link at 10^6 : at 10^4, {scenario}", 1.5, 1.1, f"{own} (its floor: {floor})"
+
+
+def postgresql_targets(figures):
+    for scenario, must in (("first apply", 1.6), ("unchanged refresh", 1.5)):
+        if figure := find(figures, MILLION, scenario):
+            yield f"PostgreSQL, {scenario} : floor", must, 1.2, paired_ratio(figure)
+
+
+def match_targets(match):
     for name, words in (("match", "match --events"), ("against", "match --events --against")):
-        line(f"{words}, {match['events']:,} events : the JSON library reading their lines", match_events.MOST_TIMES, "",
-             f"{match_events.times_as_long(match, name):.2f}")
-        line(f"memory of {words} beyond the site", f"{match_events.MOST_MEMORY >> 20} MiB", "",
-             f"{match_events.beyond_the_site(match, name) / 2 ** 20:.0f} MiB")
+        yield (f"{words}, {match['events']:,} events : the JSON library reading their lines", match_events.MOST_TIMES, "",
+               f"{match_events.times_as_long(match, name):.2f}")
+        yield (f"memory of {words} beyond the site", f"{match_events.MOST_MEMORY >> 20} MiB", "",
+               f"{match_events.beyond_the_site(match, name) / 2 ** 20:.0f} MiB")
+
+
+def call_targets(instructions):
     for name, figure, aim in (("the manager alone, an unchanged trigger with 3 sources", "unchanged trigger", ""),
                               ("a log call, logging off", "log call, logging off", "under 100"),
                               ("a log call, below the level", "log call, below the level", "")):
-        line(name, "report", aim, f"{instructions[figure]:,.0f} instructions")
-    return lines
+        yield name, "report", aim, f"{instructions[figure]:,.0f} instructions"
+
+
+def targets(run):
+    """The figures that were promised, each as a ratio within this run."""
+    figures = [*document_targets(run["library"], run["documents"]), *pass_targets(run["sqlite"]),
+               *postgresql_targets(run["postgresql"]), *match_targets(run["match"]), *call_targets(run["calls"])]
+    return ["| figure | must | aim | measured |", "|---|---|---|---|",
+            *(row([name, must, aim, value or "not measured"]) for name, must, aim, value in figures)]
+
+
+def peers(note, documents):
+    """Whole processes beside those of others."""
+    head = [f"{documents['triggers']:,} triggers, {documents['bytes'] / 1e6:.0f} MB", "times the JSON library", "seconds",
+            "peak memory"]
+    lines = [note, "", row(head), row(["---"] * len(head))]
+    for name, words in whole_documents.NAMES.items():
+        if name in documents:
+            lines.append(row([words, f"{whole_documents.times_as_long(documents, name, 'reading'):.2f}",
+                              f"{median(documents[name]):.1f}", f"{documents[name]['memory'] / 2 ** 20:.0f} MiB"]))
+    return "\n".join(lines)
 
 
 def plot(figures):
@@ -158,16 +197,17 @@ def plot(figures):
     return plots.draw(points)
 
 
-def run_note(sqlite):
+def run_note(figure):
     machine = f"{os.cpu_count()} cores, {platform.machine()}, Linux {platform.release()}"
-    return f"Measured {datetime.date.today()} on {machine}; medians of {len(sqlite[0]['seconds'])} runs."
+    return f"Measured {datetime.date.today()} on {machine}; medians of {len(figure['seconds'])} runs."
 
 
-def figures_page(note, sqlite, postgresql, library, calls, passes, match):
+def figures_page(note, run):
+    postgresql = run["postgresql"]
     return "\n".join(["# Performance: all figures", "", FIGURES_NOTE, "", note, "", "![seconds by links](performance.svg)", "",
-                      "## Targets (SQLite, 10^6 links)", "", *targets(sqlite, library, calls, match), "",
-                      "## Growth (SQLite)", "", GROWTH_NOTE, "", *growth(sqlite, passes), "",
-                      "## SQLite", "", *table(sqlite), "", "## PostgreSQL (over a socket)", "",
+                      "## Targets (SQLite and 10^6 links, unless it says something else)", "", *targets(run), "",
+                      "## Growth (SQLite)", "", GROWTH_NOTE, "", *growth(run["sqlite"], run["passes"]), "",
+                      "## SQLite", "", *table(run["sqlite"]), "", "## PostgreSQL (over a socket)", "",
                       *(table(postgresql, True) if postgresql else ["Not measured in this run."]), ""])
 
 
@@ -195,24 +235,33 @@ def write_file(folder, name, text):
         file.write(text)
 
 
-def write_pages(sqlite_path, postgresql_path, library_path, calls_path, passes_path, match_path, folder):
-    sqlite, postgresql = read(sqlite_path), read(postgresql_path)
-    note = run_note(sqlite)
+def quoted(page, name, text):
+    """The page, with this text between the markers of this name."""
+    begin, end = f"<!-- {name} begin -->", f"<!-- {name} end -->"
+    before, rest = page.split(begin)
+    return f"{before}{begin}\n\n{text}\n\n{end}{rest.split(end)[1]}"
+
+
+def read_run(folder, *names):
+    return {name: read(os.path.join(folder, f"{name}.json")) for name in names}
+
+
+def write_pages(measured, folder):
+    run = read_run(measured, "sqlite", "postgresql", "library", "calls", "passes", "match", "documents")
+    note = run_note(run["sqlite"][0])
     with open(os.path.join(folder, "performance.md"), encoding="utf-8") as file:
-        before, rest = file.read().split(BEGIN)
-    after = rest.split(END)[1]
-    quoted = summary(note, (("SQLite", sqlite), ("PostgreSQL", postgresql)))
-    write_file(folder, "performance.md", f"{before}{BEGIN}\n\n{quoted}\n\n{END}{after}")
-    write_file(folder, "performance-figures.md",
-               figures_page(note, sqlite, postgresql, read(library_path), read(calls_path), read(passes_path),
-                            read(match_path)))
-    write_file(folder, "performance.svg", plot(sqlite))
+        page = file.read()
+    page = quoted(page, "figures", summary(note, (("SQLite", run["sqlite"]), ("PostgreSQL", run["postgresql"]))))
+    write_file(folder, "performance.md", quoted(page, "peers", peers(run_note(run["documents"]["reading"]), run["documents"])))
+    write_file(folder, "performance-figures.md", figures_page(note, run))
+    write_file(folder, "performance.svg", plot(run["sqlite"]))
 
 
-def print_tables(sqlite_path, postgresql_path, passes_path):
-    print("\n".join(["## Growth (SQLite)", "", *growth(read(sqlite_path), read(passes_path)), ""]))
-    for engine, path in (("SQLite", sqlite_path), ("PostgreSQL", postgresql_path)):
-        if figures := read(path):
+def print_tables(measured):
+    run = read_run(measured, "sqlite", "postgresql", "passes")
+    print("\n".join(["## Growth (SQLite)", "", *growth(run["sqlite"], run["passes"]), ""]))
+    for engine, figures in (("SQLite", run["sqlite"]), ("PostgreSQL", run["postgresql"])):
+        if figures:
             print("\n".join([f"## {engine}", "", *table(figures, engine == "PostgreSQL"), ""]))
 
 
