@@ -111,5 +111,31 @@ TEST_F(Holders, are_those_of_a_set_after_any_additions_and_removals) {
   EXPECT_EQ(ids(), std::vector<std::uint64_t>(model.begin(), model.end()));
 }
 
+TEST_F(Holders, are_found_by_a_walk_in_whatever_order_it_asks) {
+  std::mt19937_64 random(7);
+  std::set<std::uint64_t> model;
+  for (std::uint64_t id = 0; id < 40; ++id) {
+    add(id);
+    model.insert(id);
+    if (id % 3 == 0) {
+      list.remove(id);
+      model.erase(id);
+    }
+  }
+  Holder_List<Record>::Walk walk(list);
+  std::uint64_t asked = 0;
+  for (int step = 0; step < 5000; ++step) {
+    asked = random() % 4 == 0 ? random() % 45 : asked + 1;  // in order mostly, and beyond the end
+    ASSERT_EQ(walk.contains(asked), model.count(asked) == 1) << asked;
+  }
+}
+
+TEST_F(Holders, are_none_in_an_empty_list) {
+  Holder_List<Record>::Walk walk(list);
+
+  EXPECT_FALSE(walk.contains(7));
+  EXPECT_FALSE(walk.contains(7));
+}
+
 }  // namespace
 }  // namespace kuv::vemora::embedded_server

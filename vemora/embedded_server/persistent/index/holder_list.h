@@ -16,6 +16,11 @@ namespace kuv::vemora::embedded_server {
 /// joins them again, without anything being moved for each of them.
 template <class Entry>
 class Holder_List {
+  struct Slot {
+    std::uint64_t record_id;
+    Entry* entry;  ///< null in an empty slot
+  };
+
  public:
   /// For what is read from the database, in whatever order; complete() must follow.
   void append(std::uint64_t record_id, Entry* entry) { slots_.push_back({record_id, entry}); }
@@ -45,10 +50,28 @@ class Holder_List {
     return true;
   }
 
-  bool contains(std::uint64_t record_id) const {
-    const auto slot = find(slots_, record_id);
-    return slot != slots_.end() && slot->record_id == record_id && slot->entry != nullptr;
-  }
+  bool contains(std::uint64_t record_id) const { return Walk(*this).contains(record_id); }
+
+  /// Asks for one record after the other. One that comes behind the last one that was found costs
+  /// no search. Good until the list changes.
+  class Walk {
+   public:
+    explicit Walk(const Holder_List& list) : slots_(list.slots_), next_(slots_.begin()) {}
+
+    bool contains(std::uint64_t record_id) {
+      if (next_ == slots_.end() || next_->record_id != record_id) {
+        next_ = find(slots_, record_id);
+      }
+      if (next_ == slots_.end() || next_->record_id != record_id) {
+        return false;
+      }
+      return (next_++)->entry != nullptr;
+    }
+
+   private:
+    const std::vector<Slot>& slots_;
+    typename std::vector<Slot>::const_iterator next_;
+  };
 
   /// Ascending by record id.
   std::vector<Entry*> entries() const {
@@ -63,11 +86,6 @@ class Holder_List {
   }
 
  private:
-  struct Slot {
-    std::uint64_t record_id;
-    Entry* entry;  ///< null in an empty slot
-  };
-
   /// The slot of that record, or the one that it belongs before. Records mostly come in the order
   /// of their ids.
   template <class Slots>

@@ -122,9 +122,14 @@ void Subscription_Index::enter(Entry& entry) {
   }
 }
 
-bool Subscription_Index::exists(std::uint64_t camera_id, const std::string& topic) const {
+Subscription_Index::Cameras_On_Topic Subscription_Index::cameras_on(
+    const std::string& topic) const {
   const auto found = by_topic_.find(topic);
-  return found != by_topic_.end() && found->second.count(camera_id) != 0;
+  return Cameras_On_Topic(found == by_topic_.end() ? nullptr : &found->second);
+}
+
+bool Subscription_Index::exists(std::uint64_t camera_id, const std::string& topic) const {
+  return cameras_on(topic).contain(camera_id);
 }
 
 std::size_t Subscription_Index::count_topic_subscriptions() const {
@@ -137,12 +142,13 @@ std::size_t Subscription_Index::count_topic_subscriptions() const {
 
 Subscription_Index::List Subscription_Index::matching(const Query& query) {
   const bool lacking = query.trigger && query.trigger_match == Query::Trigger_Match::lacking;
-  const Records::Holders* const excluded = lacking ? &records_.holders(query.trigger->id) : nullptr;
+  static const Records::Holders nobody;
+  Records::Holders::Walk excluded(lacking ? records_.holders(query.trigger->id) : nobody);
   const Subscription_Match matches(query);
   List found;
   for (const Entry* const entry : candidates(query)) {
     const Record& record = *entry->record;
-    if (!(excluded != nullptr && excluded->contains(record.id)) && matches(record)) {
+    if (!excluded.contains(record.id) && matches(record)) {
       found.push_back(entry->record);
     }
   }

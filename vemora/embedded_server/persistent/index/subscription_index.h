@@ -49,8 +49,9 @@ class Subscription_Index {
   Subscription_Index(odb::database& database, const Camera_Index& cameras,
                      const Trigger_Index& triggers);
 
-  /// Whether there is one for that camera and topic.
-  bool exists(std::uint64_t camera_id, const std::string& topic) const;
+  /// The cameras of the subscriptions for one topic; good until one is added or deleted.
+  class Cameras_On_Topic;
+  Cameras_On_Topic cameras_on(const std::string& topic) const;
 
   List all() const { return records_.all(); }
   std::size_t count_topic_subscriptions() const;
@@ -77,6 +78,9 @@ class Subscription_Index {
   using Entry = Records::Entry;
   using Entries_By_Camera = std::unordered_map<std::uint64_t, Entry*, Id_Hash>;
 
+  /// Whether there is one for that camera and topic.
+  bool exists(std::uint64_t camera_id, const std::string& topic) const;
+
   void load_records(odb::database& database);
   void load_tags(odb::database& database);
   void load_cameras(odb::database& database);
@@ -97,6 +101,18 @@ class Subscription_Index {
   std::map<std::string, Entries_By_Camera> by_topic_;
   std::vector<Entry*> generic_;  ///< ascending by id
   Tag_Postings<Entry*> tags_;    ///< of the generic ones
+};
+
+class Subscription_Index::Cameras_On_Topic {
+ public:
+  explicit Cameras_On_Topic(const Entries_By_Camera* entries) : entries_(entries) {}
+
+  bool contain(std::uint64_t camera_id) const {
+    return entries_ != nullptr && entries_->count(camera_id) != 0;
+  }
+
+ private:
+  const Entries_By_Camera* entries_;  ///< null where there are none
 };
 
 }  // namespace kuv::vemora::embedded_server

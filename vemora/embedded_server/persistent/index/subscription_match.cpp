@@ -10,8 +10,16 @@ namespace kuv::vemora::embedded_server {
 
 using Query = Subscription_Match::Query;
 
-Subscription_Match::Subscription_Match(const Query& query)
-    : query_(query), topics_(query.topics.begin(), query.topics.end()) {
+namespace {
+
+constexpr std::size_t few = 4;  // topics that are compared faster than searched
+
+}  // namespace
+
+Subscription_Match::Subscription_Match(const Query& query) : query_(query) {
+  if (query.topics.size() > few) {
+    topics_.insert(query.topics.begin(), query.topics.end());
+  }
   camera_ids_.reserve(query.cameras.size());
   for (const std::shared_ptr<camera>& wanted : query.cameras) {
     camera_ids_.insert(wanted->id);
@@ -38,7 +46,7 @@ bool Subscription_Match::topics_and_cameras_fit(const metadata_event_subscriptio
   const bool on_topic = on_one_of_the_topics(record);
   const bool on_camera = camera_ids_.empty() || on_one_of_the_cameras(record);
   if (query_.topics_and_cameras == Query::Topics_And_Cameras::matching) {
-    return (topics_.empty() || on_topic) && on_camera;
+    return (query_.topics.empty() || on_topic) && on_camera;
   }
   return !(on_topic && on_camera);
 }
@@ -55,7 +63,13 @@ bool Subscription_Match::tags_fit(const metadata_event_subscription& record) con
 }
 
 bool Subscription_Match::on_one_of_the_topics(const metadata_event_subscription& record) const {
-  return record.onvif_topic && topics_.count(*record.onvif_topic) != 0;
+  if (!record.onvif_topic) {
+    return false;
+  }
+  const std::vector<std::string>& topics = query_.topics;
+  return topics.size() > few
+             ? topics_.count(*record.onvif_topic) != 0
+             : std::find(topics.begin(), topics.end(), *record.onvif_topic) != topics.end();
 }
 
 bool Subscription_Match::on_one_of_the_cameras(const metadata_event_subscription& record) const {

@@ -41,7 +41,7 @@ class Subscription_Match {
   bool on_one_of_the_cameras(const metadata_event_subscription& record) const;
 
   const Query& query_;
-  std::set<std::string> topics_;
+  std::set<std::string> topics_;  ///< where there are many
   std::unordered_set<std::uint64_t, Id_Hash> camera_ids_;
 };
 

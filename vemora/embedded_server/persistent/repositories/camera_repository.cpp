@@ -20,10 +20,9 @@ class Stored_Cameras : public Camera_Repository {
   Camera_List get_cameras_needing_subscription(const std::string& onvif_topic,
                                                const Camera_List& cameras) override {
     return read(database_, [&](Site_Index& site) {
-      const Subscription_Index& subscriptions = site.subscriptions();
-      return site.cameras().select(cameras, [&](const camera& record) {
-        return !subscriptions.exists(record.id, onvif_topic);
-      });
+      const auto covered = site.subscriptions().cameras_on(onvif_topic);
+      return site.cameras().select(
+          cameras, [&](const camera& record) { return !covered.contain(record.id); });
     });
   }
 
