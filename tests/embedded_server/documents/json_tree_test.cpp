@@ -127,6 +127,17 @@ TEST(Json_Trees, are_made_of_numbers_as_exact_as_they_can_be) {
   EXPECT_EQ((*tree)[2].asDouble(), 18446744073709551616.0);
 }
 
+TEST(Json_Trees, are_as_deep_as_documents_may_be_and_no_deeper) {
+  const auto nested = [](std::size_t levels, const std::string& inside) {
+    return std::string(levels, '[') + inside + std::string(levels, ']');
+  };
+  EXPECT_TRUE(tree_of(nested(deepest_nesting, "")));
+  EXPECT_TRUE(tree_of(nested(deepest_nesting - 1, "7")));
+  EXPECT_FALSE(tree_of(nested(deepest_nesting, "7")));
+  EXPECT_FALSE(tree_of(nested(deepest_nesting + 1, "")));
+  EXPECT_FALSE(tree_of(nested(1'000'000, "")));
+}
+
 TEST(Json_Trees, are_not_made_of_control_characters) {
   for (char control = 0; control < ' '; ++control) {
     for (const char* const before : {"", "exactly 16 bytes", "more than sixteen bytes of text"}) {

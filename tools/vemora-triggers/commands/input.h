@@ -70,7 +70,7 @@ class Trigger_Documents {
                     std::optional<embedded_server::Json_Document> mapping);
 
   /// Reads the same, and frees it only by ending the process, which frees everything at once:
-  /// freeing a large document value by value takes a tenth of a check.
+  /// freeing a large document value by value takes a twentieth of a check.
   static const Trigger_Documents& read_for_good(const Options& options,
                                                 const std::string& config_path,
                                                 const std::string& mapping_path);
