@@ -207,7 +207,8 @@ def figures_page(note, run):
     return "\n".join(["# Performance: all figures", "", FIGURES_NOTE, "", note, "", "![seconds by links](performance.svg)", "",
                       "## Targets (SQLite and 10^6 links, unless it says something else)", "", *targets(run), "",
                       "## Growth (SQLite)", "", GROWTH_NOTE, "", *growth(run["sqlite"], run["passes"]), "",
-                      "## SQLite", "", *table(run["sqlite"]), "", "## PostgreSQL (over a socket)", "",
+                      "## SQLite", "", *table(run["sqlite"]), "",
+                      "## PostgreSQL (over a socket, unless the site says how far away it is)", "",
                       *(table(postgresql, True) if postgresql else ["Not measured in this run."]), ""])
 
 

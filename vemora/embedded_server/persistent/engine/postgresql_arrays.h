@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <type_traits>
+
+#include "vemora/embedded_server/persistent/engine/postgresql_values.h"
 
 namespace kuv::vemora::embedded_server {
 
@@ -52,39 +52,17 @@ class Array_Parameter {
  public:
   explicit Array_Parameter(Oid element);
 
-  void add(const std::string& value) { add_bytes(value); }
-  void add(bool value) { add_bytes(std::string_view(value ? "\1" : "\0", 1)); }
   template <class Value>
-  std::enable_if_t<std::is_integral_v<Value> && !std::is_same_v<Value, bool>> add(Value value) {
-    append(static_cast<std::uint32_t>(sizeof value));
-    append(static_cast<std::make_unsigned_t<Value>>(value));
+  void add(const Value& value) {
+    values_.add(value);
     ++count_;
-  }
-  template <class Value>
-  void add(const std::optional<Value>& value) {
-    if (value) {
-      add(*value);
-    } else {
-      add_null();
-    }
   }
 
   /// The whole parameter.
   const std::string& bytes();
 
  private:
-  void add_bytes(std::string_view value);
-  void add_null();
-
-  template <class Number>
-  void append(Number number) {
-    for (std::size_t rest = sizeof number; rest-- > 0;) {
-      bytes_ += static_cast<char>((number >> (8 * rest)) & 0xFF);
-    }
-  }
-  void put(std::size_t place, std::uint32_t number);
-
-  std::string bytes_;
+  Binary_Values values_;
   std::uint32_t count_ = 0;
 };
 

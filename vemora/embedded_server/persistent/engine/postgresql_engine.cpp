@@ -6,13 +6,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <odb/pgsql/database.hxx>
 #include <odb/pgsql/exceptions.hxx>
 #include <odb/pgsql/transaction.hxx>
 
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_connections.h"
+#include "vemora/embedded_server/persistent/engine/postgresql_database.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_schema_steps.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_session.h"
 #include "vemora/embedded_server/texts/characters.h"
@@ -50,7 +50,7 @@ PostgreSQL_Engine::PostgreSQL_Engine(const std::string& url, std::chrono::millis
     : location_(parse_postgresql_location(url)), lock_wait_(lock_wait) {
   // To the server, no time at all is for ever.
   const auto wait = std::max(lock_wait, std::chrono::milliseconds(1));
-  database_ = std::make_unique<odb::pgsql::database>(
+  database_ = std::make_unique<PostgreSQL_Database>(
       location_.connection, std::make_unique<PostgreSQL_Connections>(location_.schema, wait));
 }
 

@@ -10,11 +10,9 @@
 #include "vemora/embedded_server/persistent/engine/postgresql_location.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_row_writer.h"
 
-namespace odb::pgsql {
-class database;
-}
-
 namespace kuv::vemora::embedded_server {
+
+class PostgreSQL_Database;
 
 /// A site in a PostgreSQL schema of its own; one database may have many. Processes take turns with
 /// an advisory lock, which is lost together with the connection through which its holder writes.
@@ -36,7 +34,7 @@ class PostgreSQL_Engine : public Engine {
  private:
   PostgreSQL_Location location_;
   std::chrono::milliseconds lock_wait_;
-  std::unique_ptr<odb::pgsql::database> database_;
+  std::unique_ptr<PostgreSQL_Database> database_;
   PostgreSQL_Row_Writer rows_;
 };
 

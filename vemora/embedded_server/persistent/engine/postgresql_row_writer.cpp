@@ -11,14 +11,20 @@
 #include <string>
 #include <utility>
 
+#include "vemora/embedded_server/persistent/engine/link_tiles.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_arrays.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_connections.h"
+#include "vemora/embedded_server/persistent/engine/postgresql_copy.h"
 #include "vemora/embedded_server/persistent/engine/tables.h"
 
 namespace kuv::vemora::embedded_server {
 namespace {
 
 constexpr std::size_t rows_of_a_statement = 10'000;
+// A copy takes two round trips, so that it is worth it from there on.
+constexpr std::size_t rows_worth_a_copy = 2 * rows_of_a_statement;
+// Not all rows at once: a time limit of the server is for each statement.
+constexpr std::size_t rows_of_a_copy = 100'000;
 // Far below what the server takes for one parameter; a single row may have more.
 constexpr std::size_t bytes_of_a_statement = 64U << 20;
 
@@ -142,31 +148,79 @@ std::string erase_statement() {
                      list(Table<Row>::keys, "stored.{0} = gone.{0}", " AND "));
 }
 
-/// Runs a statement over all rows, as often as their number and size ask for; `check` is given the
-/// rows that it was for and those that it touched, each time.
+/// One statement over rows from `row` on, as many as it may have; answers where it stopped. `check`
+/// is given how many rows it was for and how many it touched.
+template <class Iterator, class Columns, class Check>
+Iterator run_once(Iterator row, Iterator end, const Columns& columns, const std::string& sql,
+                  Check check) {
+  Parameters<std::decay_t<decltype(*row)>> parameters(columns);
+  while (row != end && !parameters.full()) {
+    parameters.add(*row++, columns);
+  }
+  check(parameters.rows(), parameters.run(sql));
+  return row;
+}
+
+/// Runs a statement over all rows, as often as their number and size ask for.
 template <class Row, class Columns, class Check>
 void run_over(const std::vector<Row>& rows, const Columns& columns, const std::string& sql,
               Check check) {
-  auto row = rows.begin();
-  while (row != rows.end()) {
-    Parameters<Row> parameters(columns);
-    while (row != rows.end() && !parameters.full()) {
-      parameters.add(*row++, columns);
-    }
-    check(parameters.rows(), parameters.run(sql));
+  for (auto row = rows.begin(); row != rows.end();) {
+    row = run_once(row, rows.end(), columns, sql, check);
   }
 }
 
 constexpr auto any_number = [](std::size_t, std::size_t) {};
 
+/// The same as run_once() by COPY.
+template <class Iterator>
+Iterator copy_once(Iterator row, Iterator end) {
+  using Row = std::decay_t<decltype(*row)>;
+  const auto columns = all_columns<Row>();
+  Copy_Into_Table copy(odb::pgsql::transaction::current().connection(), Table<Row>::name,
+                       list(columns, "{}"));
+  for (std::size_t number = 0;
+       row != end && number < rows_of_a_copy && copy.bytes() < bytes_of_a_statement; ++number) {
+    copy.begin_row(std::tuple_size_v<std::decay_t<decltype(columns)>>);
+    std::apply([&](const auto&... each) { (copy.add(std::invoke(each.get, *row)), ...); }, columns);
+    ++row;
+  }
+  copy.finish();
+  return row;
+}
+
+/// The first of many rows are inserted as few are: what is in the way of all rows is told in the
+/// same words, however many there are.
+template <class Row>
+void insert_many(const std::vector<Row>& rows) {
+  auto row =
+      run_once(rows.begin(), rows.end(), all_columns<Row>(), insert_statement<Row>(), any_number);
+  while (row != rows.end()) {
+    row = copy_once(row, rows.end());
+  }
+}
+
+template <class Row, class = void>
+constexpr bool is_link = false;
+template <class Row>
+constexpr bool is_link<Row, std::enable_if_t<std::is_same_v<decltype(Row::key), rows::Link>>> =
+    true;
+
+template <class Row>
+void insert_rows(const std::vector<Row>& rows) {
+  if (rows.size() <= rows_worth_a_copy) {
+    run_over(rows, all_columns<Row>(), insert_statement<Row>(), any_number);
+  } else if constexpr (is_link<Row>) {
+    insert_many(in_tiles(rows));
+  } else {
+    insert_many(rows);
+  }
+}
+
 }  // namespace
 
 void PostgreSQL_Row_Writer::insert_all(const Batch& batch) {
-  const auto insert = [](const auto* rows) {
-    using Row = typename std::decay_t<decltype(*rows)>::value_type;
-    run_over(*rows, all_columns<Row>(), insert_statement<Row>(), any_number);
-  };
-  std::visit(insert, batch);
+  std::visit([](const auto* rows) { insert_rows(*rows); }, batch);
 }
 
 void PostgreSQL_Row_Writer::put_all(const Batch& batch) {

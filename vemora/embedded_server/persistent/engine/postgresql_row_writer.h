@@ -7,7 +7,7 @@
 namespace kuv::vemora::embedded_server {
 
 /// Writes thousands of rows with one statement: the server is across a network, where each
-/// statement costs a round trip.
+/// statement costs a round trip. Many more new ones are copied.
 class PostgreSQL_Row_Writer : public Row_Writer {
  protected:
   void insert_all(const Batch& batch) override;

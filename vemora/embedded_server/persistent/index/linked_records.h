@@ -141,11 +141,13 @@ class Linked_Records {
   };
 
   template <class Row>
-  void load_links(odb::database& database, const std::vector<std::shared_ptr<trigger>>& triggers) {
+  void load_links(odb::database& database, const char* table,
+                  const std::vector<std::shared_ptr<trigger>>& triggers) {
     Link_Loader loader(*this, triggers);
-    for_each_row<Row>(database, "record_id, linked_id", [&loader](const Row& row) {
-      loader.take(row.key.record_id, row.key.linked_id);
-    });
+    for_each_link<Row>(database, table,
+                       [&loader](std::uint64_t record_id, std::uint64_t trigger_id) {
+                         loader.take(record_id, trigger_id);
+                       });
     loader.finish();
   }
 

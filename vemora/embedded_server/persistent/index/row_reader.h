@@ -7,6 +7,9 @@
 #include <odb/database.hxx>
 #include <odb/query-dynamic.hxx>
 #include <odb/result.hxx>
+#include <string>
+
+#include "vemora/embedded_server/persistent/index/link_source.h"
 
 namespace kuv::vemora::embedded_server {
 
@@ -20,6 +23,17 @@ void for_each_row(odb::database& database, const char* order_by, Take take) {
     next.load(row);
     take(row);
   }
+}
+
+/// The same for the links in a table of that name, in the order of both ids: hands over these.
+template <class Row, class Take>
+void for_each_link(odb::database& database, const char* table, Take take) {
+  if (auto* const source = dynamic_cast<Link_Source*>(&database)) {
+    source->for_each_link(table, take);
+    return;
+  }
+  for_each_row<Row>(database, "record_id, linked_id",
+                    [&take](const Row& row) { take(row.key.record_id, row.key.linked_id); });
 }
 
 }  // namespace kuv::vemora::embedded_server
