@@ -228,7 +228,7 @@ class Tree_Builder {
   }
 
   bool leave() {
-    containers_.back()->setOffsetLimit(static_cast<std::ptrdiff_t>(stream_.Tell()));
+    containers_.back()->setOffsetLimit(stream_.offset_of(token() + std::strlen("]")));
     containers_.pop_back();
     return true;
   }
@@ -247,7 +247,8 @@ std::optional<Json::Value> read_json_tree(const std::string& text, std::size_t m
   Text_Stream stream(text);
   Tree_Builder builder(stream, most_values);
   rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, Checked_Allocator> reader;
-  const bool is_read = !reader.Parse(stream, builder).IsError();
+  // Without recursion, because a server may call this on a thread with a small stack.
+  const bool is_read = !reader.Parse<rapidjson::kParseIterativeFlag>(stream, builder).IsError();
   // A NUL ends the text for RapidJSON.
   return is_read && stream.is_at_end() ? std::make_optional(builder.take()) : std::nullopt;
 }
