@@ -7,10 +7,10 @@
 namespace kuv::vemora::tools {
 
 /// The program ends after its pass, so freed memory is kept for what comes next in that pass. Large
-/// pages, where the system has them, save most of the page faults.
+/// pages are not asked for: a process that has just begun waits for the system to find and clear
+/// them.
 void set_up_heap() {
   mi_option_disable(mi_option_allow_decommit);
-  mi_option_enable(mi_option_large_os_pages);
 }
 
 void trim_heap() {
