@@ -86,6 +86,17 @@ TEST_F(Out_Of_Memory, a_refresh_that_cannot_copy_what_the_pusher_was_told_fails)
   then_nothing_is_left_of_the_pass();
 }
 
+TEST_F(Out_Of_Memory, a_refresh_whose_caller_takes_no_state_copies_none) {
+  manager = site.a_manager(Scripted_Site::config, Scripted_Site::mapping);
+  given_no_memory_once_the_pusher_was_told();
+
+  EXPECT_TRUE(manager->refresh_triggers());
+
+  EXPECT_FALSE(allocation_has_failed());
+  EXPECT_THAT(site.pushed->applied_triggers, SizeIs(3));
+  then_nothing_is_left_of_the_pass();
+}
+
 TEST_F(Out_Of_Memory, an_update_of_the_configuration_answers_wherever_it_happens) {
   manager = site.a_manager(Scripted_Site::config, Scripted_Site::mapping);
   const Error rejected = rejected_document("Failed to parse trigger config: std::bad_alloc");

@@ -15,8 +15,9 @@ namespace kuv::vemora {
 // One pass, from the two documents to the notification pusher.
 
 Trigger_Config_State Vemora_Trigger_Manager::process_triggers_(const Json::Value& config,
-                                                               const Json::Value& mapping) {
-  return apply_triggers_(parse_triggers_(config, mapping));
+                                                               const Json::Value& mapping,
+                                                               Answer answer) {
+  return apply_triggers_(parse_triggers_(config, mapping), answer);
 }
 
 Vemora_Trigger_Manager::Parsed_Config Vemora_Trigger_Manager::parse_triggers_(
@@ -32,7 +33,7 @@ Vemora_Trigger_Manager::Parsed_Config Vemora_Trigger_Manager::parse_triggers_(
 
 // By value: the pass owns what it works on, whoever parsed it.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
-Trigger_Config_State Vemora_Trigger_Manager::apply_triggers_(Parsed_Config parsed) {
+Trigger_Config_State Vemora_Trigger_Manager::apply_triggers_(Parsed_Config parsed, Answer answer) {
   const boost::function<void()> forget_the_pass = [this] {
     cameras_to_reconcile_.clear();
     state_ = Trigger_Config_State();
@@ -50,9 +51,8 @@ Trigger_Config_State Vemora_Trigger_Manager::apply_triggers_(Parsed_Config parse
           fmt::format("Trigger {}: Failed to process config ({}).", config.id, error.what()));
     }
   }
-  finalize_processing_();
-  return state_;  // a copy, equal to the one that the pusher has; without memory for it the pass
-                  // fails
+  finalize_processing_(answer);
+  return state_;  // a copy; without memory for it the pass fails
 }
 
 void Vemora_Trigger_Manager::apply_trigger_(const Trigger_Config& config) {
@@ -69,14 +69,14 @@ void Vemora_Trigger_Manager::apply_trigger_(const Trigger_Config& config) {
   state_.applied_triggers.emplace(config.id, config.options);
 }
 
-void Vemora_Trigger_Manager::finalize_processing_() {
+void Vemora_Trigger_Manager::finalize_processing_(Answer answer) {
   // Before the deletion: the cameras of deleted subscriptions could not be found any more.
   gather_stale_subscription_cameras_();
   cleanup_stale_records_();
   // After it: the cameras that lost subscriptions are reconciled in this pass, not in the next.
   update_streams_if_necessary_();
   // Last: the pusher receives what the database holds at the end of the pass.
-  sync_notification_pusher_();
+  sync_notification_pusher_(answer);
 }
 
 }  // namespace kuv::vemora

@@ -17,21 +17,21 @@ using Directive_Config_Processing::Error;
 }  // namespace
 
 bool Vemora_Trigger_Manager::refresh_triggers() {
-  return refresh_triggers_().success;
+  return refresh_triggers_(Answer::errors_alone).success;
 }
 
 bool Vemora_Trigger_Manager::refresh_triggers(Trigger_Config_State& state) {
-  Refresh_Result result = refresh_triggers_();
+  Refresh_Result result = refresh_triggers_(Answer::whole_state);
   state = std::move(result.state);
   return result.success;
 }
 
-Vemora_Trigger_Manager::Refresh_Result Vemora_Trigger_Manager::refresh_triggers_() {
+Vemora_Trigger_Manager::Refresh_Result Vemora_Trigger_Manager::refresh_triggers_(Answer answer) {
   const Pass_Lock lock(mutex_, "refresh_triggers");
   Refresh_Result result;
   try {
     logger_.log(kuv::logging::severity_level::info, "Refreshing the trigger config.");
-    result = {true, process_triggers_(config_, trigger_mapping_)};
+    result = {true, process_triggers_(config_, trigger_mapping_, answer)};
   } catch (const std::exception& error) {
     std::string text =
         fmt::format("Encountered error refreshing the trigger config: {}", error.what());

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-2.0-only
 #include <algorithm>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "vemora/trigger_manager/collaborators.h"
@@ -38,10 +39,21 @@ void add_topics(std::map<std::uint64_t, std::vector<Delivery>>& deliveries_by_tr
 
 /// Reads what the database holds, rather than what the documents asked for: events will be matched
 /// against the records.
-void Vemora_Trigger_Manager::sync_notification_pusher_() {
+void Vemora_Trigger_Manager::sync_notification_pusher_(Answer answer) {
   collect_subscriptions_();
   collect_search_items_();
-  required(notification_pusher_).apply_trigger_state(state_);
+  hand_over_the_state_(answer);
+}
+
+void Vemora_Trigger_Manager::hand_over_the_state_(Answer answer) {
+  Trigger_Notification_Pusher& pusher = required(notification_pusher_);
+  if (answer == Answer::whole_state) {
+    pusher.apply_trigger_state(state_);
+    return;
+  }
+  Trigger_Config_State rest;
+  rest.errors = state_.errors;
+  pusher.apply_trigger_state(std::exchange(state_, std::move(rest)));
 }
 
 void Vemora_Trigger_Manager::collect_subscriptions_() {

@@ -32,7 +32,7 @@ Result Vemora_Trigger_Manager::update_config(const Json::Value& config) {
                    fmt::format("Failed to parse trigger config: {}", error.what()));
   }
   try {
-    Trigger_Config_State state = apply_triggers_(std::move(parsed));
+    Trigger_Config_State state = apply_triggers_(std::move(parsed), Answer::errors_alone);
     config_ = config;
     return {true, std::move(state.errors)};
   } catch (const std::exception& error) {

@@ -95,17 +95,22 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
     Trigger_Config_State state;
   };
 
+  /// What the caller of a pass gets of the state that the pusher receives. A state has millions of
+  /// parts on a large site, so none is copied for who takes the errors alone.
+  enum class Answer { whole_state, errors_alone };
+
   void initialize_();
 
   /// What both refreshes share. Takes the lock itself.
-  Refresh_Result refresh_triggers_();
+  Refresh_Result refresh_triggers_(Answer answer);
 
   // The pass. From here on the lock is held exclusively by the caller, and nothing takes it again.
-  Trigger_Config_State process_triggers_(const Json::Value& config, const Json::Value& mapping);
+  Trigger_Config_State process_triggers_(const Json::Value& config, const Json::Value& mapping,
+                                         Answer answer);
   Parsed_Config parse_triggers_(const Json::Value& config, const Json::Value& mapping);
-  Trigger_Config_State apply_triggers_(Parsed_Config parsed);
+  Trigger_Config_State apply_triggers_(Parsed_Config parsed, Answer answer);
   void apply_trigger_(const Trigger_Config& config);
-  void finalize_processing_();
+  void finalize_processing_(Answer answer);
 
   // Trigger records.
   std::shared_ptr<trigger> get_trigger_record_(const Trigger_Config& config);
@@ -158,7 +163,8 @@ class VEMORA_API Vemora_Trigger_Manager : public Trigger_Manager {
   void update_streams_if_necessary_();
 
   // The notification pusher.
-  void sync_notification_pusher_();
+  void sync_notification_pusher_(Answer answer);
+  void hand_over_the_state_(Answer answer);
   void collect_subscriptions_();
   void collect_search_items_();
 
