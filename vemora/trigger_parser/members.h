@@ -36,21 +36,25 @@ struct Named_Member {
 
 /// Finds the members of these names: find_members(object, {{"id", id}, {"name", name}}). One walk
 /// over the object finds them all, where the library would search it for each: a configuration has
-/// a million of them.
+/// a million of them. Fastest where the names are in the order of their letters, as an object has
+/// its members.
 template <std::size_t count>
 void find_members(const Json::Value& object, const Named_Member (&wanted)[count]) {
   const Member missing(Json::Value::nullSingleton(), object);
   for (const auto& [name, member] : wanted) {
     member = missing;
   }
+  std::size_t next = 0;  // among the names: behind the last one that was found
   const auto end = object.end();
   for (auto found = object.begin(); found != end; ++found) {
     const char* name_end = nullptr;
     const char* const name_begin = found.memberName(&name_end);
     const std::string_view name(name_begin, static_cast<std::size_t>(name_end - name_begin));
-    for (const auto& [wanted_name, member] : wanted) {
-      if (wanted_name == name) {
-        member = Member(*found, object);
+    for (std::size_t tried = 0; tried < count; ++tried) {
+      const Named_Member& candidate = wanted[next];
+      next = next + 1 < count ? next + 1 : 0;
+      if (candidate.name == name) {
+        candidate.member = Member(*found, object);
         break;
       }
     }

@@ -84,7 +84,7 @@ std::optional<Activity_Duration> parse_activity_duration(const Member& activity,
   }
   Member mode, min_duration, dropout;
   find_members(*activity,
-               {{"mode", mode}, {"minDurationMs", min_duration}, {"dropoutMs", dropout}});
+               {{"dropoutMs", dropout}, {"minDurationMs", min_duration}, {"mode", mode}});
   Activity_Duration parsed;
   parsed.mode = parse_mode(mode, faults);
   if (source_type == Trigger_Source_Type::motion_detection) {

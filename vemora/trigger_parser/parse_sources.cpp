@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-2.0-only
 #include "vemora/trigger_parser/parse_sources.h"
 
-#include <locale>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,8 +13,6 @@
 
 namespace kuv::vemora {
 namespace {
-
-using Letters = std::ctype<char>;
 
 /// A type that this server does not know is no fault: configurations are shared with newer servers,
 /// and the source is theirs.
@@ -69,7 +66,7 @@ void parse_search_item(const Member& item, std::optional<Object_Search_Item>& pa
     return;
   }
   Member type, motion_required;
-  find_members(*item, {{"type", type}, {"motionRequired", motion_required}});
+  find_members(*item, {{"motionRequired", motion_required}, {"type", type}});
   parsed.emplace();
   parsed->object_type = parse_object_type(type, faults);
   parsed->motion_required = parse_motion_required(motion_required, faults);
@@ -99,10 +96,10 @@ std::optional<Trigger_Source> parse_source(const Member& source, const Letters& 
     return parsed;
   }
   Member type_name, onvif_topic, search_item, activity_duration;
-  find_members(*source, {{"type", type_name},
+  find_members(*source, {{"activityDuration", activity_duration},
                          {"onvifTopic", onvif_topic},
                          {"searchItem", search_item},
-                         {"activityDuration", activity_duration}});
+                         {"type", type_name}});
   const std::optional<Trigger_Source_Type> type = parse_type(type_name, letters, faults);
   if (!is_kept(type)) {
     return parsed;
@@ -125,14 +122,13 @@ std::optional<Trigger_Source> parse_source(const Member& source, const Letters& 
 
 }  // namespace
 
-std::set<Trigger_Source> parse_sources(const Member& sources, Faults& faults) {
+std::set<Trigger_Source> parse_sources(const Member& sources, const Letters& letters,
+                                       Faults& faults) {
   std::set<Trigger_Source> parsed;
   if (!faults.require(sources->isArray(), sources, "\"sources\" array is missing or invalid.") ||
       !faults.require(!sources->empty(), sources, "\"sources\" array is empty.")) {
     return parsed;
   }
-  const std::locale locale;
-  const auto& letters = std::use_facet<Letters>(locale);
   for (const auto& [index, element] : kuv::utils::Json_Elements(*sources)) {
     std::optional<Trigger_Source> source = parse_source(Member(element, *sources), letters, faults);
     if (source) {

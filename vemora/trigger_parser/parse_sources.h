@@ -4,6 +4,7 @@
 
 #include <json/value.h>
 
+#include <locale>
 #include <set>
 
 #include "vemora/trigger_parser/faults.h"
@@ -11,7 +12,11 @@
 
 namespace kuv::vemora {
 
+/// What is needed to read a name in any case of letters.
+using Letters = std::ctype<char>;
+
 /// The sources of a trigger from its "sources" array; empty when each of them was dropped.
-std::set<Trigger_Source> parse_sources(const Member& sources, Faults& faults);
+std::set<Trigger_Source> parse_sources(const Member& sources, const Letters& letters,
+                                       Faults& faults);
 
 }  // namespace kuv::vemora

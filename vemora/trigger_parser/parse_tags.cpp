@@ -41,7 +41,7 @@ void parse_tags(const Member& tags, Trigger_Config::Tags& parsed, Faults& faults
   if (faults.require(tags->isObject(), tags, "\"tags\" must be a JSON object.")) {
     Member server, camera, event_subscription;
     find_members(
-        *tags, {{"server", server}, {"camera", camera}, {"eventSubscription", event_subscription}});
+        *tags, {{"camera", camera}, {"eventSubscription", event_subscription}, {"server", server}});
     parse_tag_filter(*server, parsed.server, faults);
     parse_tag_filter(*camera, parsed.camera, faults);
     parse_tag_filter(*event_subscription, parsed.event_subscription, faults);

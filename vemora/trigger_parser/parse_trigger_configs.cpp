@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-2.0-only
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <locale>
 #include <optional>
 #include <set>
 #include <utility>
@@ -36,6 +39,15 @@ bool add_id(std::uint64_t id, Ids& ids) {
   return ids.size() > before;
 }
 
+/// How many triggers to make room for: not for more than the text of the array can have. One that
+/// was built, and not read from a text, may have very few elements at very large indexes.
+std::size_t likely_triggers_of(const Json::Value& triggers) {
+  constexpr std::ptrdiff_t shortest_trigger = 50;  // bytes
+  const std::ptrdiff_t length = triggers.getOffsetLimit() - triggers.getOffsetStart();
+  return std::min<std::size_t>(triggers.size(),
+                               static_cast<std::size_t>(length / shortest_trigger));
+}
+
 }  // namespace
 
 std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs(
@@ -63,7 +75,10 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
   const std::map<std::string, Tag_Info> server_tags = get_latest_server_tags_(faults);
 
   std::vector<Trigger_Config> kept;
+  kept.reserve(likely_triggers_of(triggers));
   Ids kept_ids;
+  const std::locale locale;
+  const auto& letters = std::use_facet<Letters>(locale);
   for (const auto& [index, trigger] : kuv::utils::Json_Elements(triggers)) {
     prefetch_behind(trigger);
     faults.enter_element(index);
@@ -71,7 +86,7 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
                         "\"triggers\" must be an array of JSON objects.")) {
       continue;
     }
-    std::optional<Trigger_Config> config = parse_trigger_config_(trigger, mapping, faults);
+    std::optional<Trigger_Config> config = parse_trigger_config_(trigger, mapping, letters, faults);
     if (!config) {
       continue;
     }
@@ -88,11 +103,12 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
 }
 
 std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
-    const Json::Value& trigger, const Trigger_Mapping& mapping, Faults& faults) {
+    const Json::Value& trigger, const Trigger_Mapping& mapping, const Letters& letters,
+    Faults& faults) {
   Member id, name, tags, sources, any_time;
   find_members(
       trigger,
-      {{"id", id}, {"name", name}, {"tags", tags}, {"sources", sources}, {"anyTime", any_time}});
+      {{"anyTime", any_time}, {"id", id}, {"name", name}, {"sources", sources}, {"tags", tags}});
   std::optional<Trigger_Config> config(std::in_place);
   if (faults.require(id->isUInt64(), id, "\"id\" field is missing or invalid.")) {
     config->id = id->asUInt64();
@@ -103,7 +119,7 @@ std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
   }
   parse_tags(tags, config->tags, faults);
   const std::size_t before_sources = faults.count();
-  config->sources = parse_sources(sources, faults);
+  config->sources = parse_sources(sources, letters, faults);
   const bool sources_are_valid = faults.count() == before_sources;
   config->options.any_time = parse_any_time(*any_time, faults);
   if (config->sources.empty() && sources_are_valid) {

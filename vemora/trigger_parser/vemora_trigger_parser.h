@@ -5,6 +5,7 @@
 #include <json/value.h>
 
 #include <cstdint>
+#include <locale>
 #include <map>
 #include <memory>
 #include <optional>
@@ -63,6 +64,7 @@ class VEMORA_API Vemora_Trigger_Parser : public Trigger_Parser {
   /// One element of "triggers"; nothing when no source of it is left.
   std::optional<Trigger_Config> parse_trigger_config_(const Json::Value& trigger,
                                                       const Trigger_Mapping& mapping,
+                                                      const std::ctype<char>& letters,
                                                       Faults& faults);
   void set_trigger_mapping_in_config_(Trigger_Config& config, const Json::Value& trigger,
                                       const Trigger_Mapping& mapping, Faults& faults);

@@ -159,11 +159,11 @@ class Tree_Builder {
   bool Key(const char* text, rapidjson::SizeType size, bool) {
     const std::string_view key(text, size);
     Json::Value& object = *containers_.back();
-    const Json::ArrayIndex before = object.size();
     const char* const known = known_key(key);
     member_ = known != nullptr ? &object[Json::StaticString(known)]
                                : object.demand(key.data(), key.data() + key.size());
-    return object.size() > before && (known != nullptr || end_of_string(key) != nullptr);
+    const bool is_new = member_->getOffsetLimit() == 0;  // which every value has that was read
+    return is_new && (known != nullptr || end_of_string(key) != nullptr);
   }
 
  private:
@@ -175,8 +175,11 @@ class Tree_Builder {
   /// RapidJSON accepts if it is the second half.
   const char* end_of_string(std::string_view text) const {
     const char* place = token() + 1;
-    if (std::memcmp(place, text.data(), text.size()) == 0 && place[text.size()] == '"') {
-      return place + text.size() + 1;  // no character is escaped
+    // An escaped character takes more room than the character itself: if none is, the string ends
+    // after as many bytes as the text has.
+    const char* const end = place + text.size();
+    if (*end == '"' && end[-1] != '\\') {
+      return end + 1;
     }
     for (; *place != '"'; ++place) {
       place += *place == '\\' ? 1 : 0;
@@ -200,7 +203,7 @@ class Tree_Builder {
   Json::Value& place(Json::Value&& value) {
     if (member_ != nullptr) {
       Json::Value& member = *std::exchange(member_, nullptr);
-      member = std::move(value);
+      member.swapPayload(value);
       return member;
     }
     return containers_.empty() ? root_ = std::move(value)
