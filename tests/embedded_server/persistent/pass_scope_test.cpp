@@ -573,6 +573,33 @@ TEST_P(Passes, give_the_documents_back_as_they_were_stored) {
   EXPECT_EQ(read_documents(database()).config, "shorter");
 }
 
+TEST_P(Passes, that_only_read_give_the_documents_back_as_they_were_when_they_began) {
+  {
+    const auto pass = a_pass();
+    pass->end();
+    pass->store({"config", "mapping"}, {});
+  }
+  const auto reading = a_pass(Pass_Scope::Mode::read_only);
+
+  foreign_program().execute("DELETE FROM document");
+
+  EXPECT_EQ(reading->mapping(), "mapping");
+  EXPECT_EQ(reading->documents().config, "config");
+  EXPECT_EQ(reading->documents().mapping, "mapping");
+}
+
+TEST_P(Passes, that_only_read_fail_when_documents_are_asked_for_that_cannot_be_read) {
+  given_two_triggers_at_work();
+  foreign_program().execute("DROP TABLE document");
+  const auto reading = a_pass(Pass_Scope::Mode::read_only);
+  EXPECT_EQ(reading->fault(), std::nullopt);
+
+  EXPECT_THROW(reading->mapping(), Database_Error);
+
+  EXPECT_NE(reading->fault(), std::nullopt);
+  EXPECT_THROW(reading->documents(), Database_Error);
+}
+
 TEST_P(Passes, make_the_database_their_server_s_once_they_stored_something) {
   EXPECT_EQ(database()->owner(), std::nullopt);
   { const Pass_Scope unused(database(), 5); }

@@ -115,8 +115,8 @@ struct Trigger_Host::Given_Documents {
                   const Pass_Scope& pass)
       : config(given_config), new_mapping(given_mapping) {
     if (new_mapping == nullptr) {
-      stored_mapping = std::make_shared<Json_Document>(
-          read_stored_document(pass.documents().mapping, "mapping"));
+      stored_mapping =
+          std::make_shared<Json_Document>(read_stored_document(pass.mapping(), "mapping"));
       completed_mapping = completed(stored_mapping->value(), "triggerMapping");
     }
   }

@@ -58,8 +58,12 @@ class VEMORA_API Pass_Scope {
   Pass_Scope(const Pass_Scope&) = delete;
   Pass_Scope& operator=(const Pass_Scope&) = delete;
 
-  /// The accepted documents as they were when the pass began.
+  /// The accepted documents as they were when the pass began. A pass that commits nothing reads them
+  /// when it is asked for them first, and throws Database_Error if it cannot.
   const Documents& documents() const;
+
+  /// The mapping alone: a configuration, which may be large, is not read for it.
+  const std::optional<std::string>& mapping() const;
 
   /// Who runs it, and why: for its entry in the history. Without it, the command is called "pass".
   /// To be called before anything is written.

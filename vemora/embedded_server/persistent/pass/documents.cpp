@@ -20,11 +20,6 @@ std::string_view text_of(const rows::Document& row) {
   return {row.text.data(), row.text.size()};
 }
 
-std::optional<std::string> load_document(odb::database& database, const std::string& kind) {
-  rows::Document row;
-  return database.find(kind, row) ? std::make_optional<std::string>(text_of(row)) : std::nullopt;
-}
-
 /// Whether storing it would change nothing.
 bool is_stored(odb::database& database, const std::string& kind,
                const std::optional<std::string>& text) {
@@ -59,6 +54,11 @@ void require_owner(odb::database& database, std::uint64_t server_id) {
     throw Database_Error(
         fmt::format("it belongs to server {}, not to server {}", *site.server_id, server_id));
   }
+}
+
+std::optional<std::string> load_document(odb::database& database, const char* kind) {
+  rows::Document row;
+  return database.find(std::string(kind), row) ? std::make_optional<std::string>(text_of(row)) : std::nullopt;
 }
 
 Documents load_documents(odb::database& database) {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "vemora/embedded_server/persistent/pass_scope.h"
 
@@ -17,6 +19,10 @@ namespace kuv::vemora::embedded_server {
 /// Throws Database_Error when the database belongs to another server.
 void require_owner(odb::database& database, std::uint64_t server_id);
 
+/// The document of that kind, "config" or "mapping"; nothing before one was accepted.
+std::optional<std::string> load_document(odb::database& database, const char* kind);
+
+/// Both.
 Documents load_documents(odb::database& database);
 
 /// Whether the documents that are given are those that are stored.

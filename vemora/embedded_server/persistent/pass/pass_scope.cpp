@@ -33,6 +33,18 @@ class Pass_Scope::State {
     }
   }
 
+  /// Of a pass that writes, as they were before. One that only reads sees the same state to its end,
+  /// so that it has time until somebody asks.
+  const Documents& stored_documents() {
+    require_config();
+    require_mapping();
+    return documents_;
+  }
+  const std::optional<std::string>& stored_mapping() {
+    require_mapping();
+    return documents_.mapping;
+  }
+
   /// Asked first, so that what is stored already keeps nobody out.
   bool changes_by_storing(const Documents& accepted, const std::set<std::uint64_t>& reconciled,
                           const Pass_Ending& ending) {
@@ -53,17 +65,31 @@ class Pass_Scope::State {
 
   /// Those that are stored when the accepted ones are.
   Document_Digests digests_with(const Documents& accepted) const {
-    return {digest_of_text(accepted.config ? accepted.config : documents.config),
-            digest_of_text(accepted.mapping ? accepted.mapping : documents.mapping)};
+    return {digest_of_text(accepted.config ? accepted.config : documents_.config),
+            digest_of_text(accepted.mapping ? accepted.mapping : documents_.mapping)};
   }
 
   std::uint64_t server_id;
   std::shared_ptr<Database> site;
   Pass_History history;
   Pass pass;
-  Documents documents;
   bool has_nothing_to_store = false;
   int commits_before_storing = -1;  ///< of the pass; negative as long as nothing is to be stored
+
+ private:
+  void require_config() { load_once("config", has_config_, documents_.config); }
+  void require_mapping() { load_once("mapping", has_mapping_, documents_.mapping); }
+
+  void load_once(const char* kind, bool& is_loaded, std::optional<std::string>& document) {
+    if (!is_loaded) {
+      pass.run([&](Site_Index&) { document = load_document(pass.odb(), kind); });
+      is_loaded = true;
+    }
+  }
+
+  Documents documents_;
+  bool has_config_ = false;
+  bool has_mapping_ = false;
 };
 
 Pass_Scope::Pass_Scope(const std::shared_ptr<Database>& database, std::uint64_t server_id,
@@ -71,7 +97,9 @@ Pass_Scope::Pass_Scope(const std::shared_ptr<Database>& database, std::uint64_t 
     : state_(std::make_unique<State>(database, server_id, mode)) {
   state_->pass.run([this](Site_Index&) {
     require_owner(state_->pass.odb(), state_->server_id);
-    state_->documents = load_documents(state_->pass.odb());
+    if (state_->pass.commits_changes()) {
+      state_->stored_documents();
+    }
     state_->look_back();
   });
 }
@@ -79,7 +107,11 @@ Pass_Scope::Pass_Scope(const std::shared_ptr<Database>& database, std::uint64_t 
 Pass_Scope::~Pass_Scope() = default;
 
 const Documents& Pass_Scope::documents() const {
-  return state_->documents;
+  return state_->stored_documents();
+}
+
+const std::optional<std::string>& Pass_Scope::mapping() const {
+  return state_->stored_mapping();
 }
 
 void Pass_Scope::record_as(Pass_Origin origin) {
