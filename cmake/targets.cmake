@@ -8,7 +8,8 @@ target_compile_options(vemora_build_options INTERFACE -Wall -Wextra -Wpedantic
 if(VEMORA_SANITIZE)
   # GCC takes what the sanitizers add for values that nobody set.
   add_compile_options(-fsanitize=${VEMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
-                      -Wno-maybe-uninitialized)
+                      $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
+                      $<$<CXX_COMPILER_ID:Clang>:-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/unsanitized.txt>)
   add_link_options(-fsanitize=${VEMORA_SANITIZE})
 endif()
 

@@ -155,7 +155,7 @@ TEST(Json_Trees, are_not_made_of_what_is_behind_a_byte_nul) {
   EXPECT_FALSE(tree_of("\0[]"s));
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef VEMORA_SANITIZED
 /// Leaves the process little more memory than it has.
 void limit_memory() {
   std::size_t pages = 0;

@@ -321,7 +321,7 @@ class Random_History {
 };
 
 // Under the sanitizers a history takes eight times as long.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef VEMORA_SANITIZED
 constexpr std::uint64_t histories_on_sqlite = 40;
 constexpr std::uint64_t histories_on_postgresql = 20;
 #else

@@ -17,12 +17,12 @@ TEST_P(Database_Contract, refuses_a_subscription_with_details_that_are_not_store
   site.given_camera(10);
   site.given_category(5, "doors");
   given_trigger(7);
-  const auto of_category = [this](std::uint64_t id) {
+  const auto of_category = [](std::uint64_t id) {
     auto record = a_topic_subscription(10, "a", {7});
     record->category = std::make_shared<metadata_event_category>(metadata_event_category{id, "c"});
     return record;
   };
-  const auto with_further_cameras = [this](std::initializer_list<std::uint64_t> ids) {
+  const auto with_further_cameras = [](std::initializer_list<std::uint64_t> ids) {
     auto record = a_topic_subscription(10, "b", {7});
     for (const std::uint64_t id : ids) {
       record->camera_links.emplace_back(camera_of_id(id));
@@ -42,7 +42,7 @@ TEST_P(Database_Contract, refuses_a_subscription_with_details_that_are_not_store
 TEST_P(Database_Contract, refuses_a_subscription_with_a_tag_that_cannot_be_stored) {
   site.given_camera(10);
   given_trigger(7);
-  const auto with_tag = [this](const std::string& topic, const std::string& name) {
+  const auto with_tag = [](const std::string& topic, const std::string& name) {
     auto record = a_topic_subscription(10, topic, {7});
     record->tags.insert({name, {}});
     return record;

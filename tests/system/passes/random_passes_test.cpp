@@ -152,7 +152,7 @@ INSTANTIATE_TEST_SUITE_P(Engines, Random_Passes, testing::ValuesIn(database_engi
                          name_of_engine);
 
 // Under the sanitizers a life takes eight times as long.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef VEMORA_SANITIZED
 constexpr std::uint64_t lives = 60;
 #else
 constexpr std::uint64_t lives = 300;
