@@ -33,15 +33,15 @@ TEST_F(PostgreSQL_Schemas, are_made_where_there_are_none) {
   EXPECT_EQ(open(place.location(), Database::Open_Mode::create_if_absent), "no complaint");
 
   EXPECT_EQ(open(place.location()), "no complaint");
-  EXPECT_EQ(place.foreign_program()->query("SELECT schema_version FROM site"), (Rows{{"3"}}));
+  EXPECT_EQ(place.foreign_program()->query("SELECT schema_version FROM site"), (Rows{{"4"}}));
 }
 
 TEST_F(PostgreSQL_Schemas, of_a_newer_version_are_refused) {
   open(place.location(), Database::Open_Mode::create_if_absent);
-  place.foreign_program()->execute("UPDATE site SET schema_version = 4");
+  place.foreign_program()->execute("UPDATE site SET schema_version = 5");
 
   EXPECT_EQ(open(place.location()),
-            prefixed("it was made by a newer version of this program (schema 4, known up to 3)"));
+            prefixed("it was made by a newer version of this program (schema 5, known up to 4)"));
 }
 
 TEST_F(PostgreSQL_Schemas, of_other_programs_are_refused_and_left_alone) {

@@ -134,9 +134,9 @@ TEST_F(SQLite_Files, of_another_program_are_refused_and_left_alone) {
 
 TEST_F(SQLite_Files, of_a_newer_version_are_refused) {
   given_a_database_of_ours();
-  by_another_program("UPDATE site SET schema_version = 4");
+  by_another_program("UPDATE site SET schema_version = 5");
   const std::string refusal =
-      prefixed("it was made by a newer version of this program (schema 4, known up to 3)");
+      prefixed("it was made by a newer version of this program (schema 5, known up to 4)");
 
   EXPECT_EQ(complaint(path()), refusal);
   EXPECT_EQ(complaint_of_creating(), refusal);

@@ -36,7 +36,7 @@ class Migration(Site):
         self.before = self.state()
         self.run_tool("init", self.nothing)
         self.after = self.state()
-        self.assertEqual((self.before[0], self.after[0]), ("1\n", "3\n"))
+        self.assertEqual((self.before[0], self.after[0]), ("1\n", "4\n"))
         self.assertEqual(self.before[2], self.after[2])
 
     def lay_out(self):
@@ -100,7 +100,7 @@ class Migration(Site):
             out, err = migrating.communicate(timeout=60)
             self.assertEqual(migrating.returncode, DONE, (out + err).decode())
             other.communicate("ROLLBACK;\n")
-        self.assertEqual(psql(f"SELECT schema_version FROM {self.schema}.site"), "3\n")
+        self.assertEqual(psql(f"SELECT schema_version FROM {self.schema}.site"), "4\n")
 
     def run_without(self, answer, act):
         """Runs a command that migrates, and acts on the process at this answer, which it does not get."""
@@ -148,10 +148,10 @@ class Migration(Site):
             self.assertEqual(status, -signal.SIGKILL, said)
             found.append(state[0].strip())
         print(f"left as version {' '.join(found)}")
-        self.assertEqual(set(found), {"1", "3"})
+        self.assertEqual(set(found), {"1", "4"})
 
     def test_cut_short_by_cutting_the_line(self):
-        told = {"1": 0, "3": 0}
+        told = {"1": 0, "4": 0}
         not_known = 0
         for status, said, state in self.cut_short(lambda process: None):
             self.assertIn(status, (DONE, FAILED), said)

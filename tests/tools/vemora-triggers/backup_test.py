@@ -462,7 +462,7 @@ class Refused_Restores(Copies):
 
     def test_what_is_newer(self):
         self.changed("backup.db", "UPDATE site SET schema_version = 99")
-        self.assert_no_backup("it was made by a newer version of this program (schema 99, known up to 3)", "backup.db")
+        self.assert_no_backup("it was made by a newer version of this program (schema 99, known up to 4)", "backup.db")
 
     def test_what_is_another_servers(self):
         self.changed("backup.db", "UPDATE site SET server_id = 42")
@@ -511,8 +511,8 @@ class Refused_Restores(Copies):
                             options=("--database", "notes.txt"))
         self.sql("UPDATE site SET schema_version = 99")
         self.assert_refused("database vemora.db: it was made by a newer version of this program (schema 99, known up to "
-                            "3)", "restore", "backup.db")
-        self.sql("UPDATE site SET schema_version = 3, server_id = 2")
+                            "4)", "restore", "backup.db")
+        self.sql("UPDATE site SET schema_version = 4, server_id = 2")
         self.assert_refused("database vemora.db: it belongs to server 2, not to server 1", "restore", "backup.db")
 
     def test_into_a_folder_that_is_missing(self):

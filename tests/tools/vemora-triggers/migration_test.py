@@ -193,7 +193,7 @@ class Writers(Migration):
         before = self.records()
         owner = self.sql("SELECT id, server_id FROM site")
         self.run_and_expect("init", "nothing.json")
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         self.assertEqual(self.records(), before)
         self.assertEqual(self.sql("SELECT id, server_id FROM site"), owner)
         self.assertEqual(self.show_everything(), self.kept_records())
@@ -212,19 +212,19 @@ class Writers(Migration):
                     self.behind.drop()
                 self.lay_out("1.0.0")
                 self.run_and_expect(*command)
-                self.assertEqual(self.version(), 3)
+                self.assertEqual(self.version(), 4)
                 self.assertEqual(self.show_everything(), self.kept_records())
 
     def test_are_passes_that_store_a_document_and_nothing_else(self):
         self.sql("DELETE FROM pending_camera")
         document = json.loads(self.content("config.json"))
         self.run_and_expect("apply", self.write("same.json", json.dumps(document, indent=7)))
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         self.assertEqual(self.show_everything(), self.kept_records())
 
     def test_are_passes_that_change_a_record(self):
         self.run_and_expect("apply", self.with_another_trigger())
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         self.assertEqual([record for record in self.show("triggers") if record["id"] != 4711],
                          self.kept_records()["triggers"])
 
@@ -238,7 +238,7 @@ class Writers(Migration):
             for command, process in running:
                 out, err = process.communicate(timeout=120)
                 self.assertEqual((process.returncode, err), (DONE, b""), (command, out))
-            self.assertEqual(self.version(), 3)
+            self.assertEqual(self.version(), 4)
             self.assertEqual(self.show_everything(), self.kept_records())
             if ENGINE == "postgresql":
                 self.behind.drop()
@@ -259,7 +259,7 @@ class Writers(Migration):
         for statement in others:
             self.sql(statement)
         self.run_and_expect("init", self.write("one.json", {"schedules": [{"id": 77, "name": "late"}]}))
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         kept = {text for (text,) in self.sql("SELECT sql FROM sqlite_master")}
         self.assertLessEqual(set(others), kept)
         self.assertEqual(self.sql("SELECT id FROM audit"), [(77,)])
@@ -294,7 +294,7 @@ class Columns_That_Another_Program_Added(Migration):
         for column in ("camera DROP COLUMN label", "camera DROP COLUMN site_plan", "schedule DROP COLUMN note"):
             self.sql(f"ALTER TABLE {column}")
         self.run_and_expect("refresh")
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         self.assertEqual(set(self.sql("SELECT \"seen at\" FROM subscription")), {(5,)})
 
     @on_sqlite
@@ -311,7 +311,7 @@ class Columns_That_Another_Program_Added(Migration):
     @on_postgresql
     def test_stay_where_tables_are_only_altered(self):
         self.run_and_expect("refresh")
-        self.assertEqual((self.version(), self.notes()), (3, {"ask Ann"}))
+        self.assertEqual((self.version(), self.notes()), (4, {"ask Ann"}))
 
 
 class Rows_That_Break_A_Rule(Migration):
@@ -334,7 +334,7 @@ class Rows_That_Break_A_Rule(Migration):
         self.show("triggers")  # readers go on
         self.sql("UPDATE trigger_source SET onvif_topic = ? WHERE trigger_id = 2", CROSSED)
         self.run_and_expect("refresh")
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         self.assertEqual(self.show_everything(), self.kept_records())
 
     def test_of_other_tables_are_named_too(self):
@@ -350,7 +350,7 @@ class Restores(Migration):
     def restore_kept_backup(self):
         shutil.copy(os.path.join(self.kept, "site.sqlite"), self.path("old.backup"))
         self.run_and_expect("restore", "old.backup")
-        self.assertEqual(self.version(), 3)
+        self.assertEqual(self.version(), 4)
         self.assertEqual(self.show_everything(), self.kept_records())
         self.assert_documents_are_kept()
 

@@ -174,16 +174,16 @@ TEST_P(Many_Rows, of_links_are_read_as_other_rows_are) {
   Pairs none;
 
   in_transaction([&](odb::database& odb) {
-    for_each_link<Subscription_Trigger>(
-        odb, "subscription_trigger",
-        [&](std::uint64_t record, std::uint64_t linked) { read.emplace_back(record, linked); });
+    for_each_link(odb, "subscription_trigger", [&](std::uint64_t record, std::uint64_t linked) {
+      read.emplace_back(record, linked);
+    });
     for_each_row<Subscription_Trigger>(
-        odb, "record_id, linked_id", [&](const Subscription_Trigger& row) {
+        odb, "linked_id, record_id", [&](const Subscription_Trigger& row) {
           read_as_rows.emplace_back(row.key.record_id, row.key.linked_id);
         });
-    for_each_link<vemora::rows::ETA_Camera_Trigger>(
-        odb, "eta_camera_trigger",
-        [&](std::uint64_t record, std::uint64_t linked) { none.emplace_back(record, linked); });
+    for_each_link(odb, "eta_camera_trigger", [&](std::uint64_t record, std::uint64_t linked) {
+      none.emplace_back(record, linked);
+    });
   });
 
   EXPECT_EQ(read.size(), written.size());
@@ -195,12 +195,11 @@ TEST_P(Many_Rows, that_nobody_wants_to_the_end_leave_the_database_as_it_was) {
   insert(links());
   std::size_t taken = 0;
   EXPECT_THROW(in_transaction([&](odb::database& odb) {
-                 for_each_link<Subscription_Trigger>(odb, "subscription_trigger",
-                                                     [&](std::uint64_t, std::uint64_t) {
-                                                       if (++taken == 1000) {
-                                                         throw std::runtime_error("enough");
-                                                       }
-                                                     });
+                 for_each_link(odb, "subscription_trigger", [&](std::uint64_t, std::uint64_t) {
+                   if (++taken == 1000) {
+                     throw std::runtime_error("enough");
+                   }
+                 });
                }),
                std::runtime_error);
 
@@ -343,14 +342,13 @@ TEST_F(Faults_Of_Many_Rows, tell_of_a_connection_that_is_lost_while_links_are_re
     std::size_t taken = 0;
     odb::database& odb = database()->engine().odb();
     odb::transaction transaction(odb.begin());
-    for_each_link<Subscription_Trigger>(
-        odb, "subscription_trigger", [&](std::uint64_t, std::uint64_t) {
-          if (++taken == cut_at) {
-            foreign_program().execute(
-                "SELECT pg_terminate_backend(pid, 10000) FROM pg_locks WHERE relation = "
-                "'subscription_trigger'::regclass AND pid <> pg_backend_pid()");
-          }
-        });
+    for_each_link(odb, "subscription_trigger", [&](std::uint64_t, std::uint64_t) {
+      if (++taken == cut_at) {
+        foreign_program().execute(
+            "SELECT pg_terminate_backend(pid, 10000) FROM pg_locks WHERE relation = "
+            "'subscription_trigger'::regclass AND pid <> pg_backend_pid()");
+      }
+    });
     return taken;
   };
 

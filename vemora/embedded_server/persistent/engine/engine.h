@@ -85,6 +85,6 @@ class Engine {
 };
 
 /// The version of the schema that this library reads and writes.
-inline constexpr std::int32_t current_schema_version = 3;
+inline constexpr std::int32_t current_schema_version = 4;
 
 }  // namespace kuv::vemora::embedded_server

@@ -13,7 +13,7 @@ namespace kuv::vemora::embedded_server {
 void PostgreSQL_Database::for_each_link(const std::string& table, const Take& take) {
   copy_pairs(
       odb::pgsql::transaction::current().connection(),
-      fmt::format("SELECT record_id, linked_id FROM {} ORDER BY record_id, linked_id", table),
+      fmt::format("SELECT record_id, linked_id FROM {} ORDER BY linked_id, record_id", table),
       take);
 }
 

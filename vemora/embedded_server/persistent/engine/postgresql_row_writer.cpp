@@ -11,7 +11,6 @@
 #include <string>
 #include <utility>
 
-#include "vemora/embedded_server/persistent/engine/link_tiles.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_arrays.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_connections.h"
 #include "vemora/embedded_server/persistent/engine/postgresql_copy.h"
@@ -200,18 +199,10 @@ void insert_many(const std::vector<Row>& rows) {
   }
 }
 
-template <class Row, class = void>
-constexpr bool is_link = false;
-template <class Row>
-constexpr bool is_link<Row, std::enable_if_t<std::is_same_v<decltype(Row::key), rows::Link>>> =
-    true;
-
 template <class Row>
 void insert_rows(const std::vector<Row>& rows) {
   if (rows.size() <= rows_worth_a_copy) {
     run_over(rows, all_columns<Row>(), insert_statement<Row>(), any_number);
-  } else if constexpr (is_link<Row>) {
-    insert_many(in_tiles(rows));
   } else {
     insert_many(rows);
   }

@@ -8,14 +8,15 @@
 #include <array>
 #include <filesystem>
 #include <limits>
-#include <odb/sqlite/database.hxx>
 #include <odb/sqlite/exceptions.hxx>
 #include <odb/sqlite/transaction.hxx>
 
 #include "vemora/embedded_server/persistent/database_error.h"
 #include "vemora/embedded_server/persistent/engine/other_programs.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_connections.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_database.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_locks.h"
+#include "vemora/embedded_server/persistent/engine/sqlite_row_writer.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_schema_steps.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_session.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_statements.h"
@@ -53,12 +54,12 @@ SQLite_Engine::SQLite_Engine(const std::string& path, Open_Mode mode,
   const int create = mode == Open_Mode::create_if_absent ? SQLITE_OPEN_CREATE : 0;
   const int access = files_.is_read_only() ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI
                                            : SQLITE_OPEN_READWRITE | create;
-  database_ = std::make_unique<odb::sqlite::database>(
+  database_ = std::make_unique<SQLite_Database>(
       // Who may only read makes no file beside it that would then be theirs.
       files_.is_read_only() ? as_sqlite_uri(path, "readonly_shm=1") : as_sqlite_name(path),
       access | SQLITE_OPEN_PRIVATECACHE, false, "",
       std::make_unique<SQLite_Connections>(files_, lock_wait));
-  rows_ = std::make_unique<ODB_Row_Writer>(*database_);
+  rows_ = std::make_unique<SQLite_Row_Writer>(*database_);
 }
 
 SQLite_Engine::~SQLite_Engine() = default;

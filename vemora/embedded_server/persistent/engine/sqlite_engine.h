@@ -8,15 +8,12 @@
 #include <string>
 
 #include "vemora/embedded_server/persistent/engine/engine.h"
-#include "vemora/embedded_server/persistent/engine/odb_row_writer.h"
 #include "vemora/embedded_server/persistent/engine/sqlite_files.h"
 #include "vemora/embedded_server/persistent/open_mode.h"
 
-namespace odb::sqlite {
-class database;
-}
-
 namespace kuv::vemora::embedded_server {
+
+class SQLite_Database;
 
 /// One file, no server. Processes queue up at a lock file beside it.
 class SQLite_Engine : public Engine {
@@ -41,8 +38,8 @@ class SQLite_Engine : public Engine {
   std::string path_;
   SQLite_Files files_;
   std::chrono::milliseconds lock_wait_;
-  std::unique_ptr<odb::sqlite::database> database_;
-  std::unique_ptr<ODB_Row_Writer> rows_;
+  std::unique_ptr<SQLite_Database> database_;
+  std::unique_ptr<Row_Writer> rows_;
 };
 
 }  // namespace kuv::vemora::embedded_server

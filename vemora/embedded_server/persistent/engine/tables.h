@@ -205,6 +205,13 @@ struct Table<rows::History_Entry> {
       column("detection_link_deletions", &Row::detection_link_deletions));
 };
 
+/// Whether a row is two ids and nothing else.
+template <class Row, class = void>
+inline constexpr bool is_link = false;
+template <class Row>
+inline constexpr bool
+    is_link<Row, std::enable_if_t<std::is_same_v<decltype(Row::key), rows::Link>>> = true;
+
 /// What stands in those columns of a row, a tuple.
 template <class Row, class Columns>
 auto values_of(const Row& row, const Columns& columns) {

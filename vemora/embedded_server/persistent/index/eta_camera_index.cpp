@@ -15,7 +15,7 @@ ETA_Camera_Index::ETA_Camera_Index(odb::database& database, const Camera_Index& 
                                    const Trigger_Index& triggers)
     : cameras_(cameras), triggers_(triggers), records_(Id_Allocator::load(database, "eta_camera")) {
   load_records(database);
-  records_.load_links<rows::ETA_Camera_Trigger>(database, "eta_camera_trigger", triggers_.all());
+  records_.load_links(database, "eta_camera_trigger", triggers_.all());
 }
 
 void ETA_Camera_Index::load_records(odb::database& database) {

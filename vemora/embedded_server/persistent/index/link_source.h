@@ -8,16 +8,17 @@
 
 namespace kuv::vemora::embedded_server {
 
-/// A database that hands over tables of links, which may have millions of rows, in a faster way
-/// than row by row as objects.
+/// A database, which hands over tables of links in a faster way than row by row as objects: they
+/// may have millions of rows.
 class Link_Source {
  public:
   using Take = std::function<void(std::uint64_t record_id, std::uint64_t linked_id)>;
 
   virtual ~Link_Source() = default;
 
-  /// Every row of the table, in the order of both ids as the database has it. In the transaction
-  /// that is current on this thread; `take` asks the database nothing.
+  /// Every row of the table, in the order of the linked id, and then of the record's, as the
+  /// database has it. In the transaction that is current on this thread; `take` asks the database
+  /// nothing.
   virtual void for_each_link(const std::string& table, const Take& take) = 0;
 };
 

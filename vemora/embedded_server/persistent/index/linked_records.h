@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -17,6 +18,7 @@
 #include "vemora/embedded_server/persistent/index/id_hash.h"
 #include "vemora/embedded_server/persistent/index/id_order.h"
 #include "vemora/embedded_server/persistent/index/link_journal.h"
+#include "vemora/embedded_server/persistent/index/links_by_record.h"
 #include "vemora/embedded_server/persistent/index/record_links.h"
 #include "vemora/embedded_server/persistent/index/row_reader.h"
 
@@ -85,69 +87,87 @@ class Linked_Records {
     return entries_.emplace_hint(entries_.end(), id, Entry{std::move(record)})->second;
   }
 
-  /// Takes the links that the database holds already, those of one record together, when all
+  /// Takes the links that the database holds already, those of one trigger together, when all
   /// records are loaded.
   class Link_Loader {
    public:
     Link_Loader(Linked_Records& records, const std::vector<std::shared_ptr<trigger>>& triggers)
-        : records_(records) {
-      for (const std::shared_ptr<trigger>& record : triggers) {
-        triggers_.emplace(record->id, Holding{record, &records.holders_[record->id]});
+        : records_(records), triggers_(triggers), links_(records.entries_.size()) {
+      for (std::size_t place = 0; place < triggers.size(); ++place) {
+        const std::uint64_t id = triggers[place]->id;
+        holdings_.emplace(id, Holding{place, &records.holders_[id]});
+      }
+      entries_.reserve(records.entries_.size());
+      for (auto& [id, entry] : records.entries_) {
+        entries_.push_back(&entry);
+        ids_.push_back(id);
       }
     }
 
     void take(std::uint64_t record_id, std::uint64_t trigger_id) {
-      if (entry_ == nullptr || entry_->record->id != record_id) {
-        finish_record();
-        entry_ = records_.find(record_id);
+      if (trigger_id != trigger_id_) {
+        const auto found = holdings_.find(trigger_id);
+        holding_ = found == holdings_.end() ? nullptr : &found->second;
+        trigger_id_ = trigger_id;
       }
-      const auto found = triggers_.find(trigger_id);
-      if (entry_ == nullptr || found == triggers_.end()) {
+      if (holding_ == nullptr || !find_record(record_id)) {
         // A deleted trigger may have left rows behind that nobody wrote in a pass.
         records_.journal_.note_dropped(record_id, trigger_id);
         return;
       }
-      held_.push_back(found->second.record);
-      found->second.holders->append(record_id, entry_);
+      holding_->holders->append(record_id, entries_[record_]);
+      links_.add(record_++, holding_->place);
     }
 
     /// To be called when all were taken.
     void finish() {
-      finish_record();
-      for (auto& [id, holding] : triggers_) {
+      links_.complete();
+      std::vector<std::shared_ptr<trigger>> held;
+      for (std::size_t record = 0; record < entries_.size(); ++record) {
+        links_.for_each_trigger(record,
+                                [&](std::size_t place) { held.push_back(triggers_[place]); });
+        entries_[record]->links = held.size();
+        set_links(*entries_[record]->record, held);
+        held.clear();
+      }
+      for (auto& [id, holding] : holdings_) {
         holding.holders->complete();
       }
     }
 
    private:
-    /// What is looked up for each link.
+    /// What is looked up for each trigger.
     struct Holding {
-      std::shared_ptr<trigger> record;
+      std::size_t place;  ///< among the triggers
       Holders* holders;
     };
 
-    void finish_record() {
-      if (entry_ != nullptr) {
-        entry_->links = held_.size();
-        set_links(*entry_->record, held_);
+    /// Moves to that record, which mostly comes next; false where there is none.
+    bool find_record(std::uint64_t id) {
+      if (record_ == ids_.size() || ids_[record_] != id) {
+        const auto found = std::lower_bound(ids_.begin(), ids_.end(), id);
+        record_ = static_cast<std::size_t>(found - ids_.begin());
       }
-      held_.clear();
+      return record_ < ids_.size() && ids_[record_] == id;
     }
 
     Linked_Records& records_;
-    std::unordered_map<std::uint64_t, Holding, Id_Hash> triggers_;
-    Entry* entry_ = nullptr;
-    std::vector<std::shared_ptr<trigger>> held_;  ///< by the record of that entry
+    const std::vector<std::shared_ptr<trigger>>& triggers_;
+    std::unordered_map<std::uint64_t, Holding, Id_Hash> holdings_;  ///< by trigger
+    Entry_List entries_;
+    std::vector<std::uint64_t> ids_;  ///< of the entries
+    Links_By_Record links_;
+    std::optional<std::uint64_t> trigger_id_;  ///< of the last link
+    const Holding* holding_ = nullptr;         ///< of that trigger; null without one
+    std::size_t record_ = 0;                   ///< among the entries
   };
 
-  template <class Row>
   void load_links(odb::database& database, const char* table,
                   const std::vector<std::shared_ptr<trigger>>& triggers) {
     Link_Loader loader(*this, triggers);
-    for_each_link<Row>(database, table,
-                       [&loader](std::uint64_t record_id, std::uint64_t trigger_id) {
-                         loader.take(record_id, trigger_id);
-                       });
+    for_each_link(database, table, [&loader](std::uint64_t record_id, std::uint64_t trigger_id) {
+      loader.take(record_id, trigger_id);
+    });
     loader.finish();
   }
 

@@ -25,15 +25,10 @@ void for_each_row(odb::database& database, const char* order_by, Take take) {
   }
 }
 
-/// The same for the links in a table of that name, in the order of both ids: hands over these.
-template <class Row, class Take>
-void for_each_link(odb::database& database, const char* table, Take take) {
-  if (auto* const source = dynamic_cast<Link_Source*>(&database)) {
-    source->for_each_link(table, take);
-    return;
-  }
-  for_each_row<Row>(database, "record_id, linked_id",
-                    [&take](const Row& row) { take(row.key.record_id, row.key.linked_id); });
+/// The same for the links in a table of that name, see Link_Source.
+inline void for_each_link(odb::database& database, const char* table,
+                          const Link_Source::Take& take) {
+  dynamic_cast<Link_Source&>(database).for_each_link(table, take);
 }
 
 }  // namespace kuv::vemora::embedded_server

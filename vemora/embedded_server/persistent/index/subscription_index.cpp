@@ -65,7 +65,7 @@ Subscription_Index::Subscription_Index(odb::database& database, const Camera_Ind
   for (auto& [id, entry] : records_.entries()) {
     enter(entry);
   }
-  records_.load_links<rows::Subscription_Trigger>(database, "subscription_trigger",
+  records_.load_links(database, "subscription_trigger",
                                                   triggers_.all());
 }
 

@@ -11,6 +11,7 @@
 #include "vemora/embedded_server/persistent/engine/row_writer.h"
 #include "vemora/embedded_server/persistent/mapping/source_row.h"
 #include "vemora/embedded_server/persistent/pass/pending_cameras.h"
+#include "vemora/embedded_server/persistent/pass/rows_by_trigger.h"
 #include "vemora/embedded_server/persistent/pass/site_row.h"
 
 namespace kuv::vemora::embedded_server {
@@ -81,16 +82,6 @@ void write_triggers(Row_Writer& writer, const Site_Index::Net_Changes& net) {
   writer.insert(rows.schedules.added);
 }
 
-template <class Row>
-std::vector<Row> link_rows(const std::vector<Changes::Link>& links) {
-  std::vector<Row> rows;
-  rows.reserve(links.size());
-  for (const Changes::Link& link : links) {
-    rows.push_back({{link.record_id, link.trigger_id}});
-  }
-  return rows;
-}
-
 /// Records of one table, and their links.
 template <class Record_Row, class Link_Row, class Net>
 void write_records(Row_Writer& writer, const Net& net) {
@@ -103,8 +94,8 @@ void write_records(Row_Writer& writer, const Net& net) {
   // Deleted first: a new record may need the unique values of a deleted one.
   writer.erase(deleted);
   writer.insert(net.added);
-  writer.erase(link_rows<Link_Row>(net.links.deleted));
-  writer.insert(link_rows<Link_Row>(net.links.added));
+  writer.erase(rows_by_trigger<Link_Row>(net.links.deleted));
+  writer.insert(rows_by_trigger<Link_Row>(net.links.added));
 }
 
 template <class Item>
