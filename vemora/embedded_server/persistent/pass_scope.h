@@ -58,8 +58,8 @@ class VEMORA_API Pass_Scope {
   Pass_Scope(const Pass_Scope&) = delete;
   Pass_Scope& operator=(const Pass_Scope&) = delete;
 
-  /// The accepted documents as they were when the pass began. A pass that commits nothing reads them
-  /// when it is asked for them first, and throws Database_Error if it cannot.
+  /// The accepted documents as they were when the pass began. A pass that commits nothing reads
+  /// them when it is asked for them first, and throws Database_Error if it cannot.
   const Documents& documents() const;
 
   /// The mapping alone: a configuration, which may be large, is not read for it.

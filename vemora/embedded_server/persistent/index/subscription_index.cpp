@@ -65,8 +65,7 @@ Subscription_Index::Subscription_Index(odb::database& database, const Camera_Ind
   for (auto& [id, entry] : records_.entries()) {
     enter(entry);
   }
-  records_.load_links(database, "subscription_trigger",
-                                                  triggers_.all());
+  records_.load_links(database, "subscription_trigger", triggers_.all());
 }
 
 void Subscription_Index::load_records(odb::database& database) {

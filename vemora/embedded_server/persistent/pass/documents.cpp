@@ -58,7 +58,8 @@ void require_owner(odb::database& database, std::uint64_t server_id) {
 
 std::optional<std::string> load_document(odb::database& database, const char* kind) {
   rows::Document row;
-  return database.find(std::string(kind), row) ? std::make_optional<std::string>(text_of(row)) : std::nullopt;
+  return database.find(std::string(kind), row) ? std::make_optional<std::string>(text_of(row))
+                                               : std::nullopt;
 }
 
 Documents load_documents(odb::database& database) {

@@ -33,8 +33,8 @@ class Pass_Scope::State {
     }
   }
 
-  /// Of a pass that writes, as they were before. One that only reads sees the same state to its end,
-  /// so that it has time until somebody asks.
+  /// Of a pass that writes, as they were before. One that only reads sees the same state to its
+  /// end, so that it has time until somebody asks.
   const Documents& stored_documents() {
     require_config();
     require_mapping();
