@@ -17,20 +17,20 @@
 namespace kuv::vemora::embedded_server {
 namespace {
 
-// Cameras that are in either site with a topic or a trigger on it that the other one lacks.
+// Cameras that are in either site with a topic or a trigger on it that the other one lacks. A CROSS
+// JOIN goes from left to right: the subscription of each link is found by its id, but the links of
+// a subscription could only be found by reading all.
 constexpr const char* note_different_cameras =
     "INSERT OR IGNORE INTO main.pending_camera SELECT camera_id FROM before.pending_camera;"
-    "CREATE TEMP VIEW link_before AS"
-    " SELECT s.camera_id, s.onvif_topic, l.linked_id FROM before.subscription s"
-    " LEFT JOIN before.subscription_trigger l ON l.record_id = s.id WHERE s.camera_id IS NOT NULL;"
-    "CREATE TEMP VIEW link_after AS"
-    " SELECT s.camera_id, s.onvif_topic, l.linked_id FROM main.subscription s"
-    " LEFT JOIN main.subscription_trigger l ON l.record_id = s.id WHERE s.camera_id IS NOT NULL;"
-    "INSERT OR IGNORE INTO main.pending_camera SELECT camera_id FROM"
-    " (SELECT * FROM link_before EXCEPT SELECT * FROM link_after);"
-    "INSERT OR IGNORE INTO main.pending_camera SELECT camera_id FROM"
-    " (SELECT * FROM link_after EXCEPT SELECT * FROM link_before);"
-    "DROP VIEW link_before; DROP VIEW link_after;";
+    "INSERT OR IGNORE INTO main.pending_camera SELECT camera_id FROM ("
+    " SELECT 0 AS site, camera_id, onvif_topic, NULL AS trigger_id FROM before.subscription"
+    " UNION ALL SELECT 0, s.camera_id, s.onvif_topic, l.linked_id"
+    " FROM before.subscription_trigger l CROSS JOIN before.subscription s ON s.id = l.record_id"
+    " UNION ALL SELECT 1, camera_id, onvif_topic, NULL FROM main.subscription"
+    " UNION ALL SELECT 1, s.camera_id, s.onvif_topic, l.linked_id"
+    " FROM main.subscription_trigger l CROSS JOIN main.subscription s ON s.id = l.record_id"
+    ") WHERE camera_id IS NOT NULL"
+    " GROUP BY camera_id, onvif_topic, trigger_id HAVING min(site) = max(site)";
 
 constexpr const char* note_all_cameras =
     "INSERT OR IGNORE INTO main.pending_camera SELECT id FROM main.camera;"
@@ -117,7 +117,7 @@ bool Replaced_Site::note_different(SQLite_Handle& coming) {
     if (!is_unreadable(fault)) {
       throw;
     }
-    coming.run("DROP VIEW IF EXISTS link_before; DROP VIEW IF EXISTS link_after; DETACH before");
+    coming.run("DETACH before");
     return false;
   }
   coming.run("DETACH before");
