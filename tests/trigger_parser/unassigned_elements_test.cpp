@@ -143,6 +143,15 @@ TEST_F(Unassigned_Elements, are_one_fault_where_several_are_in_a_row) {
   EXPECT_THAT(indexes, ElementsAre(1, 2, 3));
 }
 
+TEST_F(Unassigned_Elements, take_no_room_wherever_their_array_is_said_to_stand) {
+  Json::Value triggers = array_of({{0, a_trigger()}, {far_away, a_trigger(8)}});
+  triggers.setOffsetStart(100);
+  triggers.setOffsetLimit(0);
+
+  EXPECT_EQ(rejection_of_configs(object_with("triggers", triggers)),
+            "\"triggers\" must be an array of JSON objects.");
+}
+
 TEST_F(Unassigned_Elements, are_told_with_the_place_of_their_array) {
   Json::Value document = json(R"({"triggers": [ ]})");
   document["triggers"][Json::ArrayIndex(3)] = a_trigger();

@@ -43,7 +43,8 @@ bool add_id(std::uint64_t id, Ids& ids) {
 /// was built, and not read from a text, may have very few elements at very large indexes.
 std::size_t likely_triggers_of(const Json::Value& triggers) {
   constexpr std::ptrdiff_t shortest_trigger = 50;  // bytes
-  const std::ptrdiff_t length = triggers.getOffsetLimit() - triggers.getOffsetStart();
+  const std::ptrdiff_t length =
+      std::max<std::ptrdiff_t>(triggers.getOffsetLimit() - triggers.getOffsetStart(), 0);
   return std::min<std::size_t>(triggers.size(),
                                static_cast<std::size_t>(length / shortest_trigger));
 }

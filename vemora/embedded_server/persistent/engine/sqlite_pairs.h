@@ -30,7 +30,6 @@ class Pair_Statement {
   std::uint64_t number(int column) const {
     return static_cast<std::uint64_t>(sqlite3_column_int64(statement_.get(), column));
   }
-  void bind(int place, std::uint64_t id);
   void require_success(int code);
 
   odb::sqlite::connection& connection_;

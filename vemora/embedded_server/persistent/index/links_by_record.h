@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
-#include <utility>
 #include <vector>
 
 namespace kuv::vemora::embedded_server {
