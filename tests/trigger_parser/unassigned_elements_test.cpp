@@ -9,6 +9,7 @@
 #include "vemora/platform/tags/tags_json_converter.h"
 #include "vemora/platform/utils/json.h"
 #include "vemora/platform/utils/json_elements.h"
+#include "vemora/platform/utils/json_members.h"
 
 // A server may hand over arrays of which some elements were never assigned. They count as null.
 
@@ -53,6 +54,31 @@ TEST(Json_Elements, that_were_never_assigned_are_null_and_visited_once_where_sev
               ElementsAre("0: null", "5: a", "6: null", "7: b", "8: null", "4000000000: c"));
   EXPECT_THAT(visited(array_of({{0, "a"}, {4294967295U, "b"}})),
               ElementsAre("0: a", "1: null", "4294967295: b"));
+  EXPECT_THAT(visited(array_of({{4294967295U, "a"}})), ElementsAre("0: null", "4294967295: a"));
+  EXPECT_THAT(visited(array_of({{0, "a"}, {2, "b"}})), ElementsAre("0: a", "1: null", "2: b"));
+  EXPECT_THAT(visited(array_of({{0, "a"}, {1, "b"}, {3, "c"}, {4, "d"}})),
+              ElementsAre("0: a", "1: b", "2: null", "3: c", "4: d"));
+}
+
+std::vector<std::string> visited_members(const Json::Value& object) {
+  std::vector<std::string> members;
+  for (const auto& [name, value] : kuv::utils::Json_Members(object)) {
+    members.push_back(std::string(name) + ": " + (value.isNull() ? "null" : value.asString()));
+  }
+  return members;
+}
+
+TEST(Json_Members, are_visited_in_the_order_of_their_names) {
+  EXPECT_THAT(visited_members(json(R"({"b": "2", "a": null, "ab": "3", "": "1"})")),
+              ElementsAre(": 1", "a: null", "ab: 3", "b: 2"));
+  EXPECT_THAT(visited_members(json(R"({"one": "1"})")), ElementsAre("one: 1"));
+  EXPECT_THAT(visited_members(Json::objectValue), IsEmpty());
+  EXPECT_THAT(visited_members(Json::nullValue), IsEmpty());
+}
+
+TEST(Json_Members, have_all_of_their_names) {
+  EXPECT_THAT(visited_members(json(R"({"a\u0000b": "1"})")),
+              ElementsAre(std::string("a\0b: 1", 6)));
 }
 
 TEST(Transform_Json_Array, stops_at_an_element_that_was_never_assigned) {

@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <string>
 
 #include "vemora/trigger_parser/members.h"
 
@@ -21,9 +20,8 @@ struct Limits {
 constexpr Limits min_duration_limits{1000, 28800000};  // 1 s to 8 h, in milliseconds
 constexpr Limits dropout_limits{1000, 600000};         // 1 s to 10 min, in milliseconds
 
-std::chrono::microseconds checked_duration(const Json::Value& value, const Limits& limits,
-                                           const char* key, Faults& faults) {
-  const std::uint32_t milliseconds = value.asUInt();
+std::chrono::microseconds checked_duration(std::uint32_t milliseconds, const Json::Value& value,
+                                           const Limits& limits, const char* key, Faults& faults) {
   if (milliseconds < limits.least || milliseconds > limits.most) {
     faults.add(value, fmt::format("\"activityDuration.{}\" must be between {} and {}.", key,
                                   limits.least, limits.most));
@@ -37,24 +35,24 @@ Activity_Duration_Mode parse_mode(const Member& mode, Faults& faults) {
   if (mode->isNull()) {
     return Activity_Duration_Mode::object_presence;
   }
-  if (!faults.require(mode->isString(), mode, "\"activityDuration.mode\" must be a string.")) {
+  const auto name = text_of(*mode);
+  if (!faults.require(name.has_value(), mode, "\"activityDuration.mode\" must be a string.")) {
     return Activity_Duration_Mode::object_track;
   }
-  const std::string name = mode->asString();
-  if (name == "object-presence") {
+  if (*name == "object-presence") {
     return Activity_Duration_Mode::object_presence;
   }
-  faults.require(name == "object-track", mode,
+  faults.require(*name == "object-track", mode,
                  "\"activityDuration.mode\" must be \"object-presence\" or \"object-track\".");
   return Activity_Duration_Mode::object_track;
 }
 
 std::chrono::microseconds parse_min_duration(const Member& min_duration, Faults& faults) {
   // Zero is what a form sends that was left empty, so it counts as missing and not as too short.
-  const bool given = min_duration->isUInt() && min_duration->asUInt() != 0;
-  return faults.require(given, min_duration,
+  const std::uint32_t given = min_duration->isUInt() ? min_duration->asUInt() : 0;
+  return faults.require(given != 0, min_duration,
                         "\"activityDuration.minDurationMs\" is missing or invalid.")
-             ? checked_duration(*min_duration, min_duration_limits, "minDurationMs", faults)
+             ? checked_duration(given, *min_duration, min_duration_limits, "minDurationMs", faults)
              : std::chrono::microseconds::zero();
 }
 
@@ -69,7 +67,7 @@ std::chrono::microseconds parse_dropout(const Member& dropout, Activity_Duration
   }
   return faults.require(dropout->isUInt(), dropout,
                         "\"activityDuration.dropoutMs\" must be an unsigned integer.")
-             ? checked_duration(*dropout, dropout_limits, "dropoutMs", faults)
+             ? checked_duration(dropout->asUInt(), *dropout, dropout_limits, "dropoutMs", faults)
              : std::chrono::microseconds::zero();
 }
 
@@ -83,8 +81,8 @@ std::optional<Activity_Duration> parse_activity_duration(const Member& activity,
     return std::nullopt;
   }
   Member mode, min_duration, dropout;
-  find_members(*activity,
-               {{"dropoutMs", dropout}, {"minDurationMs", min_duration}, {"mode", mode}});
+  find_members(*activity, Wanted{"mode", mode}, Wanted{"minDurationMs", min_duration},
+               Wanted{"dropoutMs", dropout});
   Activity_Duration parsed;
   parsed.mode = parse_mode(mode, faults);
   if (source_type == Trigger_Source_Type::motion_detection) {

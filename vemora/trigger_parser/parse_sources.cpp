@@ -9,45 +9,44 @@
 #include "vemora/platform/utils/json_elements.h"
 #include "vemora/trigger_parser/members.h"
 #include "vemora/trigger_parser/parse_activity_duration.h"
-#include "vemora/trigger_parser/source_type_of.h"
+#include "vemora/trigger_parser/source_types.h"
 
 namespace kuv::vemora {
 namespace {
 
 /// A type that this server does not know is no fault: configurations are shared with newer servers,
 /// and the source is theirs.
-std::optional<Trigger_Source_Type> parse_type(const Member& type, const Letters& letters,
+std::optional<Trigger_Source_Type> parse_type(const Member& type, Source_Types& types,
                                               Faults& faults) {
-  if (!faults.require(type->isString(), type, "\"type\" field is missing or invalid for source.")) {
+  const auto name = text_of(*type);
+  if (!faults.require(name.has_value(), type, "\"type\" field is missing or invalid for source.")) {
     return std::nullopt;
   }
-  return source_type_of(type->asString(), letters);
+  return types.type_of(*name);
 }
 
 /// Leaves nothing when it is no topic.
 void parse_onvif_topic(const Member& topic, std::optional<std::string>& parsed, Faults& faults) {
-  if (!faults.require(topic->isString(), topic,
-                      "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.")) {
-    return;
-  }
-  parsed = topic->asString();
-  if (!faults.require(
-          !parsed->empty(), topic,
+  const auto name = text_of(*topic);
+  if (faults.require(name.has_value(), topic,
+                     "An onvif-metadata source has a missing or invalid \"onvifTopic\" field.") &&
+      faults.require(
+          !name->empty(), topic,
           "An onvif-metadata source has an \"onvifTopic\" field with an empty string.")) {
-    parsed.reset();
+    parsed.emplace(*name);
   }
 }
 
 /// Empty when it is no object type.
 std::string parse_object_type(const Member& type, Faults& faults) {
-  std::string parsed;
-  if (faults.require(type->isString(), type,
-                     "An object-detection source has a missing or invalid object type.")) {
-    parsed = type->asString();
-    faults.require(!parsed.empty(), type,
-                   "An object-detection source has an empty object type specified.");
+  const auto name = text_of(*type);
+  if (!faults.require(name.has_value(), type,
+                      "An object-detection source has a missing or invalid object type.")) {
+    return {};
   }
-  return parsed;
+  faults.require(!name->empty(), type,
+                 "An object-detection source has an empty object type specified.");
+  return std::string(*name);
 }
 
 /// A null that is there is no flag.
@@ -66,7 +65,7 @@ void parse_search_item(const Member& item, std::optional<Object_Search_Item>& pa
     return;
   }
   Member type, motion_required;
-  find_members(*item, {{"motionRequired", motion_required}, {"type", type}});
+  find_members(*item, Wanted{"type", type}, Wanted{"motionRequired", motion_required});
   parsed.emplace();
   parsed->object_type = parse_object_type(type, faults);
   parsed->motion_required = parse_motion_required(motion_required, faults);
@@ -87,52 +86,51 @@ bool is_comparable(const Trigger_Source& source) {
   }
 }
 
-/// One source; nothing when it is dropped, and when it is too faulty to be compared with others.
-std::optional<Trigger_Source> parse_source(const Member& source, const Letters& letters,
-                                           Faults& faults) {
-  std::optional<Trigger_Source> parsed;
+/// One source; false when it is dropped, and when it is too faulty to be compared with others.
+bool parse_source(const Member& source, Source_Types& types, Trigger_Source& parsed,
+                  Faults& faults) {
   if (!faults.require(source->isObject(), source,
                       "\"sources\" must be an array of JSON objects.")) {
-    return parsed;
+    return false;
   }
   Member type_name, onvif_topic, search_item, activity_duration;
-  find_members(*source, {{"activityDuration", activity_duration},
-                         {"onvifTopic", onvif_topic},
-                         {"searchItem", search_item},
-                         {"type", type_name}});
-  const std::optional<Trigger_Source_Type> type = parse_type(type_name, letters, faults);
+  find_members(*source, Wanted{"type", type_name}, Wanted{"onvifTopic", onvif_topic},
+               Wanted{"searchItem", search_item}, Wanted{"activityDuration", activity_duration});
+  const std::optional<Trigger_Source_Type> type = parse_type(type_name, types, faults);
   if (!is_kept(type)) {
-    return parsed;
+    return false;
   }
-  parsed.emplace();
-  parsed->type = *type;
+  parsed.type = *type;
   if (*type == Trigger_Source_Type::onvif_metadata) {
-    parse_onvif_topic(onvif_topic, parsed->onvif_topic, faults);
+    parse_onvif_topic(onvif_topic, parsed.onvif_topic, faults);
   } else if (*type == Trigger_Source_Type::object_detection) {
-    parse_search_item(search_item, parsed->search_item, faults);
-    parsed->activity_duration = parse_activity_duration(activity_duration, *type, faults);
+    parse_search_item(search_item, parsed.search_item, faults);
+    parsed.activity_duration = parse_activity_duration(activity_duration, *type, faults);
   } else if (*type == Trigger_Source_Type::motion_detection) {
-    parsed->activity_duration = parse_activity_duration(activity_duration, *type, faults);
+    parsed.activity_duration = parse_activity_duration(activity_duration, *type, faults);
   }
-  if (!is_comparable(*parsed)) {
-    parsed.reset();
-  }
-  return parsed;
+  return is_comparable(parsed);
+}
+
+/// False when such a source is among them already.
+bool add_source(Trigger_Source&& source, std::set<Trigger_Source>& sources) {
+  const std::size_t before = sources.size();
+  sources.insert(sources.end(), std::move(source));  // a document mostly has them in order
+  return sources.size() > before;
 }
 
 }  // namespace
 
-std::set<Trigger_Source> parse_sources(const Member& sources, const Letters& letters,
-                                       Faults& faults) {
+std::set<Trigger_Source> parse_sources(const Member& sources, Source_Types& types, Faults& faults) {
   std::set<Trigger_Source> parsed;
   if (!faults.require(sources->isArray(), sources, "\"sources\" array is missing or invalid.") ||
       !faults.require(!sources->empty(), sources, "\"sources\" array is empty.")) {
     return parsed;
   }
   for (const auto& [index, element] : kuv::utils::Json_Elements(*sources)) {
-    std::optional<Trigger_Source> source = parse_source(Member(element, *sources), letters, faults);
-    if (source) {
-      faults.require(parsed.insert(std::move(*source)).second, element,
+    Trigger_Source source;
+    if (parse_source(Member(element, *sources), types, source, faults)) {
+      faults.require(add_source(std::move(source), parsed), element,
                      "Duplicate entry in \"sources\" detected.");
     }
   }

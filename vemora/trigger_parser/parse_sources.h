@@ -4,19 +4,15 @@
 
 #include <json/value.h>
 
-#include <locale>
 #include <set>
 
 #include "vemora/trigger_parser/faults.h"
+#include "vemora/trigger_parser/source_types.h"
 #include "vemora/trigger_parser/trigger_config.h"
 
 namespace kuv::vemora {
 
-/// What is needed to read a name in any case of letters.
-using Letters = std::ctype<char>;
-
 /// The sources of a trigger from its "sources" array; empty when each of them was dropped.
-std::set<Trigger_Source> parse_sources(const Member& sources, const Letters& letters,
-                                       Faults& faults);
+std::set<Trigger_Source> parse_sources(const Member& sources, Source_Types& types, Faults& faults);
 
 }  // namespace kuv::vemora

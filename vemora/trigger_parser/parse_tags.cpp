@@ -40,8 +40,8 @@ void parse_tag_filter(const Json::Value& filter, Terms& parsed, Faults& faults) 
 void parse_tags(const Member& tags, Trigger_Config::Tags& parsed, Faults& faults) {
   if (faults.require(tags->isObject(), tags, "\"tags\" must be a JSON object.")) {
     Member server, camera, event_subscription;
-    find_members(
-        *tags, {{"camera", camera}, {"eventSubscription", event_subscription}, {"server", server}});
+    find_members(*tags, Wanted{"server", server}, Wanted{"camera", camera},
+                 Wanted{"eventSubscription", event_subscription});
     parse_tag_filter(*server, parsed.server, faults);
     parse_tag_filter(*camera, parsed.camera, faults);
     parse_tag_filter(*event_subscription, parsed.event_subscription, faults);

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <locale>
 #include <optional>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "vemora/platform/tags/tag_filter.h"
 #include "vemora/platform/utils/json_elements.h"
@@ -16,7 +16,7 @@
 #include "vemora/trigger_parser/members.h"
 #include "vemora/trigger_parser/parse_sources.h"
 #include "vemora/trigger_parser/parse_tags.h"
-#include "vemora/trigger_parser/prefetch_behind.h"
+#include "vemora/trigger_parser/prefetch.h"
 #include "vemora/trigger_parser/require_configuration.h"
 #include "vemora/trigger_parser/vemora_trigger_parser.h"
 
@@ -29,15 +29,24 @@ bool parse_any_time(const Json::Value& any_time, Faults& faults) {
          any_time.asBool();
 }
 
-/// In order, not hashed: whoever chooses the ids could choose ones that all meet in one bucket.
-using Ids = std::set<std::uint64_t>;
+/// The ids so far. In order, not hashed: whoever chooses the ids could choose ones that all meet in
+/// one bucket.
+class Ids {
+ public:
+  /// False when the id is among them already.
+  bool add(std::uint64_t id) {
+    if (ascending_.empty() || id > ascending_.back()) {  // ids mostly ascend
+      ascending_.push_back(id);
+      return true;
+    }
+    return !std::binary_search(ascending_.begin(), ascending_.end(), id) &&
+           others_.insert(id).second;
+  }
 
-/// False when the id is among them already.
-bool add_id(std::uint64_t id, Ids& ids) {
-  const std::size_t before = ids.size();
-  ids.insert(ids.end(), id);  // ids mostly ascend
-  return ids.size() > before;
-}
+ private:
+  std::vector<std::uint64_t> ascending_;
+  std::set<std::uint64_t> others_;  ///< each less than an id before it
+};
 
 /// How many triggers to make room for: not for more than the text of the array can have. One that
 /// was built, and not read from a text, may have very few elements at very large indexes.
@@ -78,8 +87,7 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
   std::vector<Trigger_Config> kept;
   kept.reserve(likely_triggers_of(triggers));
   Ids kept_ids;
-  const std::locale locale;
-  const auto& letters = std::use_facet<Letters>(locale);
+  Source_Types types;
   for (const auto& [index, trigger] : kuv::utils::Json_Elements(triggers)) {
     prefetch_behind(trigger);
     faults.enter_element(index);
@@ -87,11 +95,11 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
                         "\"triggers\" must be an array of JSON objects.")) {
       continue;
     }
-    std::optional<Trigger_Config> config = parse_trigger_config_(trigger, mapping, letters, faults);
+    std::optional<Trigger_Config> config = parse_trigger_config_(trigger, mapping, types, faults);
     if (!config) {
       continue;
     }
-    if (faults.is_named() && !add_id(config->id, kept_ids)) {
+    if (faults.is_named() && !kept_ids.add(config->id)) {
       faults.add(trigger["id"],
                  fmt::format("All \"id\" values must be unique, {} is duplicated.", config->id));
     }
@@ -104,23 +112,24 @@ std::vector<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_configs_(
 }
 
 std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
-    const Json::Value& trigger, const Trigger_Mapping& mapping, const Letters& letters,
+    const Json::Value& trigger, const Trigger_Mapping& mapping, Source_Types& types,
     Faults& faults) {
-  Member id, name, tags, sources, any_time;
-  find_members(
-      trigger,
-      {{"anyTime", any_time}, {"id", id}, {"name", name}, {"sources", sources}, {"tags", tags}});
+  Member id, name, tags, sources, any_time, schedule_ids;
+  find_members(trigger, Wanted{"id", id}, Wanted{"name", name}, Wanted{"tags", tags},
+               Wanted{"sources", sources}, Wanted{"anyTime", any_time},
+               Wanted{"scheduleIds", schedule_ids});
   std::optional<Trigger_Config> config(std::in_place);
   if (faults.require(id->isUInt64(), id, "\"id\" field is missing or invalid.")) {
     config->id = id->asUInt64();
     faults.name_trigger(config->id);
   }
-  if (faults.require(name->isString(), name, "\"name\" field is missing or invalid.")) {
-    config->name = name->asString();
+  const auto text = text_of(*name);
+  if (faults.require(text.has_value(), name, "\"name\" field is missing or invalid.")) {
+    config->name = *text;
   }
   parse_tags(tags, config->tags, faults);
   const std::size_t before_sources = faults.count();
-  config->sources = parse_sources(sources, letters, faults);
+  config->sources = parse_sources(sources, types, faults);
   const bool sources_are_valid = faults.count() == before_sources;
   config->options.any_time = parse_any_time(*any_time, faults);
   if (config->sources.empty() && sources_are_valid) {
@@ -128,7 +137,7 @@ std::optional<Trigger_Config> Vemora_Trigger_Parser::parse_trigger_config_(
     // well run there; on this server it has nothing to listen to.
     config.reset();
   } else {
-    set_trigger_mapping_in_config_(*config, trigger, mapping, faults);
+    set_trigger_mapping_in_config_(*config, *schedule_ids, mapping, faults);
   }
   return config;
 }

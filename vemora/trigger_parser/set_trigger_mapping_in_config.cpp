@@ -19,10 +19,9 @@ std::set<Trigger_Mapping_Entry> prefer_mapped(const std::set<Trigger_Mapping_Ent
 }  // namespace
 
 void Vemora_Trigger_Parser::set_trigger_mapping_in_config_(Trigger_Config& config,
-                                                           const Json::Value& trigger,
+                                                           const Json::Value& schedule_ids,
                                                            const Trigger_Mapping& mapping,
                                                            Faults& faults) {
-  const Json::Value& schedule_ids = trigger["scheduleIds"];
   if (schedule_ids.isNull()) {
     return;  // without schedules of its own the mapping does not concern the trigger
   }

@@ -5,7 +5,6 @@
 #include <json/value.h>
 
 #include <cstdint>
-#include <locale>
 #include <map>
 #include <memory>
 #include <optional>
@@ -23,6 +22,7 @@
 namespace kuv::vemora {
 
 class Faults;
+class Source_Types;
 
 /// The parser of the video-management server. It keeps nothing between calls: schedules and the
 /// server's tags are looked up anew each time. Not thread-safe.
@@ -64,9 +64,9 @@ class VEMORA_API Vemora_Trigger_Parser : public Trigger_Parser {
   /// One element of "triggers"; nothing when no source of it is left.
   std::optional<Trigger_Config> parse_trigger_config_(const Json::Value& trigger,
                                                       const Trigger_Mapping& mapping,
-                                                      const std::ctype<char>& letters,
-                                                      Faults& faults);
-  void set_trigger_mapping_in_config_(Trigger_Config& config, const Json::Value& trigger,
+                                                      Source_Types& types, Faults& faults);
+  /// With the value of the trigger's "scheduleIds", null where it has none.
+  void set_trigger_mapping_in_config_(Trigger_Config& config, const Json::Value& schedule_ids,
                                       const Trigger_Mapping& mapping, Faults& faults);
 
   /// The schedules under "scheduleIds" of an object; empty when one of them cannot be used.

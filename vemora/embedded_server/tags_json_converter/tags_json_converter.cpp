@@ -5,11 +5,13 @@
 #include <fmt/format.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "vemora/platform/tags/tag_filter_error.h"
 #include "vemora/platform/utils/json_elements.h"
+#include "vemora/platform/utils/json_members.h"
 
 namespace kuv::vemora::Vemora_Tags_JSON_Converter {
 namespace {
@@ -34,20 +36,23 @@ class Faults {
 };
 
 /// One wanted value of a tag; false when `value` is none.
-bool add_term(const std::string& name, const Json::Value& value, Terms& terms) {
-  if (value.isNull()) {
-    terms.insert({name, std::nullopt});
-    return true;
+bool add_term(std::string_view name, const Json::Value& value, Terms& terms) {
+  const char* begin = nullptr;
+  const char* end = nullptr;
+  const bool is_text = value.getString(&begin, &end);
+  if (!is_text && !value.isNull()) {
+    return false;
   }
-  if (value.isString()) {
-    terms.insert({name, value.asString()});
-    return true;
+  ODB_Utils::Tag_Search_Term term{std::string(name), std::nullopt};
+  if (is_text) {
+    term.value.emplace(begin, end);
   }
-  return false;
+  terms.insert(terms.end(), std::move(term));  // mostly they are in order
+  return true;
 }
 
 /// One fault a tag at most: it names the tag, and a name may be as long as the document.
-void add_terms(const std::string& name, const Json::Value& wanted, Terms& terms, Faults& faults) {
+void add_terms(std::string_view name, const Json::Value& wanted, Terms& terms, Faults& faults) {
   if (!wanted.isArray()) {
     if (!add_term(name, wanted, terms)) {
       faults.add(wanted,
@@ -75,9 +80,8 @@ Terms parse_search_tags(const Json::Value& tags) {
     faults.add(tags, "A tag filter must be a JSON object.");
     faults.throw_if_any();
   }
-  const auto end = tags.end();
-  for (auto tag = tags.begin(); tag != end; ++tag) {
-    add_terms(tag.name(), *tag, terms, faults);
+  for (const auto& [name, wanted] : kuv::utils::Json_Members(tags)) {
+    add_terms(name, wanted, terms, faults);
   }
   faults.throw_if_any();
   return terms;

@@ -4,13 +4,12 @@
 
 #include <fmt/format.h>
 
-#include <locale>
 #include <map>
 #include <set>
 #include <string>
 
 #include "vemora/operations/warnings/camera_selection.h"
-#include "vemora/trigger_parser/source_type_of.h"
+#include "vemora/trigger_parser/source_types.h"
 
 namespace kuv::vemora::operations {
 namespace {
@@ -47,10 +46,7 @@ class Selection_Judge {
  public:
   Selection_Judge(const std::shared_ptr<embedded_server::Database>& database,
                   Repository& repository, bool in_pass, Found_Warnings& found)
-      : selections_(database, repository, in_pass),
-        subscriptions_(repository),
-        found_(found),
-        letters_(std::use_facet<std::ctype<char>>(locale_)) {}
+      : selections_(database, repository, in_pass), subscriptions_(repository), found_(found) {}
 
   void judge(const Judged_Trigger& trigger) {
     const Trigger_Config::Tags& tags = trigger.config->tags;
@@ -93,7 +89,7 @@ class Selection_Judge {
       return;
     }
     for (const Json::Value& source : trigger.element["sources"]) {
-      const auto type = source_type_of(source["type"].asString(), letters_);
+      const auto type = types_.type_of(source["type"].asString());
       if (type == Trigger_Source_Type::onvif_metadata &&
           unheard.count(source["onvifTopic"].asString()) != 0) {
         warn_of_topic(trigger, source["onvifTopic"], cameras);
@@ -124,8 +120,7 @@ class Selection_Judge {
   Camera_Selections selections_;
   Generic_Subscriptions subscriptions_;
   Found_Warnings& found_;
-  std::locale locale_;
-  const std::ctype<char>& letters_;
+  Source_Types types_;
 };
 
 }  // namespace

@@ -3,13 +3,12 @@
 #include "vemora/operations/warnings/judged_triggers.h"
 
 #include <exception>
-#include <locale>
 #include <new>
 #include <set>
 
 #include "vemora/platform/tags/tag_filter.h"
 #include "vemora/platform/tags/tags_json_converter.h"
-#include "vemora/trigger_parser/source_type_of.h"
+#include "vemora/trigger_parser/source_types.h"
 
 namespace kuv::vemora::operations {
 namespace {
@@ -20,8 +19,7 @@ class Pairing {
   Pairing(const embedded_server::Read_Documents& documents, const Json::Value& elements)
       : left_(documents.triggers),
         valid_(documents.are_valid),
-        none_is_left_out_(documents.triggers.size() == elements.size()),
-        letters_(std::use_facet<std::ctype<char>>(locale_)) {}
+        none_is_left_out_(documents.triggers.size() == elements.size()) {}
 
   /// To be asked for every element, in their order.
   const Trigger_Config* next(const Json::Value& element) {
@@ -32,9 +30,9 @@ class Pairing {
   }
 
  private:
-  bool has_source(const Json::Value& element) const {
+  bool has_source(const Json::Value& element) {
     for (const Json::Value& source : element["sources"]) {
-      if (is_kept(source_type_of(source["type"].asString(), letters_))) {
+      if (is_kept(types_.type_of(source["type"].asString()))) {
         return true;
       }
     }
@@ -45,8 +43,7 @@ class Pairing {
   std::size_t next_ = 0;
   bool valid_;
   bool none_is_left_out_;
-  std::locale locale_;
-  const std::ctype<char>& letters_;
+  Source_Types types_;
 };
 
 /// Of a trigger that the parser did not make anything of.

@@ -4,13 +4,12 @@
 
 #include <fmt/format.h>
 
-#include <locale>
 #include <string>
 #include <string_view>
 
 #include "vemora/operations/warnings/document_keys.h"
 #include "vemora/operations/warnings/nearest_name.h"
-#include "vemora/trigger_parser/source_type_of.h"
+#include "vemora/trigger_parser/source_types.h"
 
 namespace kuv::vemora::operations {
 namespace {
@@ -74,7 +73,7 @@ std::string advice(std::string_view key, const Json::Value& object, const Allowe
 class Key_Walk {
  public:
   Key_Walk(const Json_Document& document, Found_Warnings& found)
-      : document_(document), found_(found), letters_(std::use_facet<std::ctype<char>>(locale_)) {}
+      : document_(document), found_(found) {}
 
   void walk(const Json::Value& value, const Document_Keys& keys, Subject subject) {
     if (value.isObject()) {
@@ -101,7 +100,7 @@ class Key_Walk {
     const Document_Keys* besides = nullptr;
     if (keys.depend_on_source_type) {
       const Json::Value& type = object["type"];
-      const auto known = type.isString() ? source_type_of(type.asString(), letters_) : std::nullopt;
+      const auto known = type.isString() ? types_.type_of(type.asString()) : std::nullopt;
       if (!known) {
         return;
       }
@@ -128,8 +127,7 @@ class Key_Walk {
 
   const Json_Document& document_;
   Found_Warnings& found_;
-  std::locale locale_;
-  const std::ctype<char>& letters_;
+  Source_Types types_;
 };
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <locale>
 #include <map>
 #include <set>
 #include <string>
@@ -13,7 +12,7 @@
 #include "vemora/embedded_server/persistent/inventory.h"
 #include "vemora/embedded_server/persistent/source_type_names.h"
 #include "vemora/operations/warnings/nearest_name.h"
-#include "vemora/trigger_parser/source_type_of.h"
+#include "vemora/trigger_parser/source_types.h"
 
 namespace kuv::vemora::operations {
 namespace {
@@ -56,8 +55,7 @@ class Object_Types {
 
 class Source_Judge {
  public:
-  Source_Judge(Object_Types& types, Found_Warnings& found)
-      : types_(types), found_(found), letters_(std::use_facet<std::ctype<char>>(locale_)) {}
+  Source_Judge(Object_Types& types, Found_Warnings& found) : types_(types), found_(found) {}
 
   void judge(const Judged_Trigger& trigger) {
     const Json::Value& sources = trigger.element["sources"];
@@ -83,7 +81,7 @@ class Source_Judge {
   void warn_of_unknown_types(const Judged_Trigger& trigger, const Json::Value& sources) {
     for (const Json::Value& source : sources) {
       const std::string type = source["type"].asString();
-      if (source_type_of(type, letters_)) {
+      if (source_types_.type_of(type)) {
         continue;
       }
       Nearest_Name nearest(type);
@@ -98,7 +96,7 @@ class Source_Judge {
 
   void warn_of_object_types(const Judged_Trigger& trigger, const Json::Value& sources) {
     for (const Json::Value& source : sources) {
-      if (source_type_of(source["type"].asString(), letters_) !=
+      if (source_types_.type_of(source["type"].asString()) !=
           Trigger_Source_Type::object_detection) {
         continue;
       }
@@ -114,8 +112,7 @@ class Source_Judge {
 
   Object_Types& types_;
   Found_Warnings& found_;
-  std::locale locale_;
-  const std::ctype<char>& letters_;
+  Source_Types source_types_;
 };
 
 }  // namespace

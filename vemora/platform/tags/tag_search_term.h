@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <tuple>
 
 namespace kuv::vemora::ODB_Utils {
 
@@ -17,7 +16,8 @@ struct Tag_Search_Term {
 
 /// By name, then by value.
 inline bool operator<(const Tag_Search_Term& left, const Tag_Search_Term& right) {
-  return std::tie(left.name, left.value) < std::tie(right.name, right.value);
+  const int order = left.name.compare(right.name);
+  return order == 0 ? left.value < right.value : order < 0;
 }
 
 /// The same name and value.

@@ -4,6 +4,8 @@
 
 #include <json/value.h>
 
+#include <limits>
+
 namespace kuv::utils {
 
 /// The elements of a JSON array, in order, for a loop over them. An element that was never assigned
@@ -18,13 +20,22 @@ class Json_Elements {
     const Json::Value& value;  ///< Json::Value::nullSingleton() where nothing was assigned
   };
 
-  /// What a loop over the elements needs, and no more.
+  /// Behind the last element.
+  struct End {};
+
+  /// What a loop over the elements needs, and no more. The last element of an array was always
+  /// assigned, so that its index is all that tells the end.
   class Iterator {
    public:
-    /// At the element `assigned`, or at the one that was never assigned before it.
-    Iterator(Json::Value::const_iterator assigned, Json::Value::const_iterator end)
-        : assigned_(assigned), end_(end) {
-      look();
+    /// At the first element.
+    explicit Iterator(const Json::Value& array)
+        : assigned_(array.begin()), next_(assigned_), last_(array.size() - 1) {
+      // The size of an array with an element at the last possible index is said to be 0.
+      constexpr Json::ArrayIndex last_possible = std::numeric_limits<Json::ArrayIndex>::max();
+      is_over_ = last_ == last_possible && assigned_ == array.end();
+      if (!is_over_) {
+        look();
+      }
     }
 
     /// The element.
@@ -34,35 +45,45 @@ class Json_Elements {
 
     /// To the next element.
     Iterator& operator++() {
-      if (is_assigned_) {
-        ++assigned_;
-        ++index_;
-      } else {
+      if (!is_assigned_) {
         index_ = assigned_.index();
+        is_assigned_ = true;
+      } else if (index_ == last_) {
+        is_over_ = true;
+      } else {
+        ++index_;
+        assigned_ = next_;
+        look();
       }
-      look();
       return *this;
     }
 
-    /// Whether there are elements left, compared with end().
-    bool operator!=(const Iterator& other) const { return assigned_ != other.assigned_; }
+    /// Whether there are elements left.
+    bool operator!=(const End&) const { return !is_over_; }
 
    private:
-    void look() { is_assigned_ = assigned_ != end_ && assigned_.index() == index_; }
+    void look() {
+      is_assigned_ = index_ == last_ || assigned_.index() == index_;
+      if (index_ != last_) {
+        ++next_;
+      }
+    }
 
     Json::Value::const_iterator assigned_;  ///< the element at the index, or the next one behind it
-    Json::Value::const_iterator end_;
+    Json::Value::const_iterator next_;  ///< behind it: on its way from memory while it is looked at
+    Json::ArrayIndex last_;
     Json::ArrayIndex index_ = 0;
     bool is_assigned_ = false;
+    bool is_over_ = false;
   };
 
   /// The array must stay as it is as long as the walk goes on.
   explicit Json_Elements(const Json::Value& array) : array_(array) {}
 
   /// At the first element.
-  Iterator begin() const { return {array_.begin(), array_.end()}; }
+  Iterator begin() const { return Iterator(array_); }
   /// Behind the last element.
-  Iterator end() const { return {array_.end(), array_.end()}; }
+  End end() const { return {}; }
 
  private:
   const Json::Value& array_;
