@@ -197,9 +197,11 @@ def plot(figures):
     return plots.draw(points)
 
 
-def run_note(figure):
+def run_note(figures):
     machine = f"{os.cpu_count()} cores, {platform.machine()}, Linux {platform.release()}"
-    return f"Measured {datetime.date.today()} on {machine}; medians of {len(figure['seconds'])} runs."
+    runs = {len(figure["seconds"]) for figure in figures}
+    or_more = "" if len(runs) == 1 else " or more"
+    return f"Measured {datetime.date.today()} on {machine}; medians of {min(runs)} runs{or_more}."
 
 
 def figures_page(note, run):
@@ -249,11 +251,11 @@ def read_run(folder, *names):
 
 def write_pages(measured, folder):
     run = read_run(measured, "sqlite", "postgresql", "library", "calls", "passes", "match", "documents")
-    note = run_note(run["sqlite"][0])
+    note = run_note(run["sqlite"])
     with open(os.path.join(folder, "performance.md"), encoding="utf-8") as file:
         page = file.read()
     page = quoted(page, "figures", summary(note, (("SQLite", run["sqlite"]), ("PostgreSQL", run["postgresql"]))))
-    write_file(folder, "performance.md", quoted(page, "peers", peers(run_note(run["documents"]["reading"]), run["documents"])))
+    write_file(folder, "performance.md", quoted(page, "peers", peers(run_note([run["documents"]["reading"]]), run["documents"])))
     write_file(folder, "performance-figures.md", figures_page(note, run))
     write_file(folder, "performance.svg", plot(run["sqlite"]))
 

@@ -1,23 +1,13 @@
 # SPDX-FileCopyrightText: 2026 Vemora trigger manager maintainers
 # SPDX-License-Identifier: GPL-2.0-only
-"""check: its work grows with the document and no faster, whatever is wrong with it. Instructions are counted, by
-valgrind, and not time: those of a document of twice the size, less those of one of the size, are twice as many when the
-sizes double.
-"""
+"""check: its work grows with the document and no faster, whatever is wrong with it."""
 
 import json
-import os
-import re
-import shutil
-import subprocess
-import tempfile
 import unittest
 
-TOOL = os.environ["TOOL"]
-REJECTED = 2
+from growth import Growth
 
-# Sorted containers take a step more for twice as many elements; what grows with the square takes twice the steps.
-MOST_GROWTH = 1.3
+REJECTED = 2
 
 
 def configuration(*triggers):
@@ -51,45 +41,32 @@ SHAPES = {
 }
 
 
-class Counted_Checks(unittest.TestCase):
+class Counted_Checks(Growth):
     def setUp(self):
-        self.folder = tempfile.mkdtemp()
-        self.addCleanup(shutil.rmtree, self.folder)
-        self.write("inventory.json", '{"servers": [{"id": 1, "name": "one"}]}')
-        subprocess.run([TOOL, "init", "inventory.json"], cwd=self.folder, capture_output=True, check=True)
+        super().setUp()
+        self.run_tool("init", self.write("inventory.json", '{"servers": [{"id": 1, "name": "one"}]}'))
 
-    def write(self, name, text):
-        with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
-            file.write(text)
-
-    def instructions(self, document, *flags):
-        self.write("config.json", document)
-        command = ["valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null",
-                   TOOL, *flags, "check", "config.json"]
-        process = subprocess.run(command, cwd=self.folder, capture_output=True, text=True, check=False)
+    def checked(self, document, *flags):
+        instructions, process = self.counted(*flags, "check", self.write("config.json", document))
         self.assertEqual(process.returncode, REJECTED, process.stderr)
         if flags:
             self.assertGreater(len(json.loads(process.stdout)["errors"]), 0)
-        return int(re.search(r"I +refs: +([0-9,]+)", process.stderr).group(1).replace(",", ""))
+        return instructions
 
-    def assert_linear(self, shape, *flags):
-        size = 8192
-        once, twice, four_times = (self.instructions(shape(size * times), *flags) for times in (1, 2, 4))
-        per_byte = [(twice - once) / size, (four_times - twice) / (2 * size)]
-        print(f"{per_byte[0]:.0f} and {per_byte[1]:.0f} instructions a byte ... ", end="", flush=True)
-        self.assertLess(per_byte[1] / per_byte[0], MOST_GROWTH)
+    def assert_grows_with_the_document(self, shape, *flags):
+        self.assert_linear(lambda size: self.checked(shape(size), *flags), 8192, "byte")
 
     def test_work_grows_with_the_document(self):
         for name, shape in SHAPES.items():
             with self.subTest(name):
                 print(f"\n  {name}: ", end="")
-                self.assert_linear(shape, "--json")
+                self.assert_grows_with_the_document(shape, "--json")
 
     def test_people_do_not_wait_longer_for_what_they_are_shown(self):
         for name in ("triggers that are none", "a name"):
             with self.subTest(name):
                 print(f"\n  {name}: ", end="")
-                self.assert_linear(SHAPES[name])
+                self.assert_grows_with_the_document(SHAPES[name])
 
 
 if __name__ == "__main__":
