@@ -13,16 +13,22 @@
 // takes a call of a function that does nothing else for one without effect.
 namespace kuv::vemora {
 
+/// An address is computed as a number: there is no array that it stays in.
 using Address = std::uintptr_t;
+
+[[gnu::always_inline]] inline void prefetch_line(Address address) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): nothing is read there
+  __builtin_prefetch(reinterpret_cast<const void*>(address));
+}
 
 /// Asks for the memory between two addresses, by four lines.
 [[gnu::always_inline]] inline void prefetch(Address from, Address to) {
   constexpr Address line = 64;
   for (Address address = from; address < to; address += 4 * line) {
-    __builtin_prefetch(reinterpret_cast<const void*>(address));
-    __builtin_prefetch(reinterpret_cast<const void*>(address + line));
-    __builtin_prefetch(reinterpret_cast<const void*>(address + 2 * line));
-    __builtin_prefetch(reinterpret_cast<const void*>(address + 3 * line));
+    prefetch_line(address);
+    prefetch_line(address + line);
+    prefetch_line(address + 2 * line);
+    prefetch_line(address + 3 * line);
   }
 }
 
@@ -39,7 +45,7 @@ using Address = std::uintptr_t;
 
 /// For each text that is read: a text of that length in the elements behind.
 [[gnu::always_inline]] inline void prefetch_behind(const char* text) {
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<Address>(text) + 512));
+  prefetch_line(reinterpret_cast<Address>(text) + 512);
 }
 
 }  // namespace kuv::vemora
